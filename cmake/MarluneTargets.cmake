@@ -1,0 +1,56 @@
+# How every target of this project is compiled, and the shorthand for the targets that repeat.
+
+find_program(MARLUNE_CCACHE ccache)
+if(MARLUNE_CCACHE AND PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${MARLUNE_CCACHE})
+endif()
+
+# Warnings, sanitizers and the include root.
+function(marlune_target_defaults target)
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  if(MARLUNE_SANITIZE)
+    target_compile_options(${target} PUBLIC
+      -fsanitize=${MARLUNE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    target_link_options(${target} PUBLIC -fsanitize=${MARLUNE_SANITIZE})
+  endif()
+endfunction()
+
+# A room of the core: an object library of its own, so that a test can link the rooms it needs and
+# an upward call shows at the link. marlune_room(NAME SOURCES ... ROOMS below...)
+function(marlune_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;ROOMS" ${ARGN})
+  add_library(marlune_${name} OBJECT ${ROOM_SOURCES})
+  marlune_target_defaults(marlune_${name})
+  if(NOT MARLUNE_RTTI)
+    target_compile_options(marlune_${name} PRIVATE -fno-rtti)
+  endif()
+  foreach(room IN LISTS ROOM_ROOMS)
+    target_link_libraries(marlune_${name} PUBLIC marlune_${room})
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY MARLUNE_ROOMS marlune_${name})
+endfunction()
+
+# A test program: marlune_test(NAME SOURCES ... LINK libraries...). Room names without a prefix are
+# not enough: LINK takes targets (marlune_util, marlune_desktop, ...). An object library brings its
+# own objects only, so name every room that the test needs.
+function(marlune_test name)
+  cmake_parse_arguments(TEST "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${TEST_SOURCES})
+  marlune_target_defaults(${name})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${TEST_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
+
+# A benchmark program: marlune_bench(NAME SOURCES ... LINK libraries...).
+function(marlune_bench name)
+  cmake_parse_arguments(BENCH "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${BENCH_SOURCES})
+  marlune_target_defaults(${name})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/bench)
+  target_link_libraries(${name} PRIVATE ${BENCH_LINK} benchmark::benchmark benchmark::benchmark_main)
+endfunction()

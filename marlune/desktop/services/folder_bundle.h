@@ -1,0 +1,32 @@
+#ifndef MARLUNE_DESKTOP_SERVICES_FOLDER_BUNDLE_H_
+#define MARLUNE_DESKTOP_SERVICES_FOLDER_BUNDLE_H_
+
+#include <string>
+
+#include "marlune/platform/resource_bundle.h"
+
+namespace marlune {
+
+// A folder as a resource bundle: its resources are the regular files (or links to such) in it and
+// in its sub-folders. Reads the folder anew at every call; keeps nothing open.
+class FolderBundle : public ResourceBundle {
+ public:
+  explicit FolderBundle(std::string folder) : _folder(std::move(folder)) {}
+
+  // Sorted by name, byte by byte.
+  std::vector<std::string> pathsForResourcesOfType(std::string_view type,
+                                                   std::string_view directory) const override;
+
+  // A name that would leave the directory (one with a "/") names no resource.
+  std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
+                                             std::string_view directory) const override;
+
+ private:
+  std::string _pathOfDirectory(std::string_view directory) const;
+
+  std::string _folder;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_SERVICES_FOLDER_BUNDLE_H_

@@ -1,0 +1,32 @@
+#ifndef MARLUNE_PLATFORM_MAIN_THREAD_H_
+#define MARLUNE_PLATFORM_MAIN_THREAD_H_
+
+#include <functional>
+
+namespace marlune {
+
+// The thread that the app's interface and the play queue live on, and the loop that runs there.
+// Work arrives in the order in which it was posted.
+class MainThread {
+ public:
+  virtual ~MainThread() = default;
+
+  // Whether the caller is on it.
+  virtual bool isCurrent() const = 0;
+
+  // Runs `work` on the main thread and returns when it has run; at once when the caller is there.
+  // Returns false when the work was given up without running, because the loop has ended or the
+  // waiting thread's owner was torn down: the work never runs then. The caller must hold no lock
+  // that work on the main thread could want.
+  virtual bool runAndWait(const std::function<void()>& work) = 0;
+
+  // Runs `work` there later. Any thread.
+  virtual void post(std::function<void()> work) = 0;
+
+  // Runs `work` there after `seconds`, or later if the loop is busy. Any thread.
+  virtual void postAfter(double seconds, std::function<void()> work) = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_PLATFORM_MAIN_THREAD_H_

@@ -1,0 +1,29 @@
+#ifndef MARLUNE_PLATFORM_RESOURCE_BUNDLE_H_
+#define MARLUNE_PLATFORM_RESOURCE_BUNDLE_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace marlune {
+
+// The files that an app ships with, found by name and type. On a desktop: a folder.
+class ResourceBundle {
+ public:
+  virtual ~ResourceBundle() = default;
+
+  // The full paths of all resources whose extension is `type` (without a dot), directly in the
+  // sub-directory `directory` ("" is the bundle's root). In an order that is the same at every
+  // call. Empty when the directory does not exist.
+  virtual std::vector<std::string> pathsForResourcesOfType(std::string_view type,
+                                                           std::string_view directory) const = 0;
+
+  // The full path of the resource `name`.`type` in `directory`; nothing when there is none.
+  virtual std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
+                                                     std::string_view directory) const = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_PLATFORM_RESOURCE_BUNDLE_H_

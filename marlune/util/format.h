@@ -1,0 +1,109 @@
+#ifndef MARLUNE_UTIL_FORMAT_H_
+#define MARLUNE_UTIL_FORMAT_H_
+
+#include <concepts>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "marlune/platform/value.h"
+#include "marlune/util/describable.h"
+
+namespace marlune {
+
+// One argument of a log format: a reference to what the caller has, with its type. Making one
+// copies nothing and allocates nothing; only a line that is really written describes it. It must
+// not outlive the full expression that it was made in.
+class FormatArgument {
+ public:
+  FormatArgument(std::nullptr_t) {}  // absent: prints "(null)"
+  FormatArgument(bool truth) : _kind(Kind::integer), _integer(truth ? 1 : 0) {}
+  template <std::signed_integral Integer>
+  FormatArgument(Integer number) : _kind(Kind::integer), _integer(number) {}
+  template <std::unsigned_integral Integer>
+  requires(!std::same_as<Integer, bool>) FormatArgument(Integer number)
+      : _kind(Kind::natural), _natural(number) {}
+  FormatArgument(double number) : _kind(Kind::real), _real(number) {}
+
+  FormatArgument(const char* text) {
+    if (text) *this = FormatArgument(std::string_view(text));
+  }
+  FormatArgument(std::string_view text) : _kind(Kind::text), _text(text) {}
+  FormatArgument(const std::string& text) : FormatArgument(std::string_view(text)) {}
+  FormatArgument(const std::optional<std::string>& text) {
+    if (text) *this = FormatArgument(*text);
+  }
+
+  FormatArgument(const Describable* object) {
+    if (object) *this = FormatArgument(*object);
+  }
+  FormatArgument(const Describable& object) : FormatArgument(object, &_appendDescription) {}
+  template <std::derived_from<Describable> Object>
+  FormatArgument(const std::shared_ptr<Object>& object) : FormatArgument(object.get()) {}
+
+  FormatArgument(const Value& value) : FormatArgument(value, &_appendValue) {}
+  FormatArgument(const std::vector<std::string>& words) : FormatArgument(words, &_appendWords) {}
+  template <typename Object>
+  requires std::derived_from<std::remove_const_t<Object>, Describable> FormatArgument(
+      const std::vector<std::shared_ptr<Object>>& objects)
+      : FormatArgument(objects, &_appendObjects<Object>) {}
+  FormatArgument(const std::vector<std::int32_t>& numbers)
+      : FormatArgument(numbers, &_appendNumbers) {}
+
+  // Appends what "%@" and every other placeholder shows for the argument.
+  void appendTo(std::string& text) const;
+
+ private:
+  enum class Kind : unsigned char { absent, integer, natural, real, text, object };
+  using Append = void (*)(std::string& text, const void* object);
+
+  template <typename Object>
+  FormatArgument(const Object& object, Append append)
+      : _kind(Kind::object), _object{&object, append} {}
+
+  static void _appendDescription(std::string& text, const void* object);
+  static void _appendValue(std::string& text, const void* object);
+  static void _appendWords(std::string& text, const void* object);
+  static void _appendNumbers(std::string& text, const void* object);
+  static void _appendList(std::string& text, const std::vector<std::string>& descriptions);
+  template <typename Object>
+  static void _appendObjects(std::string& text, const void* object) {
+    std::vector<std::string> descriptions;
+    for (const auto& each : *static_cast<const std::vector<std::shared_ptr<Object>>*>(object)) {
+      descriptions.push_back(each ? each->description() : "(null)");
+    }
+    _appendList(text, descriptions);
+  }
+
+  struct Object {
+    const void* object;
+    Append append;
+  };
+  Kind _kind = Kind::absent;
+  union {
+    std::int64_t _integer = 0;
+    std::uint64_t _natural;
+    double _real;
+    std::string_view _text;
+    Object _object;
+  };
+};
+
+// `format` with each placeholder ("%@", "%s", "%i", "%d", "%u", "%li", "%ld", "%lu") replaced by
+// the next argument, printed by its own type whatever the placeholder says; "%%" gives "%". A
+// placeholder without an argument prints "(null)"; an argument without a placeholder is left out.
+//
+// A dictionary or array prints as an old-style property list: "{\n    key = value;\n}" and
+// "(\n    one,\n    two\n)", nested ones indented by four more blanks; text in it stands in
+// quotes unless it is made of ASCII letters, digits and "_" alone.
+std::string formatted(std::string_view format, std::initializer_list<FormatArgument> arguments);
+
+}  // namespace marlune
+
+#endif  // MARLUNE_UTIL_FORMAT_H_
