@@ -1,0 +1,74 @@
+# What the scripts share. Sourced from the project's root folder, never run.
+
+# Packages by purpose, as Debian 12 names them.
+readonly build_packages=(g++ cmake ninja-build pkg-config libexpat1-dev libsndfile1-dev libsoxr-dev
+                         libsdl2-dev libcli11-dev)
+readonly test_packages=(libgtest-dev libgmock-dev)
+readonly bench_packages=(libbenchmark-dev)
+readonly clang_packages=(clang libclang-rt-14-dev)
+readonly check_packages=(clang-format clang-tidy)
+
+# One core fewer would leave the machine idle; more jobs than cores make it swap.
+jobs=$(nproc)
+readonly jobs
+
+say() { printf '%s\n' "$*"; }
+
+# Ends the script with a sentence.
+stop() {
+  printf '%s: %s\n' "$0" "$*" >&2
+  exit 1
+}
+
+is_installed() {
+  [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
+# apt-get as root: directly, or through sudo, which may ask for a password on a terminal only.
+apt_get() {
+  local command=(env DEBIAN_FRONTEND=noninteractive apt-get -qq "$@")
+  if [[ $(id -u) != 0 ]]; then
+    if [[ -t 0 ]]; then command=(sudo "${command[@]}"); else command=(sudo -n "${command[@]}"); fi
+  fi
+  "${command[@]}" </dev/null
+}
+
+# Installs those of the packages that are missing. The package lists are fetched only when what is
+# there does not lead to the packages: none yet, or too old.
+need() {
+  local missing=() package
+  command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
+    stop "This is no Debian system; install what answers to these packages, then build with CMake: $*"
+  for package in "$@"; do is_installed "$package" || missing+=("$package"); done
+  [[ ${#missing[@]} == 0 ]] && return
+  [[ $(id -u) == 0 ]] || command -v sudo >/dev/null ||
+    stop "Packages are missing and there is no sudo. As root: apt-get install ${missing[*]}"
+  say "Installing ${missing[*]}"
+  local install=(install --yes --no-install-recommends "${missing[@]}")
+  apt_get "${install[@]}" >/dev/null 2>&1 && return
+  say "Fetching the package lists first"
+  apt_get update >/dev/null && apt_get "${install[@]}" >/dev/null ||
+    stop "apt-get could not install ${missing[*]}; its message stands above."
+}
+
+# Runs a command, and shows what it wrote only when it fails.
+quietly() {
+  local words status=0
+  words=$(mktemp)
+  "$@" >"$words" 2>&1 || status=$?
+  [[ $status == 0 ]] || cat "$words" >&2
+  rm -f "$words"
+  return $status
+}
+
+# Configures a preset and builds it, or the given targets of it.
+build() {
+  local preset=$1 targets=()
+  shift
+  [[ $# -gt 0 ]] && targets=(--target "$@")
+  say "Building ($preset)"
+  quietly cmake --preset "$preset" ||
+    stop "CMake could not configure the build '$preset'; its message stands above."
+  quietly cmake --build --preset "$preset" -j "$jobs" "${targets[@]}" ||
+    stop "The build '$preset' failed; the compiler's message stands above."
+}
