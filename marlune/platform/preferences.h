@@ -1,6 +1,7 @@
 #ifndef MARLUNE_PLATFORM_PREFERENCES_H_
 #define MARLUNE_PLATFORM_PREFERENCES_H_
 
+#include <atomic>
 #include <cstdint>
 #include <string_view>
 
@@ -25,9 +26,25 @@ class Preferences {
   // Writes what has changed in the domain and reads what others changed. Whether that worked.
   virtual bool synchronize(std::string_view domain) = 0;
 
-  // A number that differs whenever any value may differ from what it was. Logging asks for it at
-  // every trace, so that it need not look the switches up: a plain atomic load. Any thread.
-  virtual std::uint64_t changeCount() const noexcept = 0;
+  // A number that no Preferences of this process has shown before whenever a value of this one may
+  // differ from what it was; a new object starts with a new number. Logging asks for it at every
+  // trace, so that it need not look the switches up. Any thread.
+  std::uint64_t changeCount() const noexcept {
+    return _changeCount.load(std::memory_order_acquire);
+  }
+
+ protected:
+  // An implementation calls it after every change, once valueForKey answers the new value.
+  void _noteChange() noexcept {
+    _changeCount.store(_freshChangeCount(), std::memory_order_release);
+  }
+
+ private:
+  // From 1 up. Counting for all objects together keeps one object's numbers from being taken for
+  // those of another that was put in its place.
+  static std::uint64_t _freshChangeCount() noexcept;
+
+  std::atomic<std::uint64_t> _changeCount{_freshChangeCount()};
 };
 
 }  // namespace marlune

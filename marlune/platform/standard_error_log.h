@@ -1,0 +1,17 @@
+#ifndef MARLUNE_PLATFORM_STANDARD_ERROR_LOG_H_
+#define MARLUNE_PLATFORM_STANDARD_ERROR_LOG_H_
+
+#include "marlune/platform/system_log.h"
+
+namespace marlune {
+
+// The system log where the app names no other: each message as it is, with a line feed, on
+// standard error. A message up to the size of a pipe's atomic write is never torn by another one.
+class StandardErrorLog : public SystemLog {
+ public:
+  void write(std::string_view message) noexcept override;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_PLATFORM_STANDARD_ERROR_LOG_H_
