@@ -24,6 +24,9 @@ inline constexpr std::string_view TQUtilsPacketTraceDefault = "TQUtilsPacketTrac
 inline constexpr std::string_view TQUtilsBluetoothTraceDefault = "TQUtilsBluetoothTraceDefault";
 inline constexpr std::string_view TQUtilsApplicationTraceDefault = "TQUtilsApplicationTraceDefault";
 
+// The preferences domain of the partner application.
+inline constexpr std::string_view VexaPreferencesDomain = "com.example.vexa";
+
 // The library's way of writing diagnostics, and its gateway to preferences. Lines go to the system
 // log and, while a log directory is set, to a log file of this run as well. Nothing here ever
 // fails towards its caller. Lines may come from any thread; the settings (directory, switch) are
@@ -44,16 +47,17 @@ class TQUtils {
   template <typename... Arguments>
   static void forDefaultLog(std::string_view key, std::string_view format,
                             const Arguments&... arguments) {
-    if (isWantedForDefault(key)) _writeForDefault(key, format, {FormatArgument(arguments)...});
+    if (isWantedForDefault(key)) _write(key, format, {FormatArgument(arguments)...});
   }
 
-  // Whether lines under `key` are written just now.
+  // Whether lines under `key` are written just now. The exported keys are looked up again only when
+  // preferences have changed, any other key at every call.
   static bool isWantedForDefault(std::string_view key);
 
   // Writes a line straight to the system log: never to a log file, never keyed.
   template <typename... Arguments>
   static void systemLog(std::string_view format, const Arguments&... arguments) {
-    _writeToSystemLog(formatted(format, {FormatArgument(arguments)...}));
+    _systemLog(format, {FormatArgument(arguments)...});
   }
 
   // Starts a new log file in `directory` and files every later line there too; nullptr stops
@@ -72,7 +76,8 @@ class TQUtils {
   static void ensureDirectoryExists(std::string_view path);
 
   // The partner app's preferences. A value of another kind reads as false or absent; what is set
-  // or removed is written at once.
+  // or removed is written at once. True are the boolean, a number other than 0, and the texts "1",
+  // "yes" and "true" in any case; a number is a whole one in text too, or a real, truncated.
   static bool vexaUserDefaultsBoolForKey(std::string_view key);
   static std::optional<std::string> vexaUserDefaultsStringForKey(std::string_view key);
   static std::optional<std::int64_t> vexaUserDefaultsNumberForKey(std::string_view key);
@@ -85,10 +90,13 @@ class TQUtils {
 
  private:
   static void _log(std::string_view format, std::initializer_list<FormatArgument> arguments);
-  static void _writeForDefault(std::string_view key, std::string_view format,
-                               std::initializer_list<FormatArgument> arguments);
-  static void _writeToSystemLog(std::string_view message);
+  static void _systemLog(std::string_view format,
+                         std::initializer_list<FormatArgument> arguments) noexcept;
+  // Both ways at once; `type` is what the line is filed as.
+  static void _write(std::string_view type, std::string_view format,
+                     std::initializer_list<FormatArgument> arguments) noexcept;
   static void __logToFileForMessageType(std::string_view type, std::string_view message);
+  static bool _lookUpDefault(std::string_view key, bool inPartnerDomain);
 };
 
 }  // namespace marlune
