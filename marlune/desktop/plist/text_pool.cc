@@ -1,0 +1,59 @@
+#include "marlune/desktop/plist/text_pool.h"
+
+#include <functional>
+#include <utility>
+
+namespace marlune {
+
+namespace {
+
+constexpr std::size_t kLongestShared = 32;
+
+// A file made so that its texts collide loses sharing, not time.
+constexpr std::size_t kMostProbes = 24;
+
+constexpr std::size_t kCostOfSlot = 56;  // a slot's share of the table, while it grows as well
+
+}  // namespace
+
+std::shared_ptr<const std::string> TextPool::textFor(std::string_view text) {
+  if (text.size() > kLongestShared) return _made(text);
+  const std::size_t hash = std::hash<std::string_view>()(text);
+  Slot* slot = _slotFor(text, hash);
+  if (!slot) return _made(text);
+  if (slot->text) return slot->text;
+  _budget.take(kCostOfSlot);
+  *slot = Slot{_made(text), hash};
+  std::shared_ptr<const std::string> made = slot->text;
+  if (++_used * 4 > _slots.size() * 3) _grow();
+  return made;
+}
+
+std::shared_ptr<const std::string> TextPool::_made(std::string_view text) {
+  _budget.take(MemoryBudget::costOfText(text.size()));
+  return std::make_shared<const std::string>(text);
+}
+
+// The slot that holds `text` or where it may go; nullptr when too many others stand there.
+TextPool::Slot* TextPool::_slotFor(std::string_view text, std::size_t hash) {
+  const std::size_t mask = _slots.size() - 1;
+  for (std::size_t probe = 0; probe < kMostProbes; ++probe) {
+    Slot& slot = _slots[(hash + probe) & mask];
+    if (!slot.text || (slot.hash == hash && *slot.text == text)) return &slot;
+  }
+  return nullptr;
+}
+
+void TextPool::_grow() {
+  std::vector<Slot> old = std::exchange(_slots, std::vector<Slot>(_slots.size() * 2));
+  _used = 0;
+  for (Slot& each : old) {
+    if (!each.text) continue;
+    Slot* slot = _slotFor(*each.text, each.hash);
+    if (!slot) continue;
+    *slot = std::move(each);
+    ++_used;
+  }
+}
+
+}  // namespace marlune

@@ -1,0 +1,41 @@
+#ifndef MARLUNE_DESKTOP_PLIST_TEXT_POOL_H_
+#define MARLUNE_DESKTOP_PLIST_TEXT_POOL_H_
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "marlune/desktop/plist/memory_budget.h"
+
+namespace marlune {
+
+// The texts of one file, equal short ones made once: a grammar of 2,000 rules holds "_lhs" 2,000
+// times. Lives as long as the parse; the texts live on with the values that share them.
+class TextPool {
+ public:
+  // `budget` pays for the texts and outlives the pool.
+  explicit TextPool(MemoryBudget& budget) : _budget(budget) {}
+
+  // A text equal to `text`, shared with earlier ones if it is short. Never null.
+  std::shared_ptr<const std::string> textFor(std::string_view text);
+
+ private:
+  struct Slot {
+    std::shared_ptr<const std::string> text;  // null: the slot is free
+    std::size_t hash = 0;
+  };
+
+  std::shared_ptr<const std::string> _made(std::string_view text);
+  void _grow();
+  Slot* _slotFor(std::string_view text, std::size_t hash);
+
+  MemoryBudget& _budget;
+  std::vector<Slot> _slots = std::vector<Slot>(64);  // a power of two, at most 3/4 of it in use
+  std::size_t _used = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_PLIST_TEXT_POOL_H_

@@ -1,0 +1,94 @@
+#ifndef MARLUNE_DESKTOP_PLIST_XML_LIST_PARSER_H_
+#define MARLUNE_DESKTOP_PLIST_XML_LIST_PARSER_H_
+
+#include <expat.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "marlune/desktop/plist/memory_budget.h"
+#include "marlune/desktop/plist/text_pool.h"
+#include "marlune/platform/value.h"
+
+namespace marlune {
+
+// Reads the XML form. Opens nothing: the document type may name a file, which is not looked at,
+// and entities may not be declared. A key may stand once in a dictionary. One parser, one list.
+//
+// Values wait on one flat stack until their container ends and is made in its final size: nothing
+// is moved twice, and a list that breaks off deep inside leaves no deep value to tear down.
+class XmlListParser {
+ public:
+  explicit XmlListParser(std::string_view bytes);
+
+  // The list's value. Throws PropertyListError, whose message tells line and column.
+  Value parse();
+
+ private:
+  enum class Element : unsigned char {
+    none,  // also an element that no list holds
+    plist,
+    dictionary,
+    array,
+    key,
+    string,
+    integer,
+    real,
+    yes,
+    no,
+    data,
+    date,
+  };
+  // An open container; its content so far is everything on the stacks from here on.
+  struct Frame {
+    Element element;
+    std::size_t firstValue;
+    std::size_t firstKey;
+  };
+  struct FreeParser {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+  };
+
+  static Element _elementNamed(std::string_view name);
+  static const char* _nameOf(Element element);
+
+  template <typename Work>
+  void _guarded(const Work& work) noexcept;
+  void _installHandlers();
+  void _start(std::string_view name);
+  void _end();
+  void _text(std::string_view text);
+
+  bool _mayStart(Element element) const;
+  bool _awaitsKey(const Frame& dictionary) const;
+  void _open(Element container);
+  void _close();
+  void _finishLeaf();
+  Value _leafValue();
+  Value _dictionaryOf(const Frame& frame);
+  Value _arrayOf(const Frame& frame);
+
+  std::string _expectation() const;
+  [[noreturn]] void _failFinding(std::string_view found) const;
+  std::string _placed(std::string_view message) const;
+  std::string _brokenXml() const;
+
+  std::string_view _bytes;
+  std::unique_ptr<XML_ParserStruct, FreeParser> _parser;
+  MemoryBudget _budget;
+  TextPool _pool;
+  std::vector<Frame> _frames;
+  std::vector<Value> _values;
+  std::vector<Dictionary::Key> _keys;
+  Element _leaf = Element::none;  // the open element that holds text
+  std::string _leafText;
+  bool _isComplete = false;
+  std::string _error;  // the first failure of a handler, with its place
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_PLIST_XML_LIST_PARSER_H_
