@@ -1,0 +1,260 @@
+#include "marlune/playback/player.h"
+
+#include <cassert>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "marlune/platform/platform.h"
+#include "marlune/playback/audio_session.h"
+#include "marlune/util/tq_utils.h"
+
+namespace marlune {
+namespace {
+
+constexpr double kDeactivationDelaySeconds = 0.5;
+constexpr unsigned kCategoryOptions = AudioSession::kMixWithOthers | AudioSession::kDuckOthers;
+
+// Without a main thread in the platform's table every thread counts as one.
+bool onMainThread() {
+  const auto mainThread = Platform::shared().mainThread;
+  return !mainThread || mainThread->isCurrent();
+}
+
+void runOnMainThreadAndWait(const std::function<void()>& work) {
+  const auto mainThread = Platform::shared().mainThread;
+  if (mainThread) {
+    mainThread->runAndWait(work);
+  } else {
+    work();
+  }
+}
+
+void postToMainThread(std::function<void()> work) {
+  const auto mainThread = Platform::shared().mainThread;
+  if (mainThread) {
+    mainThread->post(std::move(work));
+  } else {
+    work();
+  }
+}
+
+AudioSession::Outcome noSession() { return {false, "The platform has no audio session."}; }
+
+template <typename... Arguments>
+void trace(std::string_view format, const Arguments&... arguments) {
+  TQUtils::forDefaultLog(TQUtilsApplicationTraceDefault, format, arguments...);
+}
+
+// Raised while an item is inserted, and lowered however the insertion ends.
+class RaisedFlag {
+ public:
+  explicit RaisedFlag(bool& flag) : _flag(flag) { _flag = true; }
+  ~RaisedFlag() { _flag = false; }
+  RaisedFlag(const RaisedFlag&) = delete;
+  RaisedFlag& operator=(const RaisedFlag&) = delete;
+
+ private:
+  bool& _flag;
+};
+
+}  // namespace
+
+// The class itself is the observer, so what is registered is one object without state.
+class Player::Observer : public QueuePlayerObserver {
+ public:
+  static Observer* shared() {
+    static Observer* const observer = new Observer;
+    return observer;
+  }
+  void observeValueForKeyPath(std::string_view keyPath,
+                              const std::shared_ptr<QueuePlayer>& object) override {
+    Player::observeValueForKeyPath(keyPath, object);
+  }
+};
+
+struct Player::ClassState {
+  std::once_flag initialized;
+  std::shared_ptr<QueuePlayer> sharedPlayQueue;
+  // An insertion into an empty queue changes its current item; that is no end of playback.
+  bool isAdding = false;
+};
+
+std::unique_ptr<Player::ClassState>& Player::_classState() {
+  static auto* const state = new std::unique_ptr<ClassState>(std::make_unique<ClassState>());
+  return *state;
+}
+
+void Player::initialize() {
+  std::call_once(_classState()->initialized, &Player::__initializeAudioSession);
+}
+
+void Player::__initializeAudioSession() {
+  const auto session = Platform::shared().audioSession;
+  const auto outcome = session
+                           ? session->setCategory(AudioSession::kCategoryPlayback, kCategoryOptions)
+                           : noSession();
+  if (outcome.succeeded) return;
+  TQUtils::log(
+      "ERROR: Could not set the options %u (mix with others, duck others) and the category \"%@\" "
+      "of the audio session. error: [%@]",
+      kCategoryOptions, AudioSession::kCategoryPlayback, outcome.error);
+}
+
+void Player::_setAudioSessionActive(bool active) {
+  const auto session = Platform::shared().audioSession;
+  const auto outcome = session ? session->setActive(active) : noSession();
+  if (outcome.succeeded && !outcome.error) return;
+  TQUtils::log("ERROR: Could not set the audio session's active state to %d. error: [%@]", active,
+               outcome.error);
+}
+
+void Player::__deactivateAudioSession() {
+  trace("%s", "__deactivateAudioSession");
+  _setAudioSessionActive(false);
+}
+
+std::shared_ptr<QueuePlayer> Player::__sharedPlayQueue() {
+  ClassState& state = *_classState();
+  if (state.sharedPlayQueue) return state.sharedPlayQueue;
+  trace("%s creating a new queue player", "__sharedPlayQueue");
+  const auto& makeQueuePlayer = Platform::shared().makeQueuePlayer;
+  const auto queue = makeQueuePlayer ? makeQueuePlayer() : nullptr;
+  if (!queue) return nullptr;
+  state.sharedPlayQueue = queue;
+  queue->setAllowsExternalPlayback(false);
+  queue->addObserver(Observer::shared(), QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
+  queue->addObserver(Observer::shared(), QueuePlayer::kStatusKeyPath,
+                     QueuePlayer::kNewValue | QueuePlayer::kInitialValue);
+  return queue;
+}
+
+void Player::__clearSharedPlayQueue() {
+  const auto queue = std::exchange(_classState()->sharedPlayQueue, nullptr);
+  if (!queue) return;
+  queue->removeObserver(Observer::shared(), QueuePlayer::kCurrentItemKeyPath);
+  queue->removeObserver(Observer::shared(), QueuePlayer::kStatusKeyPath);
+}
+
+// The rate counts in whole numbers: 0.5 is cut to 0 and so is not playing.
+bool Player::_isPlaying(const QueuePlayer& queue) {
+  return std::fabs(std::trunc(queue.rate())) > std::numeric_limits<float>::epsilon();
+}
+
+void Player::observeValueForKeyPath(std::string_view keyPath,
+                                    const std::shared_ptr<QueuePlayer>& object) {
+  if (keyPath == QueuePlayer::kCurrentItemKeyPath) {
+    runOnMainThreadAndWait([&object] { __nts_indicateEndOfQueuePlayback(object); });
+  } else if (keyPath == QueuePlayer::kStatusKeyPath) {
+    // Held weakly: what waits in the main thread's loop must not keep a dropped queue alive.
+    postToMainThread([held = std::weak_ptr<QueuePlayer>(object)] {
+      if (const auto queue = held.lock()) __nts_queuePlayerStatusChanged(queue);
+    });
+  }
+}
+
+void Player::__nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>& object) {
+  assert(onMainThread());
+  const ClassState& state = *_classState();
+  if (object != state.sharedPlayQueue || state.isAdding) return;
+  if (!object->items().empty()) return;  // a step from one file to the next
+  if (!_isPlaying(*object)) return;
+  object->setRate(0);
+  _setAudioSessionActive(false);
+  // Nothing is left, so the count is not asked for again.
+  trace("%s setting rate to 0, items.count:[%lu]", "__nts_indicateEndOfQueuePlayback", 0UL);
+}
+
+void Player::__nts_queuePlayerStatusChanged(const std::shared_ptr<QueuePlayer>& object) {
+  assert(onMainThread());
+  if (object != _classState()->sharedPlayQueue) return;
+  if (object->status() != QueuePlayer::Status::failed) return;
+  TQUtils::log(
+      "%s detected that the media service died. Creating a new shared instance of the play queue.",
+      "__nts_queuePlayerStatusChanged");
+  __clearSharedPlayQueue();
+  __initializeAudioSession();
+  __sharedPlayQueue();
+}
+
+std::unique_ptr<Player> Player::initWithDirectory(std::string directory,
+                                                  std::shared_ptr<const ResourceBundle> bundle) {
+  return std::unique_ptr<Player>(new Player(std::move(directory), std::move(bundle)));
+}
+
+Player::Player(std::string directory, std::shared_ptr<const ResourceBundle> bundle)
+    : _directory(std::move(directory)), _bundle(std::move(bundle)) {
+  initialize();
+}
+
+Player::~Player() { stopAllSounds(); }
+
+void Player::playSoundFilesInSequence(
+    const std::shared_ptr<const std::vector<std::string>>& names) {
+  if (names) return playSoundFilesInSequence(*names);
+  trace("%s - filenames:[%@]", "playSoundFilesInSequence", nullptr);
+  TQUtils::log("No files given.");
+}
+
+void Player::playSoundFilesInSequence(const std::vector<std::string>& names) {
+  trace("%s - filenames:[%@]", "playSoundFilesInSequence", names);
+  // All of them before any sound, so that the queue can play them back to back.
+  for (const auto& name : names) _addFileToQueue(name);
+  if (isPlaying()) return;  // they follow what is being played
+  const auto queue = __sharedPlayQueue();
+  if (!queue) {
+    TQUtils::log("ERROR: The platform has no queue player. Nothing can be played.");
+    return;
+  }
+  trace("%s calling the play queue's play", "playSoundFilesInSequence");
+  _setAudioSessionActive(true);
+  queue->play();
+}
+
+void Player::stopAllSounds() {
+  trace("%s", "stopAllSounds");
+  if (!isPlaying()) return;
+  const auto queue = __sharedPlayQueue();
+  trace("%s setting the play queue's rate to 0", "stopAllSounds");
+  queue->setRate(0);
+  trace("%s removing all items from the play queue", "stopAllSounds");
+  queue->removeAllItems();
+  if (const auto mainThread = Platform::shared().mainThread) {
+    mainThread->postAfter(kDeactivationDelaySeconds, &Player::__deactivateAudioSession);
+  } else {
+    TQUtils::log("ERROR: The platform has no main thread. The audio session stays active.");
+  }
+}
+
+bool Player::isPlaying() const {
+  const auto queue = __sharedPlayQueue();
+  return queue && _isPlaying(*queue);
+}
+
+std::shared_ptr<PlayerItem> Player::_playerItemForFileNamed(const std::string& name) const {
+  const auto path = _bundle ? _bundle->pathForResource(name, "aif", _directory) : std::nullopt;
+  if (!path) {
+    TQUtils::log("ERROR: Could not find \"%@.aif.\"", name);  // the full stop stands inside
+    return nullptr;
+  }
+  const auto& makePlayerItem = Platform::shared().makePlayerItem;
+  return makePlayerItem ? makePlayerItem(*path) : nullptr;
+}
+
+void Player::_addFileToQueue(const std::string& name) {
+  const RaisedFlag adding(_classState()->isAdding);
+  auto item = _playerItemForFileNamed(name);
+  const auto queue = __sharedPlayQueue();
+  if (queue && queue->canInsert(item.get(), nullptr)) {
+    trace("%s calling the play queue's insert after nil", "_addFileToQueue");
+    queue->insert(std::move(item), nullptr);
+  } else {
+    // Shows the item, which tells what the queue refused: "(null)" for a file that is missing.
+    TQUtils::log("ERROR: Could not append the player item for \"%@.aif\" to the play queue.", item);
+  }
+}
+
+}  // namespace marlune
