@@ -202,6 +202,7 @@ bool Value::equals(const Value& other) const {
     case Kind::array: {
       const std::vector<Value>& mine = asArray()->elements();
       const std::vector<Value>& theirs = other.asArray()->elements();
+      if (&mine == &theirs) return true;
       if (mine.size() != theirs.size()) return false;
       for (std::size_t i = 0; i < mine.size(); ++i) {
         if (!mine[i].equals(theirs[i])) return false;
@@ -246,7 +247,10 @@ void Dictionary::setValueForKey(Value value, Key key) {
 void Dictionary::removeKey(std::string_view key) {
   const std::size_t at = _indexOf(key);
   if (at == kNone) return;
-  _index.reset();
+  if (_index) {
+    _index->erase(key);
+    for (auto& [each, position] : *_index) position -= position > at ? 1 : 0;
+  }
   _entries.erase(_entries.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
