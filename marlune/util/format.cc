@@ -1,6 +1,6 @@
 #include "marlune/util/format.h"
 
-#include <cstdio>
+#include <charconv>
 
 namespace marlune {
 
@@ -39,9 +39,11 @@ void appendQuoted(std::string& text, std::string_view word) {
 }
 
 void appendReal(std::string& text, double number) {
+  // As "%.15g" in the C locale, whatever the process's locale is.
   char digits[32];
-  text.append(digits,
-              static_cast<std::size_t>(std::snprintf(digits, sizeof digits, "%.15g", number)));
+  text.append(
+      digits,
+      std::to_chars(digits, digits + sizeof digits, number, std::chars_format::general, 15).ptr);
 }
 
 void appendHex(std::string& text, std::string_view bytes) {

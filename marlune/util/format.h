@@ -23,7 +23,9 @@ namespace marlune {
 class FormatArgument {
  public:
   FormatArgument(std::nullptr_t) {}  // absent: prints "(null)"
-  FormatArgument(bool truth) : _kind(Kind::integer), _integer(truth ? 1 : 0) {}
+  // A template, so that no pointer is taken for a boolean.
+  template <std::same_as<bool> Boolean>
+  FormatArgument(Boolean truth) : _kind(Kind::integer), _integer(truth ? 1 : 0) {}
   template <std::signed_integral Integer>
   FormatArgument(Integer number) : _kind(Kind::integer), _integer(number) {}
   template <std::unsigned_integral Integer>

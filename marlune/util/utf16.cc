@@ -21,7 +21,8 @@ Character characterAt(std::string_view text, std::size_t at) {
   const auto next = at + 1 < text.size() ? static_cast<unsigned char>(text[at + 1]) : 0;
   if (lead >= 0xC2 && lead <= 0xDF && isContinuation(text, at + 1)) return {2, 1};
   if (lead >= 0xE0 && lead <= 0xEF && isContinuation(text, at + 1) &&
-      isContinuation(text, at + 2) && (lead != 0xE0 || next >= 0xA0)) {
+      isContinuation(text, at + 2) && (lead != 0xE0 || next >= 0xA0) &&
+      (lead != 0xED || next < 0xA0)) {
     return {3, 1};
   }
   if (lead >= 0xF0 && lead <= 0xF4 && isContinuation(text, at + 1) &&
