@@ -60,7 +60,10 @@ std::vector<ElementOf<Array>> repeatedNTimes(const Array& array, std::int32_t n)
 // empty one is contained in every array.
 template <ElementsInARow Array, ElementsInARow SubArray, typename Equal = std::equal_to<>>
 bool _containsSubArray(const Array& array, const SubArray& subArray, Equal equal = {}) {
-  return std::ranges::empty(subArray) || !std::ranges::search(array, subArray, equal).empty();
+  if (std::ranges::empty(subArray)) return true;
+  const auto end = std::ranges::end(array);
+  return std::search(std::ranges::begin(array), end, std::ranges::begin(subArray),
+                     std::ranges::end(subArray), equal) != end;
 }
 
 // The elements [from, to); none when to < from. An end beyond the array means the whole array,
