@@ -1,0 +1,70 @@
+#ifndef MARLUNE_GRAMMAR_PARSER_H_
+#define MARLUNE_GRAMMAR_PARSER_H_
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "marlune/grammar/grammar_part.h"
+#include "marlune/grammar/simple_slot_sequence.h"
+#include "marlune/platform/value.h"
+
+namespace marlune {
+
+// The rewriting grammar as an app uses it: one grammar of a grammar file, made ready; words in,
+// rewritten words out. A file is read once in a process; all parsers on it share its tree, into
+// which building a grammar writes. One thread at a time.
+class Parser {
+ public:
+  // The grammar that the dot-notation name selects in the file. A file that cannot be read and a
+  // name that selects nothing give a parser without a grammar, which answers nullptr to every
+  // phrase. GrammarError when the file's inserts or the grammar are broken.
+  static std::unique_ptr<Parser> initWithPlistAtPath(const std::string& path,
+                                                     std::optional<std::string_view> grammar);
+
+  // The file's tree, inserts resolved: of the process's cache, or read and cached. Absent when the
+  // file cannot be read, with a line straight to the system log; nothing is cached then, nor when
+  // a GrammarError leaves.
+  static Value loadGrammarsFromPlistAtPath(const std::string& path);
+
+  // One pass over the branch: replaces every directive in its dictionaries, at any depth, by a
+  // one-level copy of the chunk that it names in the original. Whether there was any.
+  static bool insertStatementsFromOriginal(const Value& original, const Value& intoBranch);
+
+  // The value at the path from the tree's root; absent when a key is missing, the tree itself when
+  // the path is absent. GrammarError when a key is looked up in something that is present and no
+  // dictionary; std::out_of_range for an empty array of keys.
+  static Value retrievePlistForStringInDotNotation(std::optional<std::string_view> path,
+                                                   const Value& from);
+  static Value retrievePlistForPathArray(std::optional<std::span<const std::string>> path,
+                                         const Value& from);
+
+  // Switches to another grammar of the file; an absent name changes nothing.
+  void setGrammar(std::optional<std::string_view> name);
+
+  // The words as a phrase with a blank at each end, rewritten. nullptr without a grammar.
+  std::shared_ptr<SimpleSlotSequence> resultOfRulesAppliedToStrings(
+      const std::vector<std::string>& strings) const;
+  std::shared_ptr<SimpleSlotSequence> resultOfRulesAppliedTo(
+      const SimpleSlotSequence& phrase) const;
+
+  // Never filled: always nullptr.
+  std::shared_ptr<const std::vector<std::string>> productionRules() const { return nullptr; }
+  const Value& grammarsPlist() const { return _grammarsPlist; }
+  bool debugging() const { return _debugging; }  // true; for callers
+  const std::shared_ptr<GrammarPart>& theGrammar() const { return _theGrammar; }
+
+ private:
+  Parser() = default;
+
+  Value _grammarsPlist;
+  bool _debugging = false;
+  std::shared_ptr<GrammarPart> _theGrammar;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_PARSER_H_
