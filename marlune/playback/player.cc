@@ -88,6 +88,11 @@ std::unique_ptr<Player::ClassState>& Player::_classState() {
   return *state;
 }
 
+void Player::_resetClass() {
+  __clearSharedPlayQueue();
+  _classState() = std::make_unique<ClassState>();
+}
+
 void Player::initialize() {
   std::call_once(_classState()->initialized, &Player::__initializeAudioSession);
 }

@@ -53,7 +53,8 @@ class Player {
 
   // Process-wide. It is never destroyed: a notification may arrive while the process ends.
   static std::unique_ptr<ClassState>& _classState();
-  static void initialize();
+  static void _resetClass();  // as when the process starts; for tests
+  static void initialize();   // once, when the class is first used
   static void __initializeAudioSession();
   static void _setAudioSessionActive(bool active);
   static void __deactivateAudioSession();

@@ -1,0 +1,43 @@
+#ifndef MARLUNE_TESTS_FAKES_FAKE_AUDIO_SESSION_H_
+#define MARLUNE_TESTS_FAKES_FAKE_AUDIO_SESSION_H_
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "marlune/playback/audio_session.h"
+
+namespace marlune {
+
+// A session that remembers what it was asked for and refuses what a device would refuse.
+class FakeAudioSession : public AudioSession {
+ public:
+  Outcome setCategory(std::string_view category, unsigned options) override {
+    ++timesCategoryWasSet;
+    if (categoryOutcome.succeeded) this->category = category, this->options = options;
+    return categoryOutcome;
+  }
+
+  Outcome setActive(bool active) override {
+    if (!active && isSoundRunning()) return {false, "Sound is running."};
+    if (activationOutcome.succeeded && active != isActive) {
+      isActive = active;
+      history += active ? '+' : '-';
+    }
+    return activationOutcome;
+  }
+
+  std::string category;  // as it stands
+  unsigned options = 0;
+  bool isActive = false;
+  std::string history;  // '+' for each time it became active, '-' inactive
+  int timesCategoryWasSet = 0;
+
+  Outcome categoryOutcome, activationOutcome;  // what the next calls report
+  std::function<bool()> isSoundRunning = [] { return false; };
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_TESTS_FAKES_FAKE_AUDIO_SESSION_H_

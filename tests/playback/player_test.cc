@@ -1,0 +1,372 @@
+#include "marlune/playback/player.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fakes/fake_audio_session.h"
+#include "fakes/fake_main_thread.h"
+#include "fakes/fake_queue_player.h"
+#include "support/platform_fixture.h"
+#include "support/player_test_access.h"
+
+namespace marlune {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Names = std::vector<std::string>;
+
+// Has every resource but those whose name begins with "no".
+class AlmostFullBundle : public ResourceBundle {
+ public:
+  std::vector<std::string> pathsForResourcesOfType(std::string_view,
+                                                   std::string_view) const override {
+    return {};
+  }
+  std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
+                                             std::string_view directory) const override {
+    if (name.starts_with("no")) return std::nullopt;
+    return std::string(directory) + "/" + std::string(name) + "." + std::string(type);
+  }
+};
+
+class PlayerTest : public PlatformFixture {
+ protected:
+  void SetUp() override {
+    PlatformFixture::SetUp();
+    auto& platform = Platform::shared();
+    platform.mainThread = mainThread;
+    platform.audioSession = session;
+    platform.makeQueuePlayer = [this] {
+      queues.push_back(std::make_shared<FakeQueuePlayer>());
+      return queues.back();
+    };
+    platform.makePlayerItem = [](const std::string& path) {
+      return std::make_shared<FakePlayerItem>(path);
+    };
+    PlayerTestAccess::resetClass();
+  }
+
+  void TearDown() override {
+    PlayerTestAccess::resetClass();
+    PlatformFixture::TearDown();
+  }
+
+  static std::unique_ptr<Player> makePlayer(std::string directory = "voice") {
+    return Player::initWithDirectory(std::move(directory), std::make_shared<AlmostFullBundle>());
+  }
+
+  // The queue that a phrase plays on now, as its items' paths.
+  FakeQueuePlayer& queue() { return *queues.back(); }
+  std::vector<std::string> queued() {
+    std::vector<std::string> paths;
+    for (const auto& item : queue().items()) paths.push_back(item->path());
+    return paths;
+  }
+
+  // The lines of what `work` does, with traces on.
+  template <typename Work>
+  std::vector<std::string> tracesOf(Work work) {
+    preferences->set(TQUtilsApplicationTraceDefault, Value::boolean(true));
+    log->clear();
+    work();
+    preferences->set(TQUtilsApplicationTraceDefault, Value::boolean(false));
+    return log->lines();
+  }
+
+  const std::shared_ptr<FakeMainThread> mainThread = std::make_shared<FakeMainThread>();
+  const std::shared_ptr<FakeAudioSession> session = std::make_shared<FakeAudioSession>();
+  std::vector<std::shared_ptr<FakeQueuePlayer>> queues;
+};
+
+TEST_F(PlayerTest, TheFirstPlayerSetsTheSessionUpForAll) {
+  const auto first = makePlayer(), second = makePlayer();
+  EXPECT_EQ(session->timesCategoryWasSet, 1);
+  EXPECT_EQ(session->category, "playback");
+  EXPECT_EQ(session->options, 3u);
+  EXPECT_FALSE(session->isActive);
+  EXPECT_THAT(queues, IsEmpty());
+}
+
+TEST_F(PlayerTest, PlaysAllFilesOfAPhraseOnOneQueue) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(std::make_shared<const Names>(Names{"five", "miles"}));
+  EXPECT_THAT(queued(), ElementsAre("voice/five.aif", "voice/miles.aif"));
+  EXPECT_TRUE(player->isPlaying());
+  EXPECT_TRUE(session->isActive);
+  EXPECT_FALSE(queue().allowsExternalPlayback);
+  EXPECT_THAT(log->lines(), IsEmpty());
+}
+
+TEST_F(PlayerTest, WhatIsAskedForWhilePlayingFollowsWithoutARestart) {
+  const auto player = makePlayer("a"), other = makePlayer("b");
+  player->playSoundFilesInSequence(Names{"one"});
+  other->playSoundFilesInSequence(Names{"two"});
+  EXPECT_TRUE(other->isPlaying());
+  EXPECT_THAT(queued(), ElementsAre("a/one.aif", "b/two.aif"));
+  EXPECT_EQ(queues.size(), 1u);
+  EXPECT_EQ(queue().timesPlayed, 1);
+  EXPECT_EQ(session->history, "+");
+}
+
+TEST_F(PlayerTest, StepToTheNextFileKeepsTheSessionActive) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one", "two"});
+  queue().finishCurrentItem();
+  EXPECT_TRUE(player->isPlaying());
+  EXPECT_EQ(session->history, "+");
+}
+
+TEST_F(PlayerTest, EndOfTheLastFileStopsAndReleasesTheSessionAtOnce) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  EXPECT_THAT(tracesOf([&] { queue().finishCurrentItem(); }),
+              ElementsAre("__nts_indicateEndOfQueuePlayback setting rate to 0, items.count:[0]"));
+  EXPECT_EQ(queue().rate(), 0);
+  EXPECT_EQ(session->history, "+-");
+
+  player->playSoundFilesInSequence(Names{"two"});
+  EXPECT_EQ(session->history, "+-+");
+  EXPECT_EQ(queue().timesPlayed, 2);
+}
+
+// A queue that runs on empty: the insertion changes its current item, and is still no end.
+TEST_F(PlayerTest, ChangeOfCurrentItemDuringAnInsertionIsNoEnd) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{});
+  EXPECT_TRUE(player->isPlaying());
+  EXPECT_EQ(session->history, "+");
+  struct EmptiesItself : QueuePlayerObserver {
+    void observeValueForKeyPath(std::string_view,
+                                const std::shared_ptr<QueuePlayer>& object) override {
+      object->removeObserver(this, QueuePlayer::kCurrentItemKeyPath);
+      object->removeAllItems();  // so the queue is empty while the flag still stands
+    }
+  } observer;
+  queue().addObserver(&observer, QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
+  player->playSoundFilesInSequence(Names{"one"});
+  EXPECT_EQ(queue().rate(), 1);
+  EXPECT_EQ(session->history, "+");
+
+  player->playSoundFilesInSequence(Names{"two"});
+  queue().finishCurrentItem();
+  EXPECT_EQ(session->history, "+-");
+}
+
+TEST_F(PlayerTest, AnEndFromTheQueuesOwnThreadIsHandledOnTheMainThread) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  auto ended = std::async(std::launch::async, [&] {
+    queue().finishCurrentItem();
+    return session->history;  // the notification has waited
+  });
+  while (ended.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    mainThread->runPending();
+  }
+  EXPECT_EQ(ended.get(), "+-");
+}
+
+struct RateCase {
+  std::string_view why;
+  float rate;
+  bool isPlaying;
+};
+constexpr RateCase kRateCases[] = {
+    {"stopped", 0, false},
+    {"half speed is cut to 0", 0.5f, false},
+    {"so is all below 1", 0.999f, false},
+    {"faster is playing", 2, true},
+    {"backwards is playing", -1, true},
+    {"no number is not playing", std::numeric_limits<float>::quiet_NaN(), false},
+};
+
+TEST_F(PlayerTest, TheRateIsCutToAWholeNumberBeforeItCounts) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  for (const RateCase& c : kRateCases) {
+    SCOPED_TRACE(c.why);
+    queue().setRate(c.rate);
+    EXPECT_EQ(player->isPlaying(), c.isPlaying);
+  }
+}
+
+TEST_F(PlayerTest, AtHalfSpeedAStopDoesNothingAndAPhrasePlaysAgain) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  queue().setRate(0.5f);
+  EXPECT_THAT(tracesOf([&] { player->stopAllSounds(); }), ElementsAre("stopAllSounds"));
+  mainThread->advance(1);
+  EXPECT_THAT(queued(), ElementsAre("voice/one.aif"));
+  EXPECT_TRUE(session->isActive);
+
+  player->playSoundFilesInSequence(Names{"two"});
+  EXPECT_EQ(queue().timesPlayed, 2);
+}
+
+TEST_F(PlayerTest, StopSilencesAtOnceAndReleasesTheSessionHalfASecondLater) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one", "two"});
+  player->stopAllSounds();
+  EXPECT_FALSE(player->isPlaying());
+  EXPECT_THAT(queued(), IsEmpty());
+  mainThread->advance(0.49);
+  EXPECT_EQ(session->history, "+");
+  mainThread->advance(0.01);
+  EXPECT_EQ(session->history, "+-");
+}
+
+TEST_F(PlayerTest, APhraseSoonAfterAStopPlaysOnWhenTheReleaseIsRefused) {
+  const auto player = makePlayer();
+  session->isSoundRunning = [&] { return queue().rate() != 0; };
+  player->playSoundFilesInSequence(Names{"one"});
+  player->stopAllSounds();
+  player->playSoundFilesInSequence(Names{"two"});
+  mainThread->advance(1);
+  EXPECT_THAT(log->lines(), ElementsAre("ERROR: Could not set the audio session's active state to "
+                                        "0. error: [Sound is running.]"));
+  EXPECT_TRUE(player->isPlaying());
+  EXPECT_TRUE(session->isActive);
+  EXPECT_THAT(queued(), ElementsAre("voice/two.aif"));
+}
+
+TEST_F(PlayerTest, TheEndOfAnyPlayerStopsAllSound) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  makePlayer("other");
+  EXPECT_FALSE(player->isPlaying());
+  EXPECT_THAT(queued(), IsEmpty());
+  mainThread->advance(0.5);
+  EXPECT_EQ(session->history, "+-");
+}
+
+TEST_F(PlayerTest, NoSequenceLogsALineAndDoesNothing) {
+  const auto player = makePlayer();
+  EXPECT_THAT(tracesOf([&] { player->playSoundFilesInSequence(nullptr); }),
+              ElementsAre("playSoundFilesInSequence - filenames:[(null)]", "No files given."));
+  EXPECT_EQ(session->history, "");
+  EXPECT_THAT(queues, IsEmpty());
+}
+
+TEST_F(PlayerTest, AFileThatIsMissingOrRefusedIsLeftOut) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one", "nowhere", "two"});
+  EXPECT_THAT(queued(), ElementsAre("voice/one.aif", "voice/two.aif"));
+  queue().refusesItems = true;
+  player->playSoundFilesInSequence(Names{"three"});
+  EXPECT_THAT(
+      log->lines(),
+      ElementsAre("ERROR: Could not find \"nowhere.aif.\"",
+                  "ERROR: Could not append the player item for \"(null).aif\" to the play queue.",
+                  "ERROR: Could not append the player item for \"<item voice/three.aif>.aif\" to "
+                  "the play queue."));
+  EXPECT_EQ(session->history, "+");
+}
+
+TEST_F(PlayerTest, TracesSayWhatIsDoneToTheQueue) {
+  const auto player = makePlayer();
+  EXPECT_THAT(tracesOf([&] {
+                player->playSoundFilesInSequence(Names{"one"});
+                player->stopAllSounds();
+                mainThread->advance(0.5);
+              }),
+              ElementsAre("playSoundFilesInSequence - filenames:[(\n    one\n)]",
+                          "__sharedPlayQueue creating a new queue player",
+                          "_addFileToQueue calling the play queue's insert after nil",
+                          "playSoundFilesInSequence calling the play queue's play", "stopAllSounds",
+                          "stopAllSounds setting the play queue's rate to 0",
+                          "stopAllSounds removing all items from the play queue",
+                          "__deactivateAudioSession"));
+}
+
+TEST_F(PlayerTest, ADeadQueueIsReplacedOnceAndItsFilesAreDropped) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  const auto dead = queues.back();
+  dead->fail();
+  EXPECT_EQ(queues.size(), 1u) << "the status is dealt with later, not in the notification";
+  mainThread->runPending();
+  dead->fail();  // says it again, and is nobody any more
+  dead->finishCurrentItem();
+  mainThread->runPending();
+  EXPECT_THAT(log->lines(), ElementsAre("__nts_queuePlayerStatusChanged detected that the media "
+                                        "service died. Creating a new shared instance of the play "
+                                        "queue."));
+  ASSERT_EQ(queues.size(), 2u);
+  EXPECT_EQ(dead->observations(), 0);
+  EXPECT_EQ(queue().observations(), 2);
+  EXPECT_EQ(session->timesCategoryWasSet, 2);
+  EXPECT_FALSE(player->isPlaying());
+
+  player->playSoundFilesInSequence(Names{"two"});
+  EXPECT_THAT(queued(), ElementsAre("voice/two.aif"));
+  EXPECT_TRUE(player->isPlaying());
+  queue().finishCurrentItem();
+  EXPECT_FALSE(session->isActive);
+}
+
+TEST_F(PlayerTest, AStatusThatArrivesAfterItsQueueHasGoneIsIgnored) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  queues.back()->fail();
+  const std::weak_ptr<QueuePlayer> held = queues.back();
+  queues.clear();
+  PlayerTestAccess::resetClass();
+  EXPECT_TRUE(held.expired());
+  mainThread->runPending();
+  EXPECT_THAT(queues, IsEmpty());
+}
+
+TEST_F(PlayerTest, SessionFailuresAreLoggedAndPlaybackIsTriedAllTheSame) {
+  session->categoryOutcome = {false, "no such category"};
+  const auto player = makePlayer();
+  session->activationOutcome = {false, "busy"};
+  player->playSoundFilesInSequence(Names{"one"});
+  EXPECT_TRUE(player->isPlaying());
+  session->activationOutcome = {true, "half done"};  // success and an error is an error
+  queue().finishCurrentItem();
+  EXPECT_THAT(log->lines(),
+              ElementsAre("ERROR: Could not set the options 3 (mix with others, duck others) and "
+                          "the category \"playback\" of the audio session. error: [no such "
+                          "category]",
+                          "ERROR: Could not set the audio session's active state to 1. error: "
+                          "[busy]",
+                          "ERROR: Could not set the audio session's active state to 0. error: "
+                          "[half done]"));
+}
+
+TEST_F(PlayerTest, APlatformWithoutAnythingGetsLinesAndNoSound) {
+  Platform::shared() = Platform();
+  Platform::shared().systemLog = log;
+  const auto player = Player::initWithDirectory("voice", nullptr);
+  player->playSoundFilesInSequence(Names{"one"});
+  EXPECT_FALSE(player->isPlaying());
+  player->stopAllSounds();
+  const auto lines = log->lines();
+  ASSERT_EQ(lines.size(), 4u);
+  EXPECT_EQ(lines[1], "ERROR: Could not find \"one.aif.\"");
+  EXPECT_EQ(lines[3], "ERROR: The platform has no queue player. Nothing can be played.");
+}
+
+TEST_F(PlayerTest, WithoutAMainThreadEveryThreadIsIt) {
+  Platform::shared().mainThread = nullptr;
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  queue().finishCurrentItem();
+  EXPECT_EQ(session->history, "+-");
+  queue().fail();
+  EXPECT_EQ(queues.size(), 2u);
+
+  player->playSoundFilesInSequence(Names{"two"});
+  log->clear();
+  player->stopAllSounds();
+  EXPECT_THAT(log->lines(), ElementsAre("ERROR: The platform has no main thread. The audio session "
+                                        "stays active."));
+}
+
+}  // namespace
+}  // namespace marlune

@@ -1,0 +1,196 @@
+#ifndef MARLUNE_TESTS_SUPPORT_QUEUE_PLAYER_CONTRACT_H_
+#define MARLUNE_TESTS_SUPPORT_QUEUE_PLAYER_CONTRACT_H_
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "marlune/playback/queue_player.h"
+
+namespace marlune {
+
+// What the contract needs to work a kind of queue. Everything on one thread, the main thread.
+class QueuePlayerRig {
+ public:
+  virtual ~QueuePlayerRig() = default;
+  virtual std::shared_ptr<QueuePlayer> makeQueue() = 0;
+  virtual std::shared_ptr<PlayerItem> makeItem() = 0;  // playable, and another one every time
+
+  // Lets sound pass until the current item of the queue, which plays, has been heard to its end.
+  virtual void finishCurrentItem(QueuePlayer& queue) = 0;
+  // Makes the queue fail, as when the device is lost.
+  virtual void fail(QueuePlayer& queue) = 0;
+  // Returns when the observers have been told of all that has happened.
+  virtual void settle() = 0;
+};
+
+// What every queue player must keep to. The program that has a queue includes this in one file:
+//
+//     INSTANTIATE_TEST_SUITE_P(Engine, QueuePlayerContract, testing::Values(&makeEngineRig));
+class QueuePlayerContract : public testing::TestWithParam<std::unique_ptr<QueuePlayerRig> (*)()> {
+ protected:
+  // Keeps what it is told. It may be told on any thread.
+  class Listener : public QueuePlayerObserver {
+   public:
+    void observeValueForKeyPath(std::string_view keyPath,
+                                const std::shared_ptr<QueuePlayer>& object) override {
+      const std::lock_guard lock(_mutex);
+      _told.emplace_back(keyPath);
+      _object = object.get();
+    }
+    std::vector<std::string> takeTold() {
+      const std::lock_guard lock(_mutex);
+      return std::exchange(_told, {});
+    }
+    const QueuePlayer* object() {
+      const std::lock_guard lock(_mutex);
+      return _object;
+    }
+
+   private:
+    std::mutex _mutex;
+    std::vector<std::string> _told;
+    const QueuePlayer* _object = nullptr;
+  };
+
+  std::shared_ptr<PlayerItem> append(QueuePlayer& to, const PlayerItem* after = nullptr) {
+    auto item = rig->makeItem();
+    EXPECT_TRUE(to.canInsert(item.get(), after));
+    to.insert(item, after);
+    return item;
+  }
+
+  using Items = std::vector<std::shared_ptr<PlayerItem>>;
+  using Told = std::vector<std::string>;
+  Listener listener;  // outlives the queue
+  const std::unique_ptr<QueuePlayerRig> rig = GetParam()();
+  const std::shared_ptr<QueuePlayer> queue = rig->makeQueue();
+};
+
+TEST_P(QueuePlayerContract, StartsEmptyAndStopped) {
+  EXPECT_EQ(queue->items(), Items());
+  EXPECT_EQ(queue->currentItem(), nullptr);
+  EXPECT_EQ(queue->rate(), 0);
+  EXPECT_NE(queue->status(), QueuePlayer::Status::failed);
+}
+
+TEST_P(QueuePlayerContract, TakesAnItemOnceAndOnlyBehindOneOfItsOwn) {
+  const auto other = rig->makeQueue();
+  const auto item = append(*queue), foreign = append(*other), fresh = rig->makeItem();
+  const struct {
+    std::string_view why;
+    const PlayerItem *item, *after;
+    bool canInsert;
+  } kCases[] = {
+      {"at the end", fresh.get(), nullptr, true},
+      {"behind one of its own", fresh.get(), item.get(), true},
+      {"no item", nullptr, nullptr, false},
+      {"an item it has", item.get(), nullptr, false},
+      {"an item of another queue", foreign.get(), nullptr, false},
+      {"behind an item of another queue", fresh.get(), foreign.get(), false},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(queue->canInsert(c.item, c.after), c.canInsert);
+  }
+  EXPECT_EQ(queue->items(), Items{item});
+  EXPECT_EQ(other->items(), Items{foreign});
+}
+
+TEST_P(QueuePlayerContract, InsertsAtTheEndOrBehindAnItem) {
+  const auto first = append(*queue), third = append(*queue);
+  const auto second = append(*queue, first.get()), fourth = append(*queue, third.get());
+  EXPECT_EQ(queue->items(), (Items{first, second, third, fourth}));
+  EXPECT_EQ(queue->currentItem(), first);
+}
+
+TEST_P(QueuePlayerContract, ItemsLeaveAsTheyAreHeardAndTheRateStays) {
+  const auto first = append(*queue), second = append(*queue);
+  EXPECT_EQ(queue->rate(), 0);
+  queue->play();
+  EXPECT_EQ(queue->rate(), 1);
+  rig->finishCurrentItem(*queue);
+  EXPECT_EQ(queue->currentItem(), second);
+  EXPECT_EQ(queue->items(), Items{second});
+  rig->finishCurrentItem(*queue);
+  EXPECT_EQ(queue->currentItem(), nullptr);
+  EXPECT_EQ(queue->items(), Items());
+  EXPECT_EQ(queue->rate(), 1);
+
+  const auto late = append(*queue);  // a queue that runs plays what comes
+  rig->finishCurrentItem(*queue);
+  EXPECT_EQ(queue->items(), Items());
+}
+
+TEST_P(QueuePlayerContract, RemovesEverythingAtOnce) {
+  append(*queue), append(*queue);
+  queue->play();
+  queue->setRate(0);
+  EXPECT_EQ(queue->rate(), 0);
+  queue->removeAllItems();
+  EXPECT_EQ(queue->items(), Items());
+  EXPECT_EQ(queue->currentItem(), nullptr);
+  queue->removeAllItems();  // of nothing
+  const auto next = append(*queue);
+  EXPECT_EQ(queue->currentItem(), next);
+}
+
+TEST_P(QueuePlayerContract, TellsOfEveryChangeOfTheCurrentItem) {
+  const auto current = std::string(QueuePlayer::kCurrentItemKeyPath);
+  queue->addObserver(&listener, current, QueuePlayer::kNewValue);
+  rig->settle();
+  EXPECT_EQ(listener.takeTold(), Told()) << "the value as it was had not been asked for";
+  append(*queue);
+  rig->settle();
+  EXPECT_EQ(listener.takeTold(), Told{current});
+  EXPECT_EQ(listener.object(), queue.get());
+  append(*queue);
+  rig->settle();
+  EXPECT_EQ(listener.takeTold(), Told()) << "the current item is the same";
+  queue->play();
+  rig->finishCurrentItem(*queue);
+  rig->settle();
+  EXPECT_EQ(listener.takeTold(), Told{current});
+  queue->removeAllItems();
+  rig->settle();
+  EXPECT_EQ(listener.takeTold(), Told{current});
+  queue->removeObserver(&listener, current);
+  append(*queue);
+  rig->settle();
+  EXPECT_EQ(listener.takeTold(), Told());
+}
+
+TEST_P(QueuePlayerContract, TellsTheStatusAtOnceWhenAskedTo) {
+  queue->addObserver(&listener, QueuePlayer::kStatusKeyPath,
+                     QueuePlayer::kNewValue | QueuePlayer::kInitialValue);
+  EXPECT_EQ(listener.takeTold(), Told{std::string(QueuePlayer::kStatusKeyPath)});
+  EXPECT_EQ(listener.object(), queue.get());
+  rig->settle();
+  queue->removeObserver(&listener, QueuePlayer::kStatusKeyPath);
+}
+
+TEST_P(QueuePlayerContract, AFailureIsToldAndFinal) {
+  append(*queue);
+  queue->play();
+  queue->addObserver(&listener, QueuePlayer::kStatusKeyPath, QueuePlayer::kNewValue);
+  rig->settle();
+  listener.takeTold();
+  rig->fail(*queue);
+  rig->settle();
+  EXPECT_EQ(listener.takeTold(), Told{std::string(QueuePlayer::kStatusKeyPath)});
+  EXPECT_EQ(queue->status(), QueuePlayer::Status::failed);
+  queue->removeAllItems();
+  queue->play();
+  rig->settle();
+  EXPECT_EQ(queue->status(), QueuePlayer::Status::failed);
+  queue->removeObserver(&listener, QueuePlayer::kStatusKeyPath);
+}
+
+}  // namespace marlune
+
+#endif  // MARLUNE_TESTS_SUPPORT_QUEUE_PLAYER_CONTRACT_H_
