@@ -22,7 +22,10 @@ int beyondStandardStreams(int descriptor) {
 
 std::shared_ptr<LogFile> LogFile::openAtPath(const std::string& path) {
   // O_NONBLOCK: a FIFO at the path would otherwise hold the caller until somebody reads it.
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  // O_APPEND: a thread that still writes to the former file, which may have had the same name,
+  // must not write over new lines.
+  constexpr int kFlags =
+      O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
   const int descriptor = ::open(path.c_str(), kFlags, 0644);
   if (descriptor == 0) {
     ::close(descriptor);
