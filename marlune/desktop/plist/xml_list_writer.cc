@@ -1,0 +1,149 @@
+#include "marlune/desktop/plist/xml_list_writer.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "marlune/desktop/plist/property_list_limits.h"
+#include "marlune/desktop/plist/scalar_text.h"
+
+namespace marlune {
+
+namespace {
+
+constexpr std::string_view kStart =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<plist version=\"1.0\">\n";
+constexpr std::string_view kReplacement = "\xef\xbf\xbd";
+
+// The length of the UTF-8 character that `text` begins with, if XML can hold it; else 0.
+std::size_t lengthOfCharacter(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned first = byte(0);
+  if (first < 0x80) return first >= 0x20 || first == '\t' || first == '\n' ? 1 : 0;
+  const std::size_t length = first < 0xc2 ? 0 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+  if (length == 0 || first > 0xf4 || text.size() < length) return 0;
+  char32_t c = first & (0x7fu >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xc0) != 0x80) return 0;
+    c = c << 6 | (byte(i) & 0x3f);
+  }
+  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  const bool isWritable = c >= kSmallest[length] && c <= 0x10ffff && c >> 11 != 0xd800 >> 11 &&
+                          c != 0xfffe && c != 0xffff;
+  return isWritable ? length : 0;
+}
+
+class Writer {
+ public:
+  bool write(const Value& value, std::size_t level) {
+    switch (value.kind()) {
+      case Value::Kind::absent:
+        return false;
+      case Value::Kind::dictionary:
+        return _writeDictionary(*value.asDictionary(), level);
+      case Value::Kind::array:
+        return _writeArray(*value.asArray(), level);
+      case Value::Kind::string:
+        return _writeLeaf("string", *value.asString(), level);
+      case Value::Kind::integer:
+        return _writeLeaf("integer", std::to_string(value.int64()), level);
+      case Value::Kind::real:
+        return _writeLeaf("real", textFromReal(value.realValue()), level);
+      case Value::Kind::boolean:
+        return _writeLine(value.booleanValue() ? "<true/>" : "<false/>", level);
+      case Value::Kind::data:
+        return _writeLeaf("data", base64FromBytes(*value.asData()), level);
+      case Value::Kind::date: {
+        const auto date = dateInRange(value.realValue());
+        return date && _writeLeaf("date", textFromDate(*date), level);
+      }
+    }
+    return false;
+  }
+
+  std::string text = std::string(kStart);
+
+ private:
+  bool _writeDictionary(const Dictionary& dictionary, std::size_t level) {
+    if (!_mayHold(level)) return false;
+    if (dictionary.count() == 0) return _writeLine("<dict/>", level);
+    _writeLine("<dict>", level);
+    for (const auto& [key, value] : dictionary.entries()) {
+      _writeLeaf("key", *key, level + 1);
+      if (!write(value, level + 1)) return false;
+    }
+    return _writeLine("</dict>", level);
+  }
+
+  bool _writeArray(const Array& array, std::size_t level) {
+    if (!_mayHold(level)) return false;
+    if (array.count() == 0) return _writeLine("<array/>", level);
+    _writeLine("<array>", level);
+    for (const Value& element : array.elements()) {
+      if (!write(element, level + 1)) return false;
+    }
+    return _writeLine("</array>", level);
+  }
+
+  // Whether a container may stand at `level`; the root is at 0.
+  static bool _mayHold(std::size_t level) { return level < kMostPropertyListLevels; }
+
+  bool _writeLine(std::string_view line, std::size_t level) {
+    text.append(level, '\t');
+    text += line;
+    text += '\n';
+    return true;
+  }
+
+  bool _writeLeaf(std::string_view name, std::string_view content, std::size_t level) {
+    text.append(level, '\t');
+    ((text += '<') += name) += '>';
+    _writeText(content);
+    ((text += "</") += name) += ">\n";
+    return true;
+  }
+
+  void _writeText(std::string_view content) {
+    while (!content.empty()) {
+      const std::size_t plain = std::min(content.find_first_of("<>&\r"), content.size());
+      _writeCharacters(content.substr(0, plain));
+      content.remove_prefix(plain);
+      if (content.empty()) return;
+      text += _escaped(content.front());
+      content.remove_prefix(1);
+    }
+  }
+
+  void _writeCharacters(std::string_view plain) {
+    while (!plain.empty()) {
+      const std::size_t length = lengthOfCharacter(plain);
+      text += length ? plain.substr(0, length) : kReplacement;
+      plain.remove_prefix(length ? length : 1);
+    }
+  }
+
+  static std::string_view _escaped(char c) {
+    switch (c) {
+      case '<':
+        return "&lt;";
+      case '>':
+        return "&gt;";
+      case '&':
+        return "&amp;";
+      default:
+        return "&#13;";  // as it stands, the reader would take it for a line feed
+    }
+  }
+};
+
+}  // namespace
+
+std::optional<std::string> writePropertyListXml(const Value& value) {
+  Writer writer;
+  if (!writer.write(value, 0)) return std::nullopt;
+  writer.text += "</plist>\n";
+  return std::move(writer.text);
+}
+
+}  // namespace marlune
