@@ -9,6 +9,7 @@
 #include <exception>
 #include <system_error>
 
+#include "marlune/desktop/plist/binary_list_parser.h"
 #include "marlune/desktop/plist/property_list_error.h"
 #include "marlune/desktop/plist/property_list_limits.h"
 #include "marlune/desktop/plist/xml_list_parser.h"
@@ -87,6 +88,7 @@ bool looksLikeOldStyleText(std::string_view bytes) {
 }
 
 Value valueOfBytes(std::string_view bytes) {
+  if (BinaryListParser::looksBinary(bytes)) return BinaryListParser(bytes).parse();
   if (looksLikeXml(bytes)) return XmlListParser(bytes).parse();
   if (bytes.empty()) throw PropertyListError{"expected a property list, found an empty file"};
   if (looksLikeOldStyleText(bytes)) {
