@@ -19,7 +19,7 @@ constexpr double kDeactivationDelaySeconds = 0.5;
 constexpr unsigned kCategoryOptions = AudioSession::kMixWithOthers | AudioSession::kDuckOthers;
 
 // Without a main thread in the platform's table every thread counts as one.
-bool onMainThread() {
+[[maybe_unused]] bool onMainThread() {
   const auto mainThread = Platform::shared().mainThread;
   return !mainThread || mainThread->isCurrent();
 }
