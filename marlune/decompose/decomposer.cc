@@ -1,0 +1,106 @@
+#include "marlune/decompose/decomposer.h"
+
+#include <utility>
+
+#include "marlune/decompose/decomposition_memo.h"
+#include "marlune/decompose/split_search.h"
+#include "marlune/util/describable.h"
+#include "marlune/util/tq_utils.h"
+#include "marlune/util/utf16.h"
+
+namespace marlune {
+
+namespace {
+
+// Joined only for a line that is really written.
+class SpokenWords : public Describable {
+ public:
+  explicit SpokenWords(std::span<const std::string> words) : _words(words) {}
+  std::string description() const override {
+    std::string text;
+    for (std::size_t i = 0; i < _words.size(); ++i) {
+      if (i > 0) text += ' ';
+      text += _words[i];
+    }
+    return text;
+  }
+
+ private:
+  std::span<const std::string> _words;
+};
+
+// The last path component without its last four characters. These are ".aif": the bundle was asked
+// for nothing else.
+std::string nameOfRecording(std::string_view path) {
+  std::string_view name = path.substr(path.find_last_of('/') + 1);
+  const auto extension = utf16Suffix(name, 4);
+  name.remove_suffix(extension ? extension->size() : name.size());
+  return std::string(name);
+}
+
+}  // namespace
+
+std::unique_ptr<Decomposer> Decomposer::initWithDirectory(
+    std::string_view directory, std::shared_ptr<const ResourceBundle> bundle) {
+  return std::unique_ptr<Decomposer>(new Decomposer(directory, std::move(bundle)));
+}
+
+Decomposer::Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle)
+    : _bundle(std::move(bundle)), _memo(std::make_unique<DecompositionMemo>()) {
+  std::vector<std::string> paths;
+  if (_bundle) paths = _bundle->pathsForResourcesOfType("aif", directory);
+  _availableSoundFiles.reserve(paths.size());
+  for (const std::string& path : paths) _availableSoundFiles.push_back(nameOfRecording(path));
+  for (const std::string& name : _availableSoundFiles) _memo->addRecording(name);
+  TQUtils::forDefaultLog(ZKPlistNotificationDefault, "available sound files from '%@': %@", paths,
+                         _availableSoundFiles);
+}
+
+Decomposer::~Decomposer() = default;
+
+Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>& words) {
+  TQUtils::forDefaultLog(ZKPlistNotificationDefault, "Attempting to say: '%@'.",
+                         SpokenWords(words));
+  return optimalDecompositionOf(words, /*isSubsetOfWhole=*/false);
+}
+
+Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>* words) {
+  return words ? optimalDecompositionOf(*words) : nullptr;
+}
+
+Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>& words,
+                                                 bool isSubsetOfWhole) {
+  _countCalls(1);
+  _key.join(words);
+  DecompositionMemo::Id id = _memo->find({_key.text(), _key.hash()});
+  const bool isRemembered = id != 0 && _memo->state(id) != DecompositionMemo::State::open;
+  if (!isRemembered) id = _search(words, isSubsetOfWhole);
+  return _memo->decomposition(id);
+}
+
+// A delegate may ask this decomposer while it is being asked; that inner question then finds no
+// idle search and makes its own.
+std::uint32_t Decomposer::_search(std::span<const std::string> words, bool isSubsetOfWhole) {
+  std::unique_ptr<SplitSearch> search = std::move(_idleSearch);
+  if (!search) search = std::make_unique<SplitSearch>(*this, *_memo);
+  const DecompositionMemo::Id id = search->run(words, _key, isSubsetOfWhole);
+  if (search->isWorthKeeping()) _idleSearch = std::move(search);
+  return id;
+}
+
+void Decomposer::_countCalls(std::size_t calls) {
+  _iterations += static_cast<std::uint32_t>(calls);
+  if (_debugging) {
+    TQUtils::forDefaultLog(ZKPlistNotificationDefault, "Iterations so far: %i", iterations());
+  }
+}
+
+std::map<std::string, Decomposition> Decomposer::_cache() const {
+  std::map<std::string, Decomposition> cache;
+  _memo->forEachRemembered([&](std::string_view key, DecompositionMemo::Id id) {
+    cache.emplace(key, _memo->decomposition(id));
+  });
+  return cache;
+}
+
+}  // namespace marlune

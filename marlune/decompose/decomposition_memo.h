@@ -1,0 +1,111 @@
+#ifndef MARLUNE_DECOMPOSE_DECOMPOSITION_MEMO_H_
+#define MARLUNE_DECOMPOSE_DECOMPOSITION_MEMO_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "marlune/decompose/decomposition.h"
+
+namespace marlune {
+
+// What is known of decomposition keys, in one table: which of them name a recording, and what was
+// worked out for them, failures included. Only grows.
+//
+// An entry is a few numbers. Its key lies in a text that is shared with the other stretches of the
+// phrase; a found split is the two entries of its halves. Lists are built when handed out, once.
+class DecompositionMemo {
+ public:
+  // An entry, good for the memo's lifetime; 0 is none.
+  using Id = std::uint32_t;
+
+  // A key with its hash (key_hash::ofText of the whole of it).
+  struct Key {
+    std::string_view text;
+    std::uint64_t hash;
+  };
+
+  enum class State : std::uint8_t {
+    open,      // nothing remembered
+    failed,    // remembered: cannot be said
+    recorded,  // one recording says it: its entry is `first`
+    split,     // said by `first`, then `second`
+    given      // a list from outside
+  };
+
+  // Makes `name` known as a recording. Once for each name; REQUIRES: the text outlives the memo.
+  void addRecording(std::string_view name);
+  std::size_t longestRecording() const { return _longestRecording; }  // in bytes
+
+  // The entry of the key; `findOrAdd` makes an open one, and keeps a view of the text, when there
+  // is none. REQUIRES for `findOrAdd`: the text outlives the memo (see `keep`).
+  Id find(const Key& key) const;
+  Id findOrAdd(const Key& key);
+
+  // A copy of the text that lives as long as the memo.
+  const char* keep(std::string_view text);
+
+  State state(Id id) const { return _entries[id].state; }
+  bool isRecording(Id id) const { return id != 0 && _entries[id].isRecording; }
+  std::uint32_t fileCount(Id id) const { return _entries[id].fileCount; }  // 0 when failed
+  std::string_view text(Id id) const { return {_entries[id].text, _entries[id].length}; }
+
+  // Remembers what was found for the key, whose entry was `id` when the work on it began. Returns
+  // the entry that now holds it. That is `id`, unless the key was answered otherwise meanwhile:
+  // then the last answer counts for the key, and the entry that held the earlier one joins
+  // `superseded`, still the half of whatever split was found with it.
+  Id rememberFailure(Id id, const Key& key);
+  Id rememberRecording(Id id, const Key& key, Id recording);
+  Id rememberSplit(Id id, const Key& key, Id first, Id second);
+  Id rememberGiven(Id id, const Key& key, Decomposition files);
+  const std::vector<Id>& superseded() const { return _superseded; }
+
+  // The remembered answer; null when failed. Builds the list at the first time only.
+  // REQUIRES: the entry is not open.
+  const Decomposition& decomposition(Id id);
+
+  // Calls back with every remembered key and its entry, in no particular order.
+  void forEachRemembered(const std::function<void(std::string_view key, Id id)>& visit) const;
+
+ private:
+  struct Entry {
+    const char* text = nullptr;
+    std::uint32_t length = 0;
+    std::uint32_t fileCount = 0;
+    Id first = 0;
+    Id second = 0;
+    std::uint32_t list = 0;  // index into _lists; 0 is none
+    State state = State::open;
+    bool isRecording = false;
+  };
+  // Part of the hash stands beside the entry's number, so that most misses end here.
+  struct Slot {
+    std::uint32_t tag = 0;
+    Id id = 0;
+  };
+
+  static std::uint32_t _tag(std::uint64_t hash);
+  std::size_t _slotOf(const Key& key) const;  // where it is, or the free slot where it belongs
+  void _grow();
+  Id _remember(Id id, const Key& key, const Entry& answer);
+  Id _supersede(const Key& key, const Entry& answer);
+  std::vector<std::string> _files(const Entry& answer) const;
+
+  std::vector<Entry> _entries = std::vector<Entry>(1);
+  std::vector<Slot> _slots = std::vector<Slot>(16);  // a power of two, at most two thirds used
+  std::size_t _used = 0;
+  std::vector<Decomposition> _lists = std::vector<Decomposition>(1);
+  std::vector<Id> _superseded;
+  std::vector<std::unique_ptr<char[]>> _texts;
+  char* _freeText = nullptr;
+  std::size_t _freeTextSize = 0;
+  std::size_t _longestRecording = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DECOMPOSE_DECOMPOSITION_MEMO_H_

@@ -1,0 +1,66 @@
+#ifndef MARLUNE_DECOMPOSE_JOINED_KEY_H_
+#define MARLUNE_DECOMPOSE_JOINED_KEY_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace marlune {
+
+// The decomposition key of a phrase: its words joined with " ", every " " then turned into "_",
+// every "_[" into "[". What makes it fast: the key of any stretch of the words is a slice of the
+// key of the whole. The "_" that an attribute bracket swallows stands between two words, or inside
+// one, and so never at a stretch's edge.
+//
+// Reused from phrase to phrase, it allocates only for a longer one than it has seen.
+class JoinedKey {
+ public:
+  // Replaces what was there. The words are not kept.
+  void join(std::span<const std::string> words);
+
+  std::string_view text() const { return {_text.data(), _size}; }
+  std::uint64_t hash() const { return _hash; }
+
+  // The rest speaks of the stretch [from, to) of words, counted from 0. REQUIRES: from < to, and
+  // for `hash` that `prepareSlices` was called after `join`.
+  void prepareSlices();
+  std::size_t offset(std::size_t from) const { return _words[from].begin; }
+  std::size_t length(std::size_t from, std::size_t to) const {
+    return _words[to - 1].end - _words[from].begin;
+  }
+  std::uint64_t hash(std::size_t from, std::size_t to) const {
+    const Word& first = _words[from];
+    const Word& last = _words[to - 1];
+    return last.hashAtEnd - first.hashAtBegin * _powers[last.piecesAtEnd - first.piecesAtBegin];
+  }
+
+ private:
+  // Where a word stands in the text, and what a reader of the text has come to there.
+  struct Word {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    std::uint64_t hashAtBegin = 0;
+    std::uint64_t hashAtEnd = 0;
+    std::uint32_t piecesAtBegin = 0;
+    std::uint32_t piecesAtEnd = 0;
+  };
+
+  void _makeRoomFor(std::span<const std::string> words);
+
+  std::vector<char> _text;  // only ever grows: the key is its first `_size` bytes
+  std::size_t _size = 0;
+  std::uint64_t _hash = 0;
+  std::uint32_t _pieces = 0;
+  std::vector<Word> _words;
+  std::vector<std::uint64_t> _powers;  // of the hash's base
+};
+
+// The key alone, for whoever needs it as a string.
+std::string decompositionKey(std::span<const std::string> words);
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DECOMPOSE_JOINED_KEY_H_

@@ -1,0 +1,214 @@
+#include "marlune/decompose/split_search.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "marlune/decompose/decomposer.h"
+#include "marlune/decompose/key_hash.h"
+#include "marlune/util/tq_utils.h"
+
+namespace marlune {
+
+namespace {
+
+// Instead of a count: so large that no sum with it is accepted, and so small that no sum with it
+// is a count. Sums of two still fit.
+constexpr std::int32_t kCannotBeSaid = 1 << 29;
+constexpr std::int32_t kNotReached = -(1 << 30);
+
+constexpr std::size_t kCellsWorthKeeping = 1 << 16;
+
+// Appends `key` without what stands between "[" and "]", and without these; no more than `limit`
+// bytes of it. Whether it ended within the limit.
+bool appendWithoutBrackets(std::string& text, std::string_view key, std::size_t limit) {
+  bool inside = false;
+  for (const char c : key) {
+    if (c == '[' || c == ']') {
+      inside = c == '[';
+    } else if (!inside) {
+      if (text.size() == limit) return false;
+      text.push_back(c);
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+bool SplitSearch::isWorthKeeping() const { return _idsByBegin.capacity() <= kCellsWorthKeeping; }
+
+DecompositionMemo::Id SplitSearch::run(std::span<const std::string> words, JoinedKey& key,
+                                       bool isSubsetOfWhole) {
+  std::swap(_key, key);
+  _words = words;
+  _supersededSeen = _memo.superseded().size();
+  DecompositionMemo::Key whole{_key.text(), _key.hash()};
+  Id id = _memo.find(whole);
+  if (id == 0) {
+    whole.text = {_memo.keep(whole.text), whole.text.size()};
+    id = _memo.findOrAdd(whole);
+  }
+  _text = _memo.text(id).data();
+  _hasBrackets = whole.text.find_first_of("[]") != std::string_view::npos;
+
+  _answer = _answerWithoutSplit(0, words.size(), id, isSubsetOfWhole);
+  if (_answer != 0) return _answer;
+  _key.prepareSlices();
+  _makeTables();
+  _search(0, words.size(), id);
+  while (!_frames.empty()) _callOrFinish();
+  return _answer;
+}
+
+DecompositionMemo::Key SplitSearch::_keyOf(std::size_t from, std::size_t to) const {
+  if (from == 0 && to == _words.size()) return {{_text, _key.text().size()}, _key.hash()};
+  return {{_text + _key.offset(from), _key.length(from, to)}, _key.hash(from, to)};
+}
+
+// Everything that a worker tries once the memo has no answer, short of the split search. Returns
+// the entry that now holds the answer, or 0 when only a search can tell.
+DecompositionMemo::Id SplitSearch::_answerWithoutSplit(std::size_t from, std::size_t to, Id id,
+                                                       bool isSubsetOfWhole) {
+  const DecompositionMemo::Key key = _keyOf(from, to);
+  if (const Id given = _answerFromDelegate(key, id, isSubsetOfWhole)) return given;
+  const std::size_t count = to - from;
+  if (count == 1 && !_isRecordedWord(_words[from], id)) {
+    const Id failed = _memo.rememberFailure(id, key);
+    TQUtils::forDefaultLog(ZKPlistNotificationDefault, "Cannot find a sound file for '%@.'",
+                           _words[from]);
+    return failed;
+  }
+  if (_memo.isRecording(id)) return _memo.rememberRecording(id, key, id);
+  if (_hasBrackets) {
+    const Id recording = _recordingWithoutBrackets(key.text);
+    if (recording != 0) return _memo.rememberRecording(id, key, recording);
+  }
+  return count <= 1 ? _memo.rememberFailure(id, key) : 0;
+}
+
+DecompositionMemo::Id SplitSearch::_answerFromDelegate(const DecompositionMemo::Key& key, Id id,
+                                                       bool isSubsetOfWhole) {
+  const auto delegate = _decomposer._delegate.lock();
+  if (!delegate) return 0;
+  Decomposition answer = delegate->decompositionOf(_decomposer, key.text, isSubsetOfWhole);
+  if (!answer) return 0;
+  TQUtils::forDefaultLog(ZKPlistNotificationDefault, "delegateSpecifiedDecomposition: %@", *answer);
+  return _memo.rememberGiven(id, key, std::move(answer));
+}
+
+// A recording must have the word's own name here: a word that holds a blank differs from its key.
+bool SplitSearch::_isRecordedWord(const std::string& word, Id id) const {
+  if (word == _memo.text(id)) return _memo.isRecording(id);
+  return _memo.isRecording(_memo.find({word, key_hash::ofText(word)}));
+}
+
+DecompositionMemo::Id SplitSearch::_recordingWithoutBrackets(std::string_view key) {
+  _stripped.clear();
+  if (!appendWithoutBrackets(_stripped, key, _memo.longestRecording())) return 0;
+  if (_stripped.size() == key.size()) return 0;  // no bracket in it
+  const Id id = _memo.find({_stripped, key_hash::ofText(_stripped)});
+  return _memo.isRecording(id) ? id : 0;
+}
+
+void SplitSearch::_makeTables() {
+  const std::size_t cells = _words.size() * (_words.size() + 1) / 2;
+  _countsByBegin.assign(cells, kNotReached);
+  _countsByEnd.assign(cells, kNotReached);
+  _idsByBegin.resize(cells);
+}
+
+// A worker call, already counted, for a part whose cell is not filled.
+void SplitSearch::_open(std::size_t from, std::size_t to) {
+  Id id = _memo.findOrAdd(_keyOf(from, to));
+  if (_memo.state(id) != DecompositionMemo::State::open) return _set(from, to, id);
+  const Id answer = _answerWithoutSplit(from, to, id, /*isSubsetOfWhole=*/true);
+  if (answer != 0) return _set(from, to, answer);
+  _search(from, to, id);
+}
+
+void SplitSearch::_search(std::size_t from, std::size_t to, Id id) {
+  _forgetSuperseded();
+  const Frame frame{from, to, id, 0};
+  const std::int32_t fewest = _fewestFiles(from, to);
+  // Mostly everything inside was reached before, and none of the calls would do anything.
+  const bool anyNotReached = fewest < 0;
+  if (anyNotReached || _decomposer._debugging) {
+    _frames.push_back(frame);
+  } else {
+    _decomposer._countCalls(2 * (to - from - 1));
+    _finish(frame, fewest);
+  }
+}
+
+void SplitSearch::_callOrFinish() {
+  Frame& frame = _frames.back();
+  const auto [from, to, id, call] = frame;
+  if (call == 2 * (to - from - 1)) {
+    const Frame finished = frame;
+    _frames.pop_back();
+    return _finish(finished, _fewestFiles(from, to));
+  }
+  ++frame.nextCall;
+  _decomposer._countCalls(1);
+  const std::size_t middle = from + call / 2 + 1;
+  const bool isFirstHalf = call % 2 == 0;
+  const std::size_t begin = isFirstHalf ? from : middle;
+  const std::size_t end = isFirstHalf ? middle : to;
+  if (_countsByBegin[_byBegin(begin, end)] < 0) _open(begin, end);
+}
+
+// The fewest files that a split of the stretch gives; negative while a half was not reached yet.
+std::int32_t SplitSearch::_fewestFiles(std::size_t from, std::size_t to) const {
+  const std::int32_t* const first = &_countsByBegin[_byBegin(from, from + 1)];
+  const std::int32_t* const second = &_countsByEnd[_byEnd(from + 1, to)];
+  std::int32_t fewest = 2 * kCannotBeSaid - 1;
+  for (std::size_t i = 0; i < to - from - 1; ++i) fewest = std::min(fewest, first[i] + second[i]);
+  return fewest;
+}
+
+void SplitSearch::_finish(const Frame& frame, std::int32_t fewest) {
+  const auto [from, to, id, call] = frame;
+  const DecompositionMemo::Key key = _keyOf(from, to);
+  // More files than words can only come of a delegate's answers, and are not taken.
+  if (static_cast<std::size_t>(fewest) > to - from) {
+    return _set(from, to, _memo.rememberFailure(id, key));
+  }
+  // Among ties the longest first half wins.
+  std::size_t middle = to - 1;
+  while (_countsByBegin[_byBegin(from, middle)] + _countsByEnd[_byEnd(middle, to)] != fewest) {
+    --middle;
+  }
+  _set(from, to,
+       _memo.rememberSplit(id, key, _idsByBegin[_byBegin(from, middle)],
+                           _idsByBegin[_byBegin(middle, to)]));
+}
+
+void SplitSearch::_set(std::size_t from, std::size_t to, Id id) {
+  _forgetSuperseded();
+  const bool canBeSaid = _memo.state(id) != DecompositionMemo::State::failed;
+  const auto limit = static_cast<std::uint32_t>(kCannotBeSaid);
+  const auto count =
+      canBeSaid ? static_cast<std::int32_t>(std::min(_memo.fileCount(id), limit)) : kCannotBeSaid;
+  _countsByBegin[_byBegin(from, to)] = count;
+  _countsByEnd[_byEnd(from, to)] = count;
+  _idsByBegin[_byBegin(from, to)] = id;
+  if (from == 0 && to == _words.size()) _answer = id;
+}
+
+// Cells are copies of what the memo holds. A key that got another answer is to be looked up again;
+// no open frame has used the earlier one, since it was not there when the frame came by.
+void SplitSearch::_forgetSuperseded() {
+  for (; _supersededSeen < _memo.superseded().size(); ++_supersededSeen) {
+    const Id superseded = _memo.superseded()[_supersededSeen];
+    for (std::size_t from = 0; from < _words.size(); ++from) {
+      for (std::size_t to = from + 1; to <= _words.size(); ++to) {
+        const std::size_t cell = _byBegin(from, to);
+        if (_countsByBegin[cell] < 0 || _idsByBegin[cell] != superseded) continue;
+        _countsByBegin[cell] = kNotReached;
+        _countsByEnd[_byEnd(from, to)] = kNotReached;
+      }
+    }
+  }
+}
+
+}  // namespace marlune

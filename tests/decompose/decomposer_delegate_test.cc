@@ -1,0 +1,35 @@
+#include "marlune/decompose/decomposer_delegate.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "fakes/fake_resource_bundle.h"
+#include "marlune/decompose/decomposer.h"
+
+namespace marlune {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsNull;
+using testing::Pointee;
+
+TEST(DecomposerDelegateTest, ATableNeverAnswersForTheOther) {
+  DecomposerDelegate::Overrides whole{{"hello_there", {"hi", "there"}}, {"both", {"all"}}};
+  DecomposerDelegate::Overrides parts{{"far[x]", {}}, {"both", {"bit", "bit"}}};
+  const auto delegate = DecomposerDelegate::initWithWholeOverrides(whole, parts);
+  whole["hello_there"] = {"changed"};  // too late
+  const auto decomposer = Decomposer::initWithDirectory("Sounds", nullptr);
+
+  const auto answer = [&](std::string_view key, bool isSubsetOfWhole) {
+    return delegate->decompositionOf(*decomposer, key, isSubsetOfWhole);
+  };
+  EXPECT_THAT(answer("hello_there", false), Pointee(ElementsAre("hi", "there")));
+  EXPECT_THAT(answer("hello_there", true), IsNull());
+  EXPECT_THAT(answer("far[x]", true), Pointee(ElementsAre())) << "empty is an answer";
+  EXPECT_THAT(answer("far[x]", false), IsNull());
+  EXPECT_THAT(answer("both", false), Pointee(ElementsAre("all")));
+  EXPECT_THAT(answer("both", true), Pointee(ElementsAre("bit", "bit")));
+}
+
+}  // namespace
+}  // namespace marlune

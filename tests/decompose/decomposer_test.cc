@@ -1,0 +1,249 @@
+#include "marlune/decompose/decomposer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "fakes/fake_resource_bundle.h"
+#include "marlune/decompose/decomposer_delegate.h"
+#include "support/platform_fixture.h"
+
+namespace marlune {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsNull;
+using testing::Pair;
+using testing::Pointee;
+using testing::UnorderedElementsAre;
+using Words = std::vector<std::string>;
+
+std::unique_ptr<Decomposer> decomposerWith(Words files) {
+  return Decomposer::initWithDirectory("Sounds", std::make_shared<FakeResourceBundle>(files));
+}
+
+std::string shown(const Decomposition& decomposition) {
+  if (!decomposition) return "cannot be said";
+  std::string text;
+  for (const std::string& file : *decomposition) text += "<" + file + ">";
+  return text;
+}
+
+// Asks a function of the test's.
+class FunctionDelegate : public DecomposerOverrides {
+ public:
+  using Function = std::function<Decomposition(Decomposer&, const std::string& key, bool isPart)>;
+  explicit FunctionDelegate(Function function) : _function(std::move(function)) {}
+  Decomposition decompositionOf(Decomposer& decomposer, std::string_view key,
+                                bool isSubsetOfWhole) override {
+    return _function(decomposer, std::string(key), isSubsetOfWhole);
+  }
+
+ private:
+  Function _function;
+};
+
+Decomposition list(Words files) { return std::make_shared<const Words>(std::move(files)); }
+
+class DecomposerTest : public PlatformFixture {
+ protected:
+  void SetUp() override {
+    PlatformFixture::SetUp();
+    preferences->set(ZKPlistNotificationDefault, Value::boolean(true));
+  }
+};
+
+TEST_F(DecomposerTest, ChoosesTheFewestFiles) {
+  const struct {
+    const char* why;
+    Words files, words;
+    const char* result;
+  } cases[] = {
+      {"a word with a recording", {"go"}, {"go"}, "<go>"},
+      {"a word without", {"stop"}, {"go"}, "cannot be said"},
+      {"on a tie the longest leading file wins",
+       {"at_the", "finish", "at", "the_finish"},
+       {"at", "the", "finish"},
+       "<at_the><finish>"},
+      {"the same deeper down: a_b_c + d, not a + b_c_d or a_b + c_d",
+       {"a", "b_c_d", "a_b", "c_d", "a_b_c", "d"},
+       {"a", "b", "c", "d"},
+       "<a_b_c><d>"},
+      {"fewer files win over a longer leading one",
+       {"a_b_c", "d", "e", "a", "b_c_d_e"},
+       {"a", "b", "c", "d", "e"},
+       "<a><b_c_d_e>"},
+      {"a recording of the whole wins over its words'", {"a", "b", "a_b"}, {"a", "b"}, "<a_b>"},
+      {"a bracket binds to the word before", {"a_b[x]"}, {"a", "b", "[x]"}, "<a_b[x]>"},
+      {"a phrase falls back to the plain recording", {"a_b"}, {"a", "b[x]"}, "<a_b>"},
+      {"a single word does not", {"b"}, {"b[x]"}, "cannot be said"},
+      {"the attribute's own recording is better", {"a_b", "a_b[x]"}, {"a", "b[x]"}, "<a_b[x]>"},
+      {"underscores around a removed bracket stay", {"a__c"}, {"a", "[x]", "c"}, "cannot be said"},
+      {"the same where they do stay", {"a_c"}, {"a", "[x]", "c"}, "<a_c>"},
+      {"brackets do not nest", {"adea"}, {"a[b[c]d]e", "[f", "g]a"}, "<adea>"},
+      {"a word that holds a blank must be recorded as it is", {"a_b"}, {"a b"}, "cannot be said"},
+      {"and then under its key as well", {"a b"}, {"a b"}, "cannot be said"},
+      {"with both it is said by the key", {"a b", "a_b"}, {"a b"}, "<a_b>"},
+      {"in a longer phrase only the key counts", {"a_b_c"}, {"a b", "c"}, "<a_b_c>"},
+      {"no words", {"a"}, {}, "cannot be said"},
+      {"no words, and a recording without a name", {""}, {}, "<>"},
+      {"an empty word", {"", "a"}, {"a", ""}, "<a><>"},
+      {"a repeated word", {"no", "no_no_no"}, {"no", "no", "no", "no"}, "<no_no_no><no>"},
+      {"characters outside of ASCII", {"\u00fcber_das"}, {"\u00fcber", "das"}, "<\u00fcber_das>"},
+      {"words longer than a machine word",
+       {"incomprehensibilities", "uncharacteristically_so"},
+       {"incomprehensibilities", "uncharacteristically", "so"},
+       "<incomprehensibilities><uncharacteristically_so>"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(shown(decomposerWith(c.files)->optimalDecompositionOf(c.words)), c.result);
+  }
+}
+
+TEST_F(DecomposerTest, NamesRecordingsByTheirPathWithoutTheExtension) {
+  const auto decomposer = decomposerWith({"go", "", "go", "1.5"});
+  EXPECT_THAT(decomposer->availableSoundFiles(), ElementsAre("go", "", "go", "1.5"));
+  EXPECT_THAT(log->lines(),
+              ElementsAre("available sound files from '(\n    \"/bundle/Sounds/go.aif\",\n"
+                          "    \"/bundle/Sounds/.aif\",\n    \"/bundle/Sounds/go.aif\",\n"
+                          "    \"/bundle/Sounds/1.5.aif\"\n)': "
+                          "(\n    go,\n    \"\",\n    go,\n    \"1.5\"\n)"));
+}
+
+TEST_F(DecomposerTest, RemembersFailuresAndDoesNotReportThemTwice) {
+  const auto decomposer = decomposerWith({});
+  log->clear();
+  EXPECT_THAT(decomposer->optimalDecompositionOf({"go", "on"}), IsNull());
+  EXPECT_THAT(log->lines(),
+              ElementsAre("Attempting to say: 'go on'.", "Cannot find a sound file for 'go.'",
+                          "Cannot find a sound file for 'on.'"));
+  log->clear();
+  EXPECT_THAT(decomposer->optimalDecompositionOf({"go"}), IsNull());
+  EXPECT_THAT(log->lines(), ElementsAre("Attempting to say: 'go'."));
+  EXPECT_THAT(
+      decomposer->_cache(),
+      UnorderedElementsAre(Pair("go_on", IsNull()), Pair("go", IsNull()), Pair("on", IsNull())));
+}
+
+TEST_F(DecomposerTest, AnAbsentPhraseLeavesNoTrace) {
+  const auto decomposer = decomposerWith({""});
+  log->clear();
+  EXPECT_THAT(decomposer->optimalDecompositionOf(nullptr), IsNull());
+  EXPECT_EQ(decomposer->iterations(), 0);
+  EXPECT_THAT(decomposer->_cache(), IsEmpty());
+  EXPECT_THAT(log->lines(), IsEmpty());
+}
+
+// Two word lists with one key share one answer, the one of the list that came first.
+TEST_F(DecomposerTest, RemembersByTheKeyAlone) {
+  const auto decomposer = decomposerWith({"a", "b"});
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a b"})), "cannot be said");
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "cannot be said");
+  const auto other = decomposerWith({"a", "b"});
+  EXPECT_EQ(shown(other->optimalDecompositionOf({"a", "b"})), "<a><b>");
+  EXPECT_EQ(shown(other->optimalDecompositionOf({"a b"})), "<a><b>");
+}
+
+TEST_F(DecomposerTest, HandsOutTheSameListFromTheSecondTimeOn) {
+  const auto decomposer = decomposerWith({"a", "b"});
+  const Words words{"a", "b"};
+  EXPECT_EQ(decomposer->optimalDecompositionOf(words), decomposer->optimalDecompositionOf(words));
+}
+
+TEST_F(DecomposerTest, TheDelegateGoesBeforeAnyRecordingAndIsFinal) {
+  const auto decomposer = decomposerWith({"w", "x_y", "a_b"});
+  const auto delegate = DecomposerDelegate::initWithWholeOverrides(
+      {{"a_b", {"no such file"}}, {"x_y", {"whole"}}}, {{"x_y", {"part"}}});
+  decomposer->setDelegate(delegate);
+  log->clear();
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<no such file>");
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"w", "x", "y"})), "<w><part>");
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"x", "y"})), "<part>")
+      << "a part's answer stands for the whole phrase that comes later";
+  decomposer->setDelegate({});
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<no such file>");
+  EXPECT_EQ(log->lines()[1], "delegateSpecifiedDecomposition: (\n    \"no such file\"\n)");
+}
+
+TEST_F(DecomposerTest, ASplitNeverHasMoreFilesThanWords) {
+  const auto decomposer = decomposerWith({"c", "c_d"});
+  const auto delegate = DecomposerDelegate::initWithWholeOverrides(
+      {}, {{"a", {"1", "2"}}, {"b", {"3", "4", "5"}}, {"d", {}}});
+  decomposer->setDelegate(delegate);
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "cannot be said");
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "c"})), "cannot be said");
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "d"})), "<1><2>");
+}
+
+TEST_F(DecomposerTest, CountsEveryCallOfThePlainRecursion) {
+  const auto decomposer = decomposerWith({"a", "b"});
+  decomposer->_setDebugging(true);
+  log->clear();
+  decomposer->optimalDecompositionOf({"a", "b"}, /*isSubsetOfWhole=*/false);
+  EXPECT_THAT(log->lines(),
+              ElementsAre("Iterations so far: 1", "Iterations so far: 2", "Iterations so far: 3"));
+  decomposer->_setDebugging(false);
+  // 80 different words: one call, and two for every split of every stretch.
+  Words words;
+  for (int i = 0; i < 80; ++i) words.push_back("w" + std::to_string(i));
+  const auto fresh = decomposerWith({});
+  EXPECT_THAT(fresh->optimalDecompositionOf(words), IsNull());
+  EXPECT_EQ(fresh->iterations(), 1 + 80 * (80 * 80 - 1) / 3);
+}
+
+// A delegate may ask the decomposer itself, exchange the delegate and read the counter, all in the
+// middle of a search.
+TEST_F(DecomposerTest, ADelegateMayReenter) {
+  const auto decomposer = decomposerWith({"a", "b", "b_c"});
+  Words questions;
+  std::shared_ptr<DecomposerOverrides> later =
+      std::make_shared<FunctionDelegate>([&](Decomposer& asking, const std::string& key, bool) {
+        questions.push_back("later " + key + " " + std::to_string(asking.iterations()));
+        return Decomposition();
+      });
+  std::shared_ptr<DecomposerOverrides> first = std::make_shared<FunctionDelegate>(
+      [&](Decomposer& asking, const std::string& key, bool isSubsetOfWhole) {
+        questions.push_back("first " + key + " " + std::to_string(asking.iterations()));
+        if (key != "b_c" || !isSubsetOfWhole) return Decomposition();
+        EXPECT_EQ(shown(asking.optimalDecompositionOf({"b", "c"})), "<b_c>");
+        asking.setDelegate(later);
+        first.reset();  // the one being asked stays alive until it has answered
+        return list({"x", "y"});
+      });
+  decomposer->setDelegate(first);
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b", "c"})), "<a><x><y>")
+      << "the later answer replaces the one that the inner question left";
+  EXPECT_THAT(questions, ElementsAre("first a_b_c 1", "first a 2", "first b_c 3", "first b_c 4",
+                                     "later a_b 5", "later b 7", "later c 8"));
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"b", "c"})), "<x><y>");
+}
+
+TEST_F(DecomposerTest, ADelegateThatThrowsLeavesNoAnswerBehind) {
+  const auto decomposer = decomposerWith({"a", "b"});
+  const auto delegate = std::make_shared<FunctionDelegate>(
+      [](Decomposer&, const std::string& key, bool) -> Decomposition {
+        if (key == "b") throw std::runtime_error("no");
+        return nullptr;
+      });
+  decomposer->setDelegate(delegate);
+  EXPECT_THROW(decomposer->optimalDecompositionOf({"a", "b"}), std::runtime_error);
+  EXPECT_THAT(decomposer->_cache(), UnorderedElementsAre(Pair("a", Pointee(ElementsAre("a")))));
+  decomposer->setDelegate({});
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<a><b>");
+}
+
+TEST_F(DecomposerTest, LongPhrasesNeedNoDeepStack) {
+  Words words(700, "w");
+  words.push_back("end");
+  const auto decomposer = decomposerWith({"w", "w_w_w_w_w_w_w", "end"});
+  const Decomposition files = decomposer->optimalDecompositionOf(words);
+  ASSERT_TRUE(files);
+  EXPECT_EQ(files->size(), 101u);
+  EXPECT_EQ(files->back(), "end");
+}
+
+}  // namespace
+}  // namespace marlune
