@@ -1,4 +1,5 @@
 # What the scripts share. Sourced from the project's root folder, never run.
+# shellcheck shell=bash disable=SC2034  # each script uses its own part
 
 # Packages by purpose, as Debian 12 names them.
 readonly build_packages=(g++ cmake ninja-build pkg-config libexpat1-dev libsndfile1-dev libsoxr-dev
@@ -12,7 +13,8 @@ readonly check_packages=(clang-format clang-tidy)
 jobs=$(nproc)
 readonly jobs
 
-say() { printf '%s\n' "$*"; }
+# Says each argument on a line of its own.
+say() { printf '%s\n' "$@"; }
 
 # Ends the script with a sentence.
 stop() {
@@ -37,7 +39,7 @@ apt_get() {
 # there does not lead to the packages: none yet, or too old.
 need() {
   local missing=() package
-  command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
+  { command -v dpkg-query && command -v apt-get; } >/dev/null ||
     stop "This is no Debian system; install what answers to these packages, then build with CMake: $*"
   for package in "$@"; do is_installed "$package" || missing+=("$package"); done
   [[ ${#missing[@]} == 0 ]] && return
@@ -47,7 +49,7 @@ need() {
   local install=(install --yes --no-install-recommends "${missing[@]}")
   apt_get "${install[@]}" >/dev/null 2>&1 && return
   say "Fetching the package lists first"
-  apt_get update >/dev/null && apt_get "${install[@]}" >/dev/null ||
+  { apt_get update && apt_get "${install[@]}"; } >/dev/null ||
     stop "apt-get could not install ${missing[*]}; its message stands above."
 }
 

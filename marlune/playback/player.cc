@@ -127,7 +127,7 @@ std::shared_ptr<QueuePlayer> Player::__sharedPlayQueue() {
   if (state.sharedPlayQueue) return state.sharedPlayQueue;
   trace("%s creating a new queue player", "__sharedPlayQueue");
   const auto& makeQueuePlayer = Platform::shared().makeQueuePlayer;
-  const auto queue = makeQueuePlayer ? makeQueuePlayer() : nullptr;
+  auto queue = makeQueuePlayer ? makeQueuePlayer() : nullptr;
   if (!queue) return nullptr;
   state.sharedPlayQueue = queue;
   queue->setAllowsExternalPlayback(false);

@@ -189,7 +189,7 @@ TEST(PlistXmlTest, NestsToItsBoundOnASmallStackAndRefusesMore) {
     EXPECT_EQ(read(nested(257)).error,
               "line 1, column 4616: expected at most 256 levels of dictionaries and arrays, found "
               "more");
-    for (const std::size_t levels : {100'000, 1'000'000}) {
+    for (const std::size_t levels : {100'000u, 1'000'000u}) {
       EXPECT_EQ(read("<plist>" + repeated("<array>", levels)).error,
                 "line 1, column 1800: expected at most 256 levels of dictionaries and arrays, "
                 "found more");

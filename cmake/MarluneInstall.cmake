@@ -1,0 +1,65 @@
+# What `cmake --install` puts down: libraries, headers, the CMake package, pkg-config files, the
+# tool. Components: runtime, development, tool.
+
+include(CMakePackageConfigHelpers)
+
+set(MARLUNE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/marlune)
+
+# marlune_install_library(target export-set): the library and its CMake targets, in a file of its
+# own, so that an app without the desktop never needs to find what the desktop needs.
+function(marlune_install_library target export)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+  install(TARGETS ${target} EXPORT ${export}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(EXPORT ${export} NAMESPACE marlune::
+    DESTINATION ${MARLUNE_CMAKE_DIR} COMPONENT development)
+endfunction()
+
+function(marlune_install_headers)
+  install(DIRECTORY ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/marlune
+    COMPONENT development FILES_MATCHING PATTERN "*.h")
+endfunction()
+
+function(marlune_install_pkgconfig file)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${file}.in ${PROJECT_BINARY_DIR}/${file} @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${file}
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endfunction()
+
+set(source ${PROJECT_SOURCE_DIR}/marlune)
+marlune_install_library(marlune marluneTargets)
+marlune_install_headers(${source}/platform ${source}/util ${source}/grammar ${source}/decompose
+  ${source}/playback)
+marlune_install_pkgconfig(marlune.pc)
+
+if(MARLUNE_DESKTOP)
+  # What a static marlune::desktop makes its user link, beside expat: names of pkg-config, whose
+  # imported targets are these in capitals.
+  set(MARLUNE_DESKTOP_PKGCONFIG sndfile soxr)
+  list(JOIN MARLUNE_DESKTOP_PKGCONFIG " " MARLUNE_DESKTOP_PKGCONFIG)
+  # Not "Requires.private" for a static library: `pkg-config --static` would go on to what the
+  # system's own libraries need for static linking, which is seldom installed.
+  set(MARLUNE_DESKTOP_REQUIRES "marlune = ${PROJECT_VERSION}")
+  if(NOT BUILD_SHARED_LIBS)
+    string(APPEND MARLUNE_DESKTOP_REQUIRES ", expat ${MARLUNE_DESKTOP_PKGCONFIG}")
+  endif()
+  marlune_install_library(marlune_desktop marluneDesktopTargets)
+  marlune_install_headers(${source}/desktop)
+  marlune_install_pkgconfig(marlune-desktop.pc)
+endif()
+
+if(TARGET marlune_tool)
+  file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(marlune_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  install(TARGETS marlune_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+endif()
+
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/marluneConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/marluneConfig.cmake INSTALL_DESTINATION ${MARLUNE_CMAKE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/marluneConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/marluneConfig.cmake
+  ${PROJECT_BINARY_DIR}/marluneConfigVersion.cmake
+  DESTINATION ${MARLUNE_CMAKE_DIR} COMPONENT development)
