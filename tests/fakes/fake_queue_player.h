@@ -33,8 +33,11 @@ class FakeQueuePlayer : public QueuePlayer {
   // As when the media service dies.
   void fail() {
     _status = Status::failed;
-    _notify(kStatusKeyPath);
+    _notify(kStatusKeyPath, _observations);
   }
+
+  // As when a notification was under way while its observer was removed.
+  void notifyLate(std::string_view keyPath) { _notify(keyPath, _formerObservations); }
 
   bool refusesItems = false;
   bool allowsExternalPlayback = true;
@@ -50,7 +53,7 @@ class FakeQueuePlayer : public QueuePlayer {
     static_cast<FakePlayerItem&>(*item).isQueued = true;
     const auto place = _find(after);
     _items.insert(place == _items.end() ? place : place + 1, std::move(item));
-    if (_items.size() == 1) _notify(kCurrentItemKeyPath);
+    if (_items.size() == 1) _notify(kCurrentItemKeyPath, _observations);
   }
 
   void play() override {
@@ -74,9 +77,12 @@ class FakeQueuePlayer : public QueuePlayer {
     if (options & kInitialValue) observer->observeValueForKeyPath(keyPath, shared_from_this());
   }
   void removeObserver(QueuePlayerObserver* observer, std::string_view keyPath) override {
-    std::erase_if(_observations, [&](const Observation& each) {
-      return each.observer == observer && each.keyPath == keyPath;
-    });
+    const auto kept = std::stable_partition(
+        _observations.begin(), _observations.end(), [&](const Observation& each) {
+          return each.observer != observer || each.keyPath != keyPath;
+        });
+    _formerObservations.insert(_formerObservations.end(), kept, _observations.end());
+    _observations.erase(kept, _observations.end());
   }
 
  private:
@@ -98,12 +104,12 @@ class FakeQueuePlayer : public QueuePlayer {
       static_cast<FakePlayerItem&>(**each).isQueued = false;
     }
     _items.erase(first, last);
-    _notify(kCurrentItemKeyPath);
+    _notify(kCurrentItemKeyPath, _observations);
   }
 
-  void _notify(std::string_view keyPath) {
+  // By value: an observer may remove itself.
+  void _notify(std::string_view keyPath, const std::vector<Observation> observations) {
     const auto self = shared_from_this();
-    const auto observations = _observations;  // an observer may remove itself
     for (const auto& each : observations) {
       if (each.keyPath == keyPath && (each.options & kNewValue)) {
         each.observer->observeValueForKeyPath(keyPath, self);
@@ -112,7 +118,7 @@ class FakeQueuePlayer : public QueuePlayer {
   }
 
   Items _items;
-  std::vector<Observation> _observations;
+  std::vector<Observation> _observations, _formerObservations;
   float _rate = 0;
   Status _status = Status::unknown;
 };

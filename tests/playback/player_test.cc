@@ -290,9 +290,7 @@ TEST_F(PlayerTest, ADeadQueueIsReplacedOnceAndItsFilesAreDropped) {
   dead->fail();
   EXPECT_EQ(queues.size(), 1u) << "the status is dealt with later, not in the notification";
   mainThread->runPending();
-  dead->fail();  // says it again, and is nobody any more
-  dead->finishCurrentItem();
-  mainThread->runPending();
+  mainThread->runPending();  // the new queue has told its status
   EXPECT_THAT(log->lines(), ElementsAre("__nts_queuePlayerStatusChanged detected that the media "
                                         "service died. Creating a new shared instance of the play "
                                         "queue."));
@@ -307,6 +305,21 @@ TEST_F(PlayerTest, ADeadQueueIsReplacedOnceAndItsFilesAreDropped) {
   EXPECT_TRUE(player->isPlaying());
   queue().finishCurrentItem();
   EXPECT_FALSE(session->isActive);
+}
+
+TEST_F(PlayerTest, WhatADeadQueueStillSaysIsIgnored) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  const auto dead = queues.back();
+  dead->fail();
+  dead->fail();  // both arrive; the first replaces the queue
+  mainThread->runPending();
+  EXPECT_EQ(queues.size(), 2u);
+  player->playSoundFilesInSequence(Names{"two"});
+  dead->finishCurrentItem();
+  dead->notifyLate(QueuePlayer::kCurrentItemKeyPath);
+  EXPECT_EQ(dead->rate(), 1);
+  EXPECT_EQ(session->history, "+");
 }
 
 TEST_F(PlayerTest, AStatusThatArrivesAfterItsQueueHasGoneIsIgnored) {
