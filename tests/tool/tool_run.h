@@ -1,0 +1,22 @@
+#ifndef MARLUNE_TESTS_TOOL_TOOL_RUN_H_
+#define MARLUNE_TESTS_TOOL_TOOL_RUN_H_
+
+#include <string>
+#include <vector>
+
+namespace marlune {
+
+// What came of one run of the program.
+struct ToolRun {
+  int status = -1;  // the exit status; 128 + n when signal n ended it
+  std::string out;
+  std::string err;
+};
+
+// Runs the built `marlune` with these arguments and this standard input, without a shell, and
+// waits for its end.
+ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "");
+
+}  // namespace marlune
+
+#endif  // MARLUNE_TESTS_TOOL_TOOL_RUN_H_

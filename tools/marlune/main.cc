@@ -1,0 +1,53 @@
+// The program `marlune`: rewrites phrases, decomposes them into recordings, says them.
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <exception>
+#include <iostream>
+
+#include "tools/marlune/decompose_command.h"
+#include "tools/marlune/exit_status.h"
+#include "tools/marlune/report.h"
+
+namespace marlune::tool {
+
+namespace {
+
+constexpr const char* kFooter =
+    "Each phrase is answered with a line. One that cannot be rewritten or said gives an empty "
+    "line,\n"
+    "and standard error tells why.\n"
+    "Exit status: 0 all could be said, 1 some could not, 2 bad usage or unreadable input.";
+
+int run(int argc, char** argv) {
+  CLI::App program("Speaks phrases from recordings.", "marlune");
+  program.footer(kFooter);
+  program.require_subcommand(0, 1);
+  program.set_version_flag("--version", "marlune " MARLUNE_VERSION);
+  ExitStatus status = kEverythingSaid;
+  addDecomposeCommand(program, status);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return program.exit(error) == 0 ? kEverythingSaid : kUnusable;
+  }
+  if (program.get_subcommands().empty()) {
+    complain("a command is needed; --help lists them");
+    return kUnusable;
+  }
+  return status;
+}
+
+}  // namespace
+
+}  // namespace marlune::tool
+
+int main(int argc, char** argv) {
+  try {
+    return marlune::tool::run(argc, argv);
+  } catch (const std::exception& error) {
+    marlune::tool::complain(error.what());
+    return marlune::tool::kUnusable;
+  }
+}

@@ -1,0 +1,48 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_PHRASE_INPUT_H_
+#define MARLUNE_TOOLS_MARLUNE_PHRASE_INPUT_H_
+
+#include <cstddef>
+#include <istream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace marlune::tool {
+
+using Words = std::vector<std::string>;
+
+// A phrase to work on, and where it came from.
+struct Phrase {
+  std::string text;  // as given, for messages
+  Words words;
+  std::size_t line = 0;  // in standard input, from 1; 0 for an argument
+};
+
+// The phrases of a run, one after the other: the arguments, one phrase each, or without any the
+// lines of a stream, each read only when it is asked for.
+class PhraseInput {
+ public:
+  // `lines` is used while there are no arguments, and must outlive this.
+  PhraseInput(std::vector<std::string> arguments, std::istream& lines)
+      : _arguments(std::move(arguments)), _lines(lines) {}
+
+  // The next phrase; nothing at the end. An empty line is a phrase without words.
+  std::optional<Phrase> next();
+
+ private:
+  std::vector<std::string> _arguments;
+  std::istream& _lines;
+  std::size_t _count = 0;
+};
+
+// The words of a line: what stands between blanks and tabs. A carriage return counts as a blank,
+// so that files from other systems can be piped in.
+Words wordsOf(std::string_view line);
+
+// The words of a phrase, or file names, with one blank between them.
+std::string joined(const Words& words);
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_PHRASE_INPUT_H_

@@ -1,0 +1,22 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_REPORT_H_
+#define MARLUNE_TOOLS_MARLUNE_REPORT_H_
+
+#include <string>
+#include <string_view>
+
+#include "tools/marlune/phrase_input.h"
+
+namespace marlune::tool {
+
+// Writes "marlune: <sentence>" and a line feed to standard error.
+void complain(std::string_view sentence);
+
+// Says why a phrase came to nothing, with its text and its line in standard input.
+void complainAbout(const Phrase& phrase, std::string_view reason);
+
+// Names in a row, in quotes: "one", "two".
+std::string quoted(const Words& names);
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_REPORT_H_

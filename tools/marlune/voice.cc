@@ -1,0 +1,91 @@
+#include "tools/marlune/voice.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <system_error>
+
+#include "tools/marlune/input_error.h"
+#include "tools/marlune/overrides_file.h"
+#include "tools/marlune/report.h"
+
+namespace marlune::tool {
+
+namespace {
+
+// Words in the longest recording that a message takes into account.
+constexpr std::size_t kLongestPart = 10;
+
+void requireFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::directory_iterator entries(folder, error);
+  if (error) throw InputError(folder + ": " + error.message());
+}
+
+}  // namespace
+
+Voice::Voice(const std::string& folder, const std::string& overridesPath)
+    : _bundle(std::make_shared<FolderBundle>(folder)) {
+  requireFolder(folder);
+  _decomposer = Decomposer::initWithDirectory("", _bundle);
+  if (_decomposer->availableSoundFiles().empty()) {
+    throw InputError(folder + ": there is no recording (a file *.aif) in this folder");
+  }
+  if (overridesPath.empty()) return;
+  const Overrides overrides = readOverridesFile(overridesPath);
+  _overrides = DecomposerDelegate::initWithWholeOverrides(overrides.whole, overrides.parts);
+  _decomposer->setDelegate(_overrides);
+}
+
+Voice::Answer Voice::filesFor(const Words& words) {
+  const std::shared_ptr<const Words> files = _decomposer->optimalDecompositionOf(words);
+  if (!files) return {nullptr, _reasonAgainst(words)};
+  // Only an override can name what is not there: the search chooses among the files.
+  const Words missing = _overrides ? _missingAmong(*files) : Words();
+  if (!missing.empty()) {
+    return {nullptr, "the overrides name recordings that do not exist: " + quoted(missing)};
+  }
+  return {files, ""};
+}
+
+std::string Voice::_reasonAgainst(const Words& words) {
+  if (words.empty()) return "there is nothing to say";
+  Words missing, dependent;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (_canSay(words, i, i + 1)) continue;
+    Words& names = _isCovered(words, i) ? dependent : missing;
+    if (std::find(names.begin(), names.end(), words[i]) == names.end()) names.push_back(words[i]);
+  }
+  if (!missing.empty()) return "no recording of " + quoted(missing);
+  if (!dependent.empty()) return "no recording of its own for " + quoted(dependent);
+  return "the overrides take more recordings than there are words";
+}
+
+bool Voice::_canSay(const Words& words, std::size_t from, std::size_t to) {
+  // Remembered from the search that failed, so this asks no override anew.
+  const auto start = words.begin();
+  const Words part(start + static_cast<std::ptrdiff_t>(from),
+                   start + static_cast<std::ptrdiff_t>(to));
+  return _decomposer->optimalDecompositionOf(part, /*isSubsetOfWhole=*/true) != nullptr;
+}
+
+bool Voice::_isCovered(const Words& words, std::size_t index) {
+  const std::size_t first = index < kLongestPart ? 0 : index - kLongestPart + 1;
+  for (std::size_t from = first; from <= index; ++from) {
+    const std::size_t last = std::min(words.size(), from + kLongestPart);
+    for (std::size_t to = index + 1; to <= last; ++to) {
+      if (_canSay(words, from, to)) return true;
+    }
+  }
+  return false;
+}
+
+Words Voice::_missingAmong(const Words& files) const {
+  Words missing;
+  for (const std::string& name : files) {
+    if (!_bundle->pathForResource(name, "aif", "")) missing.push_back(name);
+  }
+  return missing;
+}
+
+}  // namespace marlune::tool

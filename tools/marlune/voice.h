@@ -1,0 +1,44 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_VOICE_H_
+#define MARLUNE_TOOLS_MARLUNE_VOICE_H_
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "marlune/decompose/decomposer.h"
+#include "marlune/decompose/decomposer_delegate.h"
+#include "marlune/desktop/services/folder_bundle.h"
+#include "tools/marlune/phrase_input.h"
+
+namespace marlune::tool {
+
+// The recordings in a folder, with or without an overrides file: which of them say a phrase, and
+// if none do, why not.
+class Voice {
+ public:
+  // Throws InputError when the folder cannot be read or holds no recording, or when the overrides
+  // make no sense. An empty `overridesPath` is no overrides.
+  Voice(const std::string& folder, const std::string& overridesPath);
+
+  struct Answer {
+    std::shared_ptr<const Words> files;  // nullptr: the phrase cannot be said
+    std::string reason;                  // then why: the words without a recording
+  };
+  Answer filesFor(const Words& words);
+
+  const std::shared_ptr<const FolderBundle>& bundle() const { return _bundle; }
+
+ private:
+  std::string _reasonAgainst(const Words& words);
+  bool _canSay(const Words& words, std::size_t from, std::size_t to);  // the words [from, to)
+  bool _isCovered(const Words& words, std::size_t index);  // as a part of a longer recording
+  Words _missingAmong(const Words& files) const;
+
+  std::shared_ptr<const FolderBundle> _bundle;
+  std::unique_ptr<Decomposer> _decomposer;
+  std::shared_ptr<DecomposerDelegate> _overrides;
+};
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_VOICE_H_
