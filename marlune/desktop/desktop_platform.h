@@ -1,0 +1,28 @@
+#ifndef MARLUNE_DESKTOP_DESKTOP_PLATFORM_H_
+#define MARLUNE_DESKTOP_DESKTOP_PLATFORM_H_
+
+#include <memory>
+#include <string>
+
+#include "marlune/platform/system_log.h"
+
+namespace marlune {
+
+// What an app may choose about the services of a desktop.
+struct DesktopOptions {
+  // The app's own preferences domain, its reverse-DNS identifier.
+  std::string preferencesDomain = "marlune";
+  // Where preferences are kept; empty: the marlune folder in the user's configuration folder.
+  std::string preferencesFolder;
+  // Where lines go; null: to standard error, or where they went before.
+  std::shared_ptr<SystemLog> systemLog;
+};
+
+// Fills the process's table of services (Platform::shared) with those of a Linux desktop. A service
+// that the app has put there before stays, unless an option names another. Call it once, at start,
+// from the main thread. Opens no device and reads no file.
+void installDesktopServices(const DesktopOptions& options = {});
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_DESKTOP_PLATFORM_H_

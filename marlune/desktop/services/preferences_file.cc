@@ -1,0 +1,169 @@
+#include "marlune/desktop/services/preferences_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "marlune/desktop/plist/property_list_error.h"
+#include "marlune/desktop/plist/property_list_file.h"
+#include "marlune/desktop/plist/regular_file.h"
+#include "marlune/desktop/plist/xml_list_writer.h"
+#include "marlune/platform/quiet_write.h"
+
+namespace marlune {
+
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::steady_clock;
+
+// A change takes milliseconds. Who holds the lock longer hangs, and must not take us along.
+constexpr std::chrono::seconds kLockPatience{2};
+constexpr std::chrono::milliseconds kLockPause{5};
+
+[[noreturn]] void fail(std::string_view doing, const std::string& path) {
+  throw std::system_error(errno, std::generic_category(),
+                          "cannot " + std::string(doing) + ' ' + path);
+}
+
+class Descriptor {
+ public:
+  Descriptor(const std::string& path, int flags, mode_t mode = 0)
+      : _descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, mode)) {
+    if (_descriptor < 0) fail("open", path);
+  }
+  ~Descriptor() { ::close(_descriptor); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  operator int() const { return _descriptor; }
+
+ private:
+  int _descriptor;
+};
+
+// Closing the descriptor lets go of the lock. The file stays: taking it away would let two
+// processes hold the locks of two files of one name.
+void lock(const Descriptor& file, const std::string& path) {
+  const auto end = steady_clock::now() + kLockPatience;
+  while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR) fail("lock", path);
+    if (steady_clock::now() >= end) {
+      throw std::runtime_error("cannot lock " + path + ": another process holds it");
+    }
+    std::this_thread::sleep_for(kLockPause);
+  }
+}
+
+// The file that `path` stands for: where a link points to, if it does.
+std::string resolved(const std::string& path) {
+  std::error_code error;
+  const fs::path target = fs::canonical(path, error);
+  return error ? path : target.string();
+}
+
+void writeWhole(const std::string& path, std::string_view bytes, mode_t mode) {
+  const Descriptor file(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, mode);
+  if (::fchmod(file, mode) != 0) fail("write", path);
+  while (!bytes.empty()) {
+    const ssize_t written = quietWrite(file, bytes);
+    if (written <= 0) fail("write", path);
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  if (::fsync(file) != 0) fail("write", path);
+}
+
+// Makes the renaming itself outlast a power cut. Not every file system can; nothing is lost then.
+void syncFolderOf(const std::string& path) {
+  const std::string folder = fs::path(path).parent_path();
+  const Descriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
+  ::fsync(descriptor);
+}
+
+bool exists(const std::string& path) {
+  struct stat status;
+  return ::stat(path.c_str(), &status) == 0 || errno != ENOENT;
+}
+
+}  // namespace
+
+PreferencesFile::PreferencesFile(std::string folder, std::string_view domain)
+    : _folder(std::move(folder)),
+      _path(_folder + '/' + std::string(domain) + ".plist"),
+      _lockPath(_folder + "/." + std::string(domain) + ".lock") {}
+
+PreferencesFile::Content PreferencesFile::read() const {
+  if (!exists(_path)) return {std::make_shared<Dictionary>(), false, ""};
+  std::string bytes;
+  try {
+    bytes = contentOfRegularFile(_path);
+  } catch (const PropertyListError& error) {
+    return {nullptr, false, "cannot read " + _path + ": " + error.message};
+  }
+  const auto [root, problem] = PropertyListFile().readBytes(bytes, _path);
+  if (root.isAbsent()) return {nullptr, true, problem};
+  if (root.asDictionary()) return {root.asDictionary(), false, ""};
+  return {nullptr, true,
+          _path + ": expected a dictionary, found a " + std::string(root.kindName())};
+}
+
+std::shared_ptr<Dictionary> PreferencesFile::update(const std::function<void(Dictionary&)>& change,
+                                                    const Dictionary& lastKnown,
+                                                    std::vector<std::string>& lines) const {
+  fs::create_directories(_folder);
+  const Descriptor lockFile(_lockPath, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+  lock(lockFile, _lockPath);
+  Content content = read();
+  if (!content.values) {
+    if (!content.isDamaged) throw std::runtime_error(content.problem);
+    lines.push_back(content.problem + " (kept as " + _keepAside() + ')');
+    content.values = lastKnown.oneLevelCopy();
+  }
+  change(*content.values);
+  _replace(*content.values);
+  return content.values;
+}
+
+// Gives the file a second name, so that replacing it leaves it there; that name.
+std::string PreferencesFile::_keepAside() const {
+  constexpr int kMostNames = 1000;
+  for (int n = 1; n <= kMostNames; ++n) {
+    const std::string name = _path + ".damaged-" + std::to_string(n);
+    if (::link(_path.c_str(), name.c_str()) == 0) return name;
+    if (errno != EEXIST) break;
+  }
+  fail("keep a copy of", _path);
+}
+
+void PreferencesFile::_replace(const Dictionary& values) const {
+  const std::optional<std::string> xml =
+      writePropertyListXml(Value::dictionary(values.oneLevelCopy()));
+  if (!xml) throw std::runtime_error("cannot write " + _path + ": it would nest too deeply");
+  const std::string target = resolved(_path);
+  const fs::path targetPath(target);
+  const std::string draft =
+      targetPath.parent_path() / ('.' + targetPath.filename().string() + ".new");
+  struct stat former;
+  const mode_t mode = ::stat(target.c_str(), &former) == 0 ? former.st_mode & 0777 : 0600;
+  try {
+    writeWhole(draft, *xml, mode);
+    if (::rename(draft.c_str(), target.c_str()) != 0) fail("replace", target);
+  } catch (...) {
+    ::unlink(draft.c_str());
+    throw;
+  }
+  syncFolderOf(target);
+}
+
+}  // namespace marlune
