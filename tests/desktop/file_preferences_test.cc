@@ -23,7 +23,8 @@ namespace fs = std::filesystem;
 class TemporaryFolder {
  public:
   ~TemporaryFolder() { fs::remove_all(_path); }
-  std::string path(std::string_view name = "") const { return _path / name; }
+  std::string path() const { return _path; }
+  std::string path(std::string_view name) const { return _path / name; }
 
   // The names in it, hidden ones left out unless they begin with `hidden`.
   std::vector<std::string> names(std::string_view hidden = "..") const {
@@ -244,7 +245,9 @@ TEST_F(FilePreferencesTest, ContainersAreCopiedInAndOut) {
 TEST_F(FilePreferencesTest, ALogThatAsksForAPreferenceDoesNotHang) {
   class AskingLog : public SystemLog {
    public:
-    void write(std::string_view) noexcept override { asked += preferences->synchronize("") ? 1 : 2; }
+    void write(std::string_view) noexcept override {
+      asked += preferences->synchronize("") ? 1 : 2;
+    }
     FilePreferences* preferences = nullptr;
     int asked = 0;
   };
@@ -296,7 +299,8 @@ TEST_F(FilePreferencesTest, TheDesktopBringsWhatTheTableLacks) {
   EXPECT_EQ(Platform::shared().systemLog, log);
   write("<plist><integer>5</integer></plist>");
   EXPECT_EQ(Platform::shared().propertyListReader->readFile(path()).root.int64(), 5);
-  Platform::shared().preferences->setValueForKey(Value::boolean(true), TQUtilsPacketTraceDefault, "");
+  Platform::shared().preferences->setValueForKey(Value::boolean(true), TQUtilsPacketTraceDefault,
+                                                 "");
   EXPECT_TRUE(Platform::shared().preferences->synchronize(""));
   EXPECT_TRUE(fs::exists(folder.path("own.plist")));
   EXPECT_TRUE(TQUtils::isWantedForDefault(TQUtilsPacketTraceDefault));

@@ -1,77 +1,16 @@
 #include "marlune/desktop/plist/property_list_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <exception>
-#include <system_error>
 
 #include "marlune/desktop/plist/binary_list_parser.h"
 #include "marlune/desktop/plist/property_list_error.h"
 #include "marlune/desktop/plist/property_list_limits.h"
+#include "marlune/desktop/plist/regular_file.h"
 #include "marlune/desktop/plist/xml_list_parser.h"
 
 namespace marlune {
 
 namespace {
-
-class OpenFile {
- public:
-  // Not blocking: opening a FIFO that nobody writes to would wait for ever otherwise.
-  explicit OpenFile(const char* path)
-      : _descriptor(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)) {
-    if (_descriptor < 0) _fail();
-  }
-  ~OpenFile() {
-    if (_descriptor >= 0) ::close(_descriptor);
-  }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-
-  std::string content() const {
-    std::string bytes(_checkedSize(), '\0');
-    std::size_t filled = 0;
-    while (filled < bytes.size()) {
-      const ssize_t got = ::read(_descriptor, bytes.data() + filled, bytes.size() - filled);
-      if (got < 0 && errno != EINTR) _fail();
-      if (got == 0) break;  // it has become shorter meanwhile
-      if (got > 0) filled += static_cast<std::size_t>(got);
-    }
-    bytes.resize(filled);
-    return bytes;
-  }
-
- private:
-  [[noreturn]] static void _fail() {
-    throw PropertyListError{std::generic_category().message(errno)};
-  }
-
-  std::size_t _checkedSize() const {
-    struct stat status;
-    if (::fstat(_descriptor, &status) != 0) _fail();
-    if (!S_ISREG(status.st_mode)) {
-      throw PropertyListError{std::string("expected a regular file, found ") +
-                              _kindOf(status.st_mode)};
-    }
-    if (status.st_size > static_cast<off_t>(kMostPropertyListBytes)) {
-      throw PropertyListError{"expected at most 64 MiB, found " + std::to_string(status.st_size) +
-                              " bytes"};
-    }
-    return static_cast<std::size_t>(status.st_size);
-  }
-
-  static const char* _kindOf(mode_t mode) {
-    if (S_ISDIR(mode)) return "a directory";
-    if (S_ISFIFO(mode)) return "a FIFO";
-    if (S_ISSOCK(mode)) return "a socket";
-    return "a device";
-  }
-
-  int _descriptor;
-};
 
 bool looksLikeXml(std::string_view bytes) {
   // UTF-16 is recognised by its byte order mark; everything else has "<" as its first character.
@@ -122,7 +61,7 @@ PropertyListReader::Result resultOf(std::string_view name, const MakeValue& make
 }  // namespace
 
 PropertyListReader::Result PropertyListFile::readFile(const std::string& path) const noexcept {
-  return resultOf(path, [&] { return valueOfBytes(OpenFile(path.c_str()).content()); });
+  return resultOf(path, [&] { return valueOfBytes(contentOfRegularFile(path)); });
 }
 
 PropertyListReader::Result PropertyListFile::readBytes(std::string_view bytes,
