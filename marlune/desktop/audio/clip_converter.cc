@@ -1,0 +1,165 @@
+#include "marlune/desktop/audio/clip_converter.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace marlune {
+
+namespace {
+
+// At least as long as half of the resampler's filter for every pair of usual rates.
+constexpr int kMinMarginFrames = 512;
+// Beyond this a margin that is a whole number of frames at both rates is not worth its cost.
+constexpr int kMaxMarginFrames = 8'192;
+
+// A number of frames of the clip that is a whole number of frames of the output too, so that
+// cutting the margin off shifts nothing.
+std::size_t marginOf(int fromRate, int toRate) {
+  const int unit = fromRate / std::gcd(fromRate, toRate);
+  if (unit > kMaxMarginFrames) return kMaxMarginFrames;
+  return static_cast<std::size_t>((kMinMarginFrames + unit - 1) / unit * unit);
+}
+
+// frames × toRate / fromRate, rounded to the nearest.
+std::int64_t atRate(std::int64_t frames, int fromRate, int toRate) {
+  return (frames * toRate + fromRate / 2) / fromRate;
+}
+
+// Appends `count` frames that go on beyond the last frame of `tail` (or, backwards, beyond its
+// first) as the sound's own reflection about that frame. Where `tail` is too short for that, the
+// last value reached is held.
+void appendReflection(const std::vector<float>& tail, std::size_t channels, std::size_t count,
+                      bool isAtEnd, std::vector<float>& to) {
+  const std::size_t frames = tail.size() / channels;
+  const std::size_t last = frames - 1;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t distance = std::min(isAtEnd ? i + 1 : count - i, last);
+    const std::size_t pivot = isAtEnd ? last : 0;
+    const std::size_t mirror = isAtEnd ? last - distance : distance;
+    for (std::size_t c = 0; c < channels; ++c) {
+      to.push_back(2 * tail[pivot * channels + c] - tail[mirror * channels + c]);
+    }
+  }
+}
+
+}  // namespace
+
+ClipConverter::ClipConverter(const AudioFormat& from, const AudioFormat& to)
+    : _from(from), _to(to) {
+  if (from.sampleRate == to.sampleRate) return;
+  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+  _resampler.reset(soxr_create(from.sampleRate, to.sampleRate, static_cast<unsigned>(from.channels),
+                               nullptr, nullptr, &quality, nullptr));
+  _margin = marginOf(from.sampleRate, to.sampleRate);
+  _toSkip = atRate(static_cast<std::int64_t>(_margin), from.sampleRate, to.sampleRate);
+}
+
+void ClipConverter::convert(const float* frames, std::size_t count, std::vector<float>& to) {
+  if (!_resampler) {
+    _mapChannels(frames, count, to);
+    return;
+  }
+  _taken += static_cast<std::int64_t>(count);
+  const std::size_t samples = count * _channels();
+  _tail.insert(_tail.end(), frames, frames + samples);
+  const std::size_t keep = (_margin + 1) * _channels();
+  if (_hasBegun) {
+    _resample(frames, count);
+  } else {
+    _head.insert(_head.end(), frames, frames + samples);
+    if (_head.size() >= keep) _beginWith(_head.data(), _head.size() / _channels());
+  }
+  if (_tail.size() > keep) _tail.erase(_tail.begin(), _tail.end() - static_cast<long>(keep));
+  _handOut(/*isWhole=*/false, to);
+}
+
+void ClipConverter::_beginWith(const float* frames, std::size_t count) {
+  std::vector<float> reflected;
+  appendReflection(_head, _channels(), _margin, /*isAtEnd=*/false, reflected);
+  _resample(reflected.data(), _margin);
+  _resample(frames, count);
+  _hasBegun = true;
+}
+
+void ClipConverter::finish(std::vector<float>& to) {
+  if (!_resampler || _taken == 0) return;
+  if (!_hasBegun) _beginWith(_head.data(), _head.size() / _channels());
+  std::vector<float> reflected;
+  appendReflection(_tail, _channels(), _margin, /*isAtEnd=*/true, reflected);
+  _resample(reflected.data(), _margin);
+  _drain();
+  _handOut(/*isWhole=*/true, to);
+}
+
+void ClipConverter::_resample(const float* frames, std::size_t count) {
+  std::size_t done = 0;
+  while (done < count) {
+    const std::size_t former = _resampled.size();
+    const auto room = static_cast<std::size_t>(
+        atRate(static_cast<std::int64_t>(count - done), _from.sampleRate, _to.sampleRate) + 64);
+    _resampled.resize(former + room * _channels());
+    std::size_t in = 0;
+    std::size_t out = 0;
+    const soxr_error_t error =
+        soxr_process(_resampler.get(), frames + done * _channels(), count - done, &in,
+                     _resampled.data() + former, room, &out);
+    _resampled.resize(former + out * _channels());
+    if (error || (in == 0 && out == 0)) return;
+    done += in;
+  }
+}
+
+void ClipConverter::_drain() {
+  constexpr std::size_t kRoom = 4'096;
+  std::size_t out = 0;
+  do {
+    const std::size_t former = _resampled.size();
+    _resampled.resize(former + kRoom * _channels());
+    if (soxr_process(_resampler.get(), nullptr, 0, nullptr, _resampled.data() + former, kRoom,
+                     &out)) {
+      out = 0;
+    }
+    _resampled.resize(former + out * _channels());
+  } while (out > 0);
+}
+
+void ClipConverter::_handOut(bool isWhole, std::vector<float>& to) {
+  auto available = static_cast<std::int64_t>(_resampled.size() / _channels());
+  const std::int64_t skipped = std::min(available, _toSkip);
+  _toSkip -= skipped;
+  available -= skipped;
+  const std::int64_t length = atRate(_taken, _from.sampleRate, _to.sampleRate);
+  const std::int64_t count = std::min(available, length - _handedOut);
+  _mapChannels(_resampled.data() + static_cast<std::size_t>(skipped) * _channels(),
+               static_cast<std::size_t>(count), to);
+  _handedOut += count;
+  if (isWhole) {
+    _resampled.clear();
+    return;
+  }
+  const auto used = static_cast<std::size_t>(skipped + count) * _channels();
+  _resampled.erase(_resampled.begin(), _resampled.begin() + static_cast<long>(used));
+}
+
+// More channels than there are fold onto those that are, each the mean of what falls on it; a
+// single one sounds from the first two, the front left and right.
+void ClipConverter::_mapChannels(const float* frames, std::size_t count,
+                                 std::vector<float>& to) const {
+  const auto from = static_cast<std::size_t>(_from.channels);
+  const auto channels = static_cast<std::size_t>(_to.channels);
+  if (from == channels) {
+    to.insert(to.end(), frames, frames + count * from);
+    return;
+  }
+  for (const float* frame = frames; frame != frames + count * from; frame += from) {
+    for (std::size_t c = 0; c < channels; ++c) {
+      float sum = 0;
+      float parts = 0;
+      for (std::size_t k = c; k < from; k += channels, ++parts) sum += frame[k];
+      if (parts > 0) sum /= parts;
+      to.push_back(from == 1 && c == 1 ? frame[0] : sum);
+    }
+  }
+}
+
+}  // namespace marlune
