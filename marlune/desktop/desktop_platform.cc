@@ -1,5 +1,11 @@
 #include "marlune/desktop/desktop_platform.h"
 
+#include <utility>
+
+#include "marlune/desktop/audio/audio_route.h"
+#include "marlune/desktop/audio/desktop_audio_session.h"
+#include "marlune/desktop/audio/desktop_queue_player.h"
+#include "marlune/desktop/audio/file_player_item.h"
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/services/file_preferences.h"
 #include "marlune/platform/platform.h"
@@ -26,6 +32,16 @@ void installDesktopServices(const DesktopOptions& options) {
   if (!platform.propertyListReader) {
     platform.propertyListReader = std::make_shared<PropertyListFile>();
   }
+}
+
+void installDesktopAudio(std::shared_ptr<AudioOutput> output) {
+  const auto route = std::make_shared<AudioRoute>(std::move(output));
+  Platform& platform = Platform::shared();
+  platform.audioSession = std::make_shared<DesktopAudioSession>(route);
+  platform.makeQueuePlayer = [route] { return DesktopQueuePlayer::overRoute(route); };
+  platform.makePlayerItem = [](const std::string& path) {
+    return std::make_shared<FilePlayerItem>(path);
+  };
 }
 
 }  // namespace marlune

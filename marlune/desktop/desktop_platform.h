@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "marlune/desktop/audio/audio_output.h"
 #include "marlune/platform/system_log.h"
 
 namespace marlune {
@@ -22,6 +23,11 @@ struct DesktopOptions {
 // that the app has put there before stays, unless an option names another. Call it once, at start,
 // from the main thread. Opens no device and reads no file.
 void installDesktopServices(const DesktopOptions& options = {});
+
+// Puts an audio session, a queue player and its items into the table, in the place of those that
+// were there, all playing to `output`: a file (FileOutput), a clock (ClockOutput) or one of the
+// app's own. Before anything plays; opens nothing.
+void installDesktopAudio(std::shared_ptr<AudioOutput> output);
 
 }  // namespace marlune
 

@@ -1,0 +1,42 @@
+#ifndef MARLUNE_DESKTOP_AUDIO_CLIP_DECODER_H_
+#define MARLUNE_DESKTOP_AUDIO_CLIP_DECODER_H_
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "marlune/desktop/audio/clip_converter.h"
+#include "marlune/desktop/audio/recording.h"
+#include "marlune/desktop/audio/sound_block.h"
+
+namespace marlune {
+
+// One recording on its way into blocks of the output's format. Holds a few blocks' worth of sound
+// at a time, however long the recording is.
+class ClipDecoder {
+ public:
+  // Null when the file cannot be played, and then `cause` says why, as a clause.
+  static std::unique_ptr<ClipDecoder> open(const std::string& path, std::string& cause);
+
+  const AudioFormat& clipFormat() const { return _recording->format(); }
+
+  // Fills `block`: its samples, frames, channels and whether it ends the item, which is told with
+  // the last block that holds sound, not with an empty one behind it. `format` is that of the
+  // output and stays the same for all blocks of the clip.
+  void fill(SoundBlock& block, const AudioFormat& format);
+
+ private:
+  explicit ClipDecoder(std::unique_ptr<Recording> recording) : _recording(std::move(recording)) {}
+  void _readMore();
+
+  std::unique_ptr<Recording> _recording;
+  std::unique_ptr<ClipConverter> _converter;
+  std::vector<float> _read;       // as read, in the clip's format
+  std::vector<float> _converted;  // in the output's format, from sample _handedOut on
+  std::size_t _handedOut = 0;
+  bool _isRead = false;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_AUDIO_CLIP_DECODER_H_

@@ -1,0 +1,60 @@
+#ifndef MARLUNE_DESKTOP_AUDIO_CRANKED_OUTPUT_H_
+#define MARLUNE_DESKTOP_AUDIO_CRANKED_OUTPUT_H_
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "marlune/desktop/audio/audio_output.h"
+
+namespace marlune {
+
+// An output cranked by hand: it takes sound when it is told to, and fails when it is told to. For
+// tests, and for programs that mix the sound themselves. All on the thread that opens it, but for
+// what the worker asks.
+class CrankedOutput : public AudioOutput {
+ public:
+  explicit CrankedOutput(AudioFormat format) : _format(format) {}
+
+  // Takes `count` frames and returns their samples; nothing while it is closed.
+  std::vector<float> crank(std::size_t count);
+
+  // Like crank, into `frames`, which has room for them. Allocates nothing. Returns how many were
+  // sound.
+  std::size_t crankInto(float* frames, std::size_t count);
+
+  bool isOpen() const { return _source != nullptr; }
+  int timesOpened() const { return _timesOpened; }
+  const std::string& role() const { return _role; }  // of the last opening
+
+  // What it is to do. A loss lasts until the next opening; a refusal until it is taken back. With
+  // a stall limit of 0 it counts as stalled whenever the worker looks.
+  void lose(std::string reason);
+  void refuse(std::optional<std::string> error) { _refusal = std::move(error); }
+  void setFormat(AudioFormat format) { _format = format; }                // while closed
+  void setLatencyFrames(std::size_t frames) { _latencyFrames = frames; }  // while closed
+  void setStallLimitSeconds(double seconds);
+
+  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  void close() override { _source = nullptr; }
+  AudioFormat formatForClip(const AudioFormat&) override { return _format; }
+  std::size_t latencyFrames() const override { return _latencyFrames; }
+  std::optional<std::string> loss() const override;
+  std::optional<double> stallLimitSeconds() const override;
+
+ private:
+  AudioFormat _format;
+  AudioSource* _source = nullptr;
+  std::string _role;
+  int _timesOpened = 0;
+  std::size_t _latencyFrames = 0;
+  std::optional<std::string> _refusal;
+  mutable std::mutex _mutex;  // for all below, which the worker reads while it is set
+  std::optional<double> _stallLimitSeconds;
+  std::optional<std::string> _loss;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_AUDIO_CRANKED_OUTPUT_H_

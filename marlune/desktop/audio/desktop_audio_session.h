@@ -1,0 +1,39 @@
+#ifndef MARLUNE_DESKTOP_AUDIO_DESKTOP_AUDIO_SESSION_H_
+#define MARLUNE_DESKTOP_AUDIO_DESKTOP_AUDIO_SESSION_H_
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "marlune/desktop/audio/audio_route.h"
+#include "marlune/playback/audio_session.h"
+
+namespace marlune {
+
+// The audio session over a route: active while the route is open.
+class DesktopAudioSession : public AudioSession {
+ public:
+  // `duckingRole` is the role that a sound server is told when others are to be ducked; which
+  // roles it turns others down for is set there (PulseAudio: module-role-ducking trigger_roles=).
+  explicit DesktopAudioSession(std::shared_ptr<AudioRoute> route,
+                               std::string duckingRole = "announce")
+      : _route(std::move(route)), _duckingRole(std::move(duckingRole)) {}
+
+  // Takes effect at the next activation. Playback is the one category there is, and mixing with
+  // others is what a desktop does anyway.
+  Outcome setCategory(std::string_view category, unsigned options) override;
+
+  // Sound is running while the queue has items and a rate other than 0. What is as it should be
+  // already is left so.
+  Outcome setActive(bool active) override;
+
+ private:
+  const std::shared_ptr<AudioRoute> _route;
+  const std::string _duckingRole;
+  unsigned _options = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_AUDIO_DESKTOP_AUDIO_SESSION_H_

@@ -1,0 +1,169 @@
+#include "marlune/desktop/audio/queue_engine.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "marlune/util/tq_utils.h"
+
+namespace marlune {
+
+void QueueEngine::setOwner(std::weak_ptr<QueuePlayer> owner) {
+  const Lock lock(_mutex);
+  _owner = std::move(owner);
+}
+
+// Behind an item that others follow there is room only until the first of those is on its way to
+// the output: once the queue has played, what is sent is not called back.
+bool QueueEngine::canInsert(const PlayerItem* item, const PlayerItem* after) const {
+  const auto* file = dynamic_cast<const FilePlayerItem*>(item);
+  if (!file || file->isQueued()) return false;
+  const Lock lock(_mutex);
+  if (_status == QueuePlayer::Status::failed) return false;
+  const std::size_t position = _positionAfter(after);
+  return position == _items.size() ||
+         (position < _items.size() && (position > _sentItems || !_hasPlayed));
+}
+
+// Past the end when `after` is not here.
+std::size_t QueueEngine::_positionAfter(const PlayerItem* after) const {
+  if (!after) return _items.size();
+  const auto place = std::find_if(_items.begin(), _items.end(),
+                                  [&](const auto& each) { return each.get() == after; });
+  return static_cast<std::size_t>(place - _items.begin()) + 1;
+}
+
+void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) {
+  auto file = std::dynamic_pointer_cast<FilePlayerItem>(std::move(item));
+  file->setQueued(true);
+  const Lock lock(_mutex);
+  if (!_hasPlayed && after) _startOver();
+  // The worker may have moved on since canInsert said yes.
+  const std::size_t position =
+      std::min(std::max(_positionAfter(after), _sentItems + 1), _items.size());
+  _items.insert(_items.begin() + static_cast<long>(position), std::move(file));
+  _setItemsChanged(/*isCurrentItemOther=*/_items.size() == 1);
+  _requestWork();
+}
+
+float QueueEngine::rate() const {
+  const Lock lock(_mutex);
+  return _rate;
+}
+
+void QueueEngine::setRate(float rate) {
+  if (!std::isfinite(rate)) rate = 0;
+  if (rate != 0) _route->enter(*this);
+  const Lock lock(_mutex);
+  if (_status == QueuePlayer::Status::failed) return;
+  _rate = rate;
+  _hasPlayed |= rate != 0;
+  _line.setRunning(rate != 0);
+  _requestWork();
+}
+
+void QueueEngine::removeAllItems() {
+  const Lock lock(_mutex);
+  _dropAllItems();
+  _requestWork();
+}
+
+void QueueEngine::_dropAllItems() {
+  const bool hadItems = !_items.empty();
+  for (const auto& item : _items) item->setQueued(false);
+  _items.clear();
+  _hasPlayed = _rate != 0;
+  _startOver();
+  _setItemsChanged(/*isCurrentItemOther=*/hadItems);
+}
+
+// What was sent is unwanted.
+void QueueEngine::_startOver() {
+  _sentItems = 0;
+  _line.setGeneration(++_generation);
+}
+
+void QueueEngine::_setItemsChanged(bool isCurrentItemOther) {
+  _line.setOwed(_items.size() - _sentItems);
+  if (isCurrentItemOther) _changes.push_back(QueuePlayer::kCurrentItemKeyPath);
+}
+
+std::vector<std::shared_ptr<PlayerItem>> QueueEngine::items() const {
+  const Lock lock(_mutex);
+  return {_items.begin(), _items.end()};
+}
+
+QueuePlayer::Status QueueEngine::status() const {
+  const Lock lock(_mutex);
+  return _status;
+}
+
+bool QueueEngine::isSounding() const {
+  const Lock lock(_mutex);
+  return _isSounding();
+}
+
+void QueueEngine::addObserver(QueuePlayerObserver* observer, std::string_view keyPath,
+                              unsigned options) {
+  std::shared_ptr<QueuePlayer> owner;
+  {
+    const Lock lock(_mutex);
+    _observations.push_back({observer, std::string(keyPath), options});
+    owner = _owner.lock();
+  }
+  if (options & QueuePlayer::kInitialValue) observer->observeValueForKeyPath(keyPath, owner);
+}
+
+void QueueEngine::removeObserver(QueuePlayerObserver* observer, std::string_view keyPath) {
+  const Lock lock(_mutex);
+  std::erase_if(_observations, [&](const Observation& each) {
+    return each.observer == observer && each.keyPath == keyPath;
+  });
+}
+
+void QueueEngine::rendered() {
+  const Lock lock(_mutex);
+  _requestWork();
+}
+
+void QueueEngine::_requestWork() {
+  _hasRequest = true;
+  if (_isStopping) return;
+  if (!_worker.joinable()) {
+    _worker = std::thread([self = shared_from_this()] { self->_run(); });
+  }
+  _wake.notify_one();
+}
+
+void QueueEngine::waitUntilSettled() {
+  Lock lock(_mutex);
+  if (!_worker.joinable()) return;
+  _settled.wait(lock, [this] { return (_isSettled && !_hasRequest) || _isStopping; });
+}
+
+void QueueEngine::stop() {
+  _route->leave(*this);
+  std::size_t dropped = 0;
+  {
+    const Lock lock(_mutex);
+    _isStopping = true;
+    dropped = _items.size();
+    for (const auto& item : _items) item->setQueued(false);
+    _items.clear();
+    _wake.notify_one();
+    _settled.notify_all();
+  }
+  if (dropped > 0) {
+    TQUtils::log("A queue of sound files has ended: %lu of them were dropped.", dropped);
+  }
+  if (!_worker.joinable()) return;
+  // The worker itself comes here when the last share of the player was the one that it held while
+  // it told an observer. It returns from _run soon, and holds a share of this engine until then.
+  if (_worker.get_id() == std::this_thread::get_id()) {
+    _worker.detach();
+  } else {
+    _worker.join();
+  }
+}
+
+}  // namespace marlune

@@ -1,0 +1,134 @@
+#ifndef MARLUNE_DESKTOP_AUDIO_QUEUE_ENGINE_H_
+#define MARLUNE_DESKTOP_AUDIO_QUEUE_ENGINE_H_
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "marlune/desktop/audio/audio_route.h"
+#include "marlune/desktop/audio/clip_decoder.h"
+#include "marlune/desktop/audio/file_player_item.h"
+#include "marlune/desktop/audio/render_line.h"
+#include "marlune/playback/queue_player.h"
+
+namespace marlune {
+
+// What a DesktopQueuePlayer is made of, apart from it because the engine's worker can outlive the
+// player: the items, the observers, and the worker, which decodes ahead of the output, notices
+// what was heard, watches the output and tells the observers.
+//
+// Three parties meet here. The control side is the main thread; the worker and it share what
+// stands under the lock; the output's callback (render) shares only the RenderLine with the
+// worker. No lock is held while an observer is told or the route is asked.
+class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueEngine> {
+ public:
+  explicit QueueEngine(std::shared_ptr<AudioRoute> route) : _route(std::move(route)) {}
+  ~QueueEngine() override = default;
+
+  // The control side; see QueuePlayer.
+  void setOwner(std::weak_ptr<QueuePlayer> owner);
+  bool canInsert(const PlayerItem* item, const PlayerItem* after) const;
+  void insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after);
+  float rate() const;
+  void setRate(float rate);
+  void removeAllItems();
+  std::vector<std::shared_ptr<PlayerItem>> items() const;
+  QueuePlayer::Status status() const;
+  void addObserver(QueuePlayerObserver* observer, std::string_view keyPath, unsigned options);
+  void removeObserver(QueuePlayerObserver* observer, std::string_view keyPath);
+  void waitUntilSettled();
+
+  // Ends it all; nothing may be called after it. Any thread, also the worker itself.
+  void stop();
+
+  bool isSounding() const override;
+  std::size_t render(float* frames, std::size_t count, int channels) noexcept override {
+    return _line.render(frames, count, channels);
+  }
+  void rendered() override;
+
+ private:
+  using Lock = std::unique_lock<std::mutex>;
+  using Clock = std::chrono::steady_clock;
+
+  struct Observation {
+    QueuePlayerObserver* observer;
+    std::string keyPath;
+    unsigned options;
+    bool operator==(const Observation&) const = default;
+  };
+  // A recording whose last frame has been taken.
+  struct Ending {
+    std::uint32_t generation;
+    std::uint64_t takenAt;  // in frames taken by the output
+  };
+
+  // With the lock held.
+  void _requestWork();
+  std::size_t _positionAfter(const PlayerItem* after) const;
+  bool _isSounding() const { return _rate != 0 && !_items.empty(); }
+  void _setItemsChanged(bool isCurrentItemOther);
+  void _dropAllItems();
+  void _startOver();
+
+  // The worker.
+  void _run();
+  bool _step();
+  void _collectReturned();
+  bool _endHeardItems(const std::optional<AudioRoute::State>& state);
+  void _followOpening(const AudioRoute::State& state);
+  bool _watch(const std::optional<AudioRoute::State>& state);
+  std::optional<std::string> _faultOf(const std::optional<AudioRoute::State>& state);
+  void _fail(const std::string& reason, std::uint64_t opening);
+  void _reportUnderruns();
+  bool _decodeBlock();
+  bool _openNext();
+  void _skip(const FilePlayerItem& item, const std::string& cause);
+  void _setReady();
+  void _sendBlock(SoundBlock* block);
+  void _deliverChanges(Lock& lock);
+
+  const std::shared_ptr<AudioRoute> _route;
+  RenderLine _line;
+
+  mutable std::mutex _mutex;  // for all below
+  std::condition_variable _wake;
+  std::condition_variable _settled;
+  std::thread _worker;
+  std::weak_ptr<QueuePlayer> _owner;
+  std::deque<std::shared_ptr<FilePlayerItem>> _items;
+  std::size_t _sentItems = 0;     // how many of them have been sent down the line to their end
+  std::uint32_t _generation = 0;  // counts how often what was sent became unwanted
+  float _rate = 0;
+  bool _hasPlayed = false;  // some of these items may have been taken by the output
+  QueuePlayer::Status _status = QueuePlayer::Status::unknown;
+  std::vector<Observation> _observations;
+  std::deque<std::string_view> _changes;  // key paths whose observers are still to be told
+  bool _hasRequest = false;
+  bool _isSettled = false;
+  bool _isStopping = false;
+
+  // The worker's own.
+  std::unique_ptr<ClipDecoder> _decoder;  // of item _sentItems, if of this generation:
+  std::uint32_t _decoderGeneration = 0;
+  std::optional<AudioFormat> _format;  // that blocks are made in
+  std::uint64_t _opening = 0;          // of the route, that _format was asked of
+  std::deque<Ending> _endings;
+  std::uint64_t _watchedFrames = 0;  // taken when the output was last seen to move
+  Clock::time_point _lastMove;
+  bool _isWatching = false;
+  std::uint64_t _reportedUnderrun = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_AUDIO_QUEUE_ENGINE_H_

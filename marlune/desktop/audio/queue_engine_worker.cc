@@ -1,0 +1,239 @@
+// The worker's half of QueueEngine.
+
+#include <algorithm>
+#include <utility>
+
+#include "marlune/desktop/audio/queue_engine.h"
+#include "marlune/util/tq_utils.h"
+
+namespace marlune {
+
+namespace {
+// How often the worker looks at the output while it plays: what a callback does cannot wake it.
+constexpr std::chrono::milliseconds kLookInterval(3);
+}  // namespace
+
+void QueueEngine::_run() {
+  Lock lock(_mutex);
+  while (!_isStopping) {
+    if (std::exchange(_hasRequest, false)) _isSettled = false;
+    lock.unlock();
+    const bool hasMoved = _step();
+    lock.lock();
+    const bool hadChanges = !_changes.empty();
+    _deliverChanges(lock);
+    if (hasMoved || hadChanges || _hasRequest || _isStopping) continue;
+    _isSettled = true;
+    _settled.notify_all();
+    const auto isWanted = [this] { return _hasRequest || _isStopping; };
+    if (_isSounding() || !_endings.empty()) {
+      _wake.wait_for(lock, kLookInterval, isWanted);
+    } else {
+      _wake.wait(lock, isWanted);
+    }
+  }
+}
+
+// One round of work. Whether it got anything done, so that another may.
+bool QueueEngine::_step() {
+  const std::optional<AudioRoute::State> state = _route->stateFor(*this);
+  _collectReturned();
+  bool hasMoved = _endHeardItems(state);
+  if (_watch(state)) return true;
+  _reportUnderruns();
+  if (!state) return hasMoved;
+  _followOpening(*state);
+  hasMoved |= _decodeBlock();
+  const std::size_t waiting = _line.framesWaiting();
+  if (state->isMine) _route->takeAvailable(*this, rate() != 0 ? waiting : 0);
+  return hasMoved || _line.framesWaiting() < waiting;
+}
+
+void QueueEngine::_collectReturned() {
+  while (SoundBlock* const block = _line.takeReturned()) {
+    if (block->endsItem) _endings.push_back({block->generation, block->finishedAt});
+    _line.giveBack(block);
+  }
+}
+
+// An item ends when it has been heard: the output's latency after its last frame was taken. An
+// output that is closed by then will not get any further.
+bool QueueEngine::_endHeardItems(const std::optional<AudioRoute::State>& state) {
+  bool hasMoved = false;
+  const std::uint64_t taken = _line.framesTaken();
+  while (!_endings.empty()) {
+    const Ending ending = _endings.front();
+    const Lock lock(_mutex);
+    if (ending.generation == _generation) {
+      if (state && taken < ending.takenAt + state->latencyFrames) break;
+      _items.front()->setQueued(false);
+      _items.pop_front();
+      --_sentItems;
+      _setItemsChanged(/*isCurrentItemOther=*/true);
+    }
+    _endings.pop_front();
+    hasMoved = true;
+  }
+  return hasMoved;
+}
+
+// Whether the queue had to be given up.
+bool QueueEngine::_watch(const std::optional<AudioRoute::State>& state) {
+  {
+    const Lock lock(_mutex);
+    if (!_isSounding()) {
+      _isWatching = false;
+      return false;
+    }
+  }
+  const std::optional<std::string> fault = _faultOf(state);
+  if (fault) _fail(*fault, state ? state->opening : 0);
+  return fault.has_value();
+}
+
+std::optional<std::string> QueueEngine::_faultOf(const std::optional<AudioRoute::State>& state) {
+  if (!state) return "No sound output is open.";
+  if (state->loss) return state->loss;
+  const Clock::time_point now = Clock::now();
+  const std::uint64_t taken = _line.framesTaken();
+  const bool hasMoved = taken != _watchedFrames || state->opening != _opening;
+  if (!std::exchange(_isWatching, true) || hasMoved || !state->isMine) {
+    _watchedFrames = taken;
+    _lastMove = now;
+    return std::nullopt;
+  }
+  const std::chrono::duration<double> still = now - _lastMove;
+  if (!state->stallLimitSeconds || still.count() < *state->stallLimitSeconds) return std::nullopt;
+  return "The sound output has stopped taking sound.";
+}
+
+void QueueEngine::_fail(const std::string& reason, std::uint64_t opening) {
+  _route->setLost(opening, reason);
+  std::size_t dropped = 0;
+  {
+    const Lock lock(_mutex);
+    if (!_isSounding()) return;  // stopped meanwhile: nothing is lost
+    dropped = _items.size();
+    _status = QueuePlayer::Status::failed;
+    _changes.push_back(QueuePlayer::kStatusKeyPath);
+    _rate = 0;
+    _line.setRunning(false);
+    _dropAllItems();
+  }
+  TQUtils::log("ERROR: The play queue has failed: %@ Sound files dropped: %lu.", reason, dropped);
+}
+
+// One line for each gap, or run of gaps that come faster than the worker looks.
+void QueueEngine::_reportUnderruns() {
+  const std::uint64_t frames = _line.underrunFrames();
+  if (frames == _reportedUnderrun) return;
+  TQUtils::log("ERROR: Decoding was late: %lu frames of silence were played instead of sound.",
+               frames - _reportedUnderrun);
+  _reportedUnderrun = frames;
+}
+
+// An output that was closed and opened again may have another format. What was sent in the old
+// one is then made anew; a recording that was half played starts again.
+void QueueEngine::_followOpening(const AudioRoute::State& state) {
+  if (_opening == state.opening) return;
+  _opening = state.opening;
+  if (!_format) return;
+  const std::optional<AudioFormat> format = _route->formatForClip(*_format);
+  if (!format || format == _format) return;
+  _format = format;
+  const Lock lock(_mutex);
+  _startOver();
+  _setItemsChanged(/*isCurrentItemOther=*/false);
+}
+
+bool QueueEngine::_decodeBlock() {
+  {
+    const Lock lock(_mutex);
+    if (_decoderGeneration != _generation) _decoder.reset();
+  }
+  SoundBlock* const block = _line.freshBlock();
+  if (!block) return false;
+  if (!_decoder && !_openNext()) {
+    _line.giveBack(block);
+    const Lock lock(_mutex);
+    return _sentItems < _items.size() && _route->isOpen();
+  }
+  _decoder->fill(*block, *_format);
+  _sendBlock(block);
+  return true;
+}
+
+bool QueueEngine::_openNext() {
+  std::shared_ptr<FilePlayerItem> item;
+  {
+    const Lock lock(_mutex);
+    if (_sentItems == _items.size()) return false;
+    item = _items[_sentItems];
+    _decoderGeneration = _generation;
+  }
+  std::string cause;
+  std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(item->path(), cause);
+  if (!decoder) {
+    _skip(*item, cause);
+    return false;
+  }
+  const std::optional<AudioFormat> format = _route->formatForClip(decoder->clipFormat());
+  if (!format) return false;  // closed meanwhile
+  _format = format;
+  _decoder = std::move(decoder);
+  _setReady();
+  return true;
+}
+
+void QueueEngine::_skip(const FilePlayerItem& item, const std::string& cause) {
+  {
+    const Lock lock(_mutex);
+    if (_decoderGeneration != _generation) return;  // dropped meanwhile
+    _items[_sentItems]->setQueued(false);
+    _items.erase(_items.begin() + static_cast<long>(_sentItems));
+    _setItemsChanged(/*isCurrentItemOther=*/_sentItems == 0);
+  }
+  TQUtils::log("ERROR: \"%@\" cannot be played and is left out: %@.", item.path(), cause);
+}
+
+void QueueEngine::_setReady() {
+  const Lock lock(_mutex);
+  if (_status != QueuePlayer::Status::unknown) return;
+  _status = QueuePlayer::Status::readyToPlay;
+  _changes.push_back(QueuePlayer::kStatusKeyPath);
+}
+
+void QueueEngine::_sendBlock(SoundBlock* block) {
+  block->generation = _decoderGeneration;
+  const Lock lock(_mutex);
+  if (_decoderGeneration != _generation) {
+    _line.giveBack(block);
+    return;
+  }
+  _line.send(block);
+  if (!block->endsItem) return;
+  _decoder.reset();
+  ++_sentItems;
+  _setItemsChanged(/*isCurrentItemOther=*/false);
+}
+
+void QueueEngine::_deliverChanges(Lock& lock) {
+  while (!_changes.empty() && !_isStopping) {
+    const std::string_view keyPath = _changes.front();
+    _changes.pop_front();
+    const std::vector<Observation> observations = _observations;
+    for (const Observation& each : observations) {
+      const bool isMeant = each.keyPath == keyPath && (each.options & QueuePlayer::kNewValue);
+      const auto place = std::find(_observations.begin(), _observations.end(), each);
+      if (!isMeant || place == _observations.end()) continue;  // removed by one told before
+      std::shared_ptr<QueuePlayer> owner = _owner.lock();
+      if (!owner) return;
+      lock.unlock();
+      each.observer->observeValueForKeyPath(keyPath, owner);
+      owner.reset();  // without the lock: it may be the last share
+      lock.lock();
+    }
+  }
+}
+
+}  // namespace marlune

@@ -1,0 +1,69 @@
+#include "marlune/desktop/audio/render_line.h"
+
+#include <algorithm>
+
+namespace marlune {
+
+SoundBlock* RenderLine::freshBlock() {
+  if (_fresh.empty()) {
+    if (_blocks.size() == kBlocks) return nullptr;
+    _blocks.push_back(std::make_unique<SoundBlock>());
+    return _blocks.back().get();
+  }
+  SoundBlock* const block = _fresh.back();
+  _fresh.pop_back();
+  return block;
+}
+
+void RenderLine::send(SoundBlock* block) {
+  _framesSent += block->frames;
+  _sent.put(block);
+}
+
+std::size_t RenderLine::render(float* frames, std::size_t count, int channels) noexcept {
+  const auto samples = static_cast<std::size_t>(channels);
+  const std::uint64_t before = _framesTaken.load(std::memory_order_relaxed);
+  const bool isRunning = _isRunning.load();
+  std::size_t done = 0;
+  // A block is returned as soon as its last frame is out, so that its recording ends then.
+  while (_haveBlock(channels) && isRunning) {
+    const std::size_t some = std::min(count - done, _current->frames - _position);
+    std::copy_n(_current->samples.data() + _position * samples, some * samples,
+                frames + done * samples);
+    _position += some;
+    done += some;
+    if (_position < _current->frames) break;
+    _return(before + done);
+  }
+  std::fill_n(frames + done * samples, (count - done) * samples, 0.0f);
+  if (isRunning && count > 0) {
+    const bool isOwed = _owed.load() > 0;
+    if (done < count && _isInSound && isOwed) _underrunFrames.fetch_add(count - done);
+    _isInSound = (done > 0 || _isInSound) && (done == count || isOwed);
+  }
+  _framesTaken.store(before + count);
+  return done;
+}
+
+// Whether _current is a block to be played, unwanted ones having been returned.
+bool RenderLine::_haveBlock(int channels) noexcept {
+  const std::uint32_t generation = _generation.load();
+  for (;;) {
+    if (!_current) {
+      _current = _sent.take();
+      if (!_current) return false;
+      _position = 0;
+    }
+    if (_current->generation == generation && _current->channels == channels) return true;
+    _return(0);
+  }
+}
+
+void RenderLine::_return(std::uint64_t finishedAt) noexcept {
+  _current->finishedAt = finishedAt;
+  _framesPlayed.fetch_add(_current->frames);
+  _returned.put(_current);
+  _current = nullptr;
+}
+
+}  // namespace marlune

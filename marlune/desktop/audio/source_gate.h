@@ -1,0 +1,42 @@
+#ifndef MARLUNE_DESKTOP_AUDIO_SOURCE_GATE_H_
+#define MARLUNE_DESKTOP_AUDIO_SOURCE_GATE_H_
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+#include "marlune/desktop/audio/audio_source.h"
+
+namespace marlune {
+
+// The place where a callback that nobody can stop meets a source that comes and goes. The
+// callback never waits; whoever changes the source waits out the call that is under way.
+class SourceGate {
+ public:
+  // From the return on, the source that was there before is not called any more. Null: silence.
+  void setSource(AudioSource* source) {
+    _source.store(source);
+    while (_isRendering.load()) std::this_thread::yield();
+  }
+
+  std::size_t render(float* frames, std::size_t count, int channels) noexcept {
+    _isRendering.store(true);  // before the look at _source: see setSource
+    AudioSource* const source = _source.load();
+    std::size_t sounding = 0;
+    if (source) {
+      sounding = source->render(frames, count, channels);
+    } else {
+      std::fill_n(frames, count * static_cast<std::size_t>(channels), 0.0f);
+    }
+    _isRendering.store(false);
+    return sounding;
+  }
+
+ private:
+  std::atomic<AudioSource*> _source = nullptr;
+  std::atomic<bool> _isRendering = false;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_AUDIO_SOURCE_GATE_H_

@@ -1,0 +1,111 @@
+#include "marlune/desktop/audio/file_output.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "support/engine_rig.h"
+#include "support/platform_fixture.h"
+
+namespace marlune {
+namespace {
+
+using Samples = std::vector<short>;
+
+class FileOutputTest : public PlatformFixture {
+ protected:
+  // Plays the recordings to the file through a queue of their own.
+  static void play(const std::shared_ptr<AudioRoute>& route,
+                   const std::vector<std::string>& paths) {
+    DesktopAudioSession session(route);
+    const auto queue = DesktopQueuePlayer::overRoute(route);
+    for (const std::string& path : paths) EngineRig::append(*queue, path);
+    EXPECT_EQ(session.setActive(true).error, std::nullopt);
+    queue->play();
+    queue->waitUntilSettled();
+    EXPECT_TRUE(queue->items().empty());
+    EXPECT_EQ(session.setActive(false).error, std::nullopt);
+  }
+  static std::shared_ptr<AudioRoute> routeTo(const std::string& path,
+                                             std::optional<AudioFormat> format = std::nullopt) {
+    return std::make_shared<AudioRoute>(std::make_shared<FileOutput>(path, format));
+  }
+
+  RecordingFolder folder;
+};
+
+TEST_F(FileOutputTest, TakesTheFormatOfTheFirstRecordingAndKeepsEverySample) {
+  // Every value that a sample of 16 bits can have.
+  Samples all;
+  for (int value = -32'768; value <= 32'767; ++value) all.push_back(static_cast<short>(value));
+  const AudioFormat stereo = {22'050, 2};
+  const auto path = folder.write("all.aif", all, stereo);
+  for (const std::string name : {"x.wav", "x.aif"}) {
+    SCOPED_TRACE(name);
+    const auto route = routeTo(folder.path(name));
+    play(route, {path, path});
+    play(route, {path});  // a later phrase is appended
+    const Sound sound = readSound(folder.path(name));
+    EXPECT_EQ(sound.format, stereo);
+    Samples expected = all;
+    expected.insert(expected.end(), all.begin(), all.end());
+    expected.insert(expected.end(), all.begin(), all.end());
+    EXPECT_EQ(sound.samples, expected);
+  }
+}
+
+TEST_F(FileOutputTest, ALongRecordingIsWrittenWhole) {
+  const Samples samples = countingSamples(2'000'000, 0);  // many times the read-ahead
+  play(routeTo(folder.path("x.wav")), {folder.write("long.aif", samples, {22'050, 1})});
+  EXPECT_EQ(readSound(folder.path("x.wav")).samples, samples);
+}
+
+TEST_F(FileOutputTest, SaysWhyItCannotBeWritten) {
+  std::filesystem::create_directory(folder.path("folder.wav"));
+  const struct {
+    std::string path;
+    std::string_view cause;
+  } kCases[] = {
+      {folder.path("x.mp3"), "ends neither in .wav nor in .aif"},
+      {folder.path("no/x.wav"), "No such file"},
+      {folder.path("folder.wav"), "Is a directory"},
+  };
+  for (const auto& c : kCases) {
+    const auto outcome = DesktopAudioSession(routeTo(c.path)).setActive(true);
+    EXPECT_NE(outcome.error.value_or("").find(c.cause), std::string::npos) << c.path;
+  }
+}
+
+// A sine cut over files of several formats: the largest step between neighbouring samples, and the
+// largest bend, stay what a sine of that pitch has.
+TEST_F(FileOutputTest, ASineCutOverFilesOfSeveralFormatsJoinsWithoutAStep) {
+  const AudioFormat kFormats[] = {{44'100, 1}, {22'050, 1}, {48'000, 2}, {22'050, 2}, {48'000, 1}};
+  constexpr double kHertz = 440;
+  for (const AudioFormat target : {AudioFormat{48'000, 1}, {44'100, 1}, {22'050, 1}}) {
+    SCOPED_TRACE(target.sampleRate);
+    std::vector<std::string> paths;
+    std::size_t atTarget = 0;
+    for (int clip = 0; clip < 25; ++clip) {
+      const AudioFormat format = kFormats[clip % 5];
+      // 17 ms and a bit: each cut falls on another phase, at a whole frame of every rate.
+      const auto frames = static_cast<std::size_t>(format.sampleRate / 150 * (3 + clip % 4));
+      const double start = static_cast<double>(atTarget) / target.sampleRate;
+      atTarget += static_cast<std::size_t>(target.sampleRate / 150 * (3 + clip % 4));
+      paths.push_back(folder.write(std::to_string(clip) + ".aif",
+                                   sineSamples(kHertz, start, frames, format), format));
+    }
+    play(routeTo(folder.path("x.wav"), target), paths);
+    const Samples heard = readSound(folder.path("x.wav")).samples;
+    ASSERT_EQ(heard.size(), atTarget);
+    const Samples expected = sineSamples(kHertz, 0, atTarget, target);
+    int largest = 0;
+    for (std::size_t i = 0; i < heard.size(); ++i) {
+      largest = std::max(largest, std::abs(heard[i] - expected[i]));
+    }
+    EXPECT_LE(largest, 100) << "of 16,384";
+    std::filesystem::remove(folder.path("x.wav"));
+  }
+}
+
+}  // namespace
+}  // namespace marlune

@@ -1,0 +1,267 @@
+// The queue engine on an output cranked by hand.
+
+#include <gtest/gtest.h>
+
+#include "support/engine_rig.h"
+#include "support/platform_fixture.h"
+
+namespace marlune {
+namespace {
+
+constexpr AudioFormat kMono = {22'050, 1};
+using Samples = std::vector<short>;
+
+class QueueEngineTest : public PlatformFixture {
+ protected:
+  std::string record(std::size_t frames) {
+    const Samples samples = countingSamples(frames, recorded.size());
+    recorded.insert(recorded.end(), samples.begin(), samples.end());
+    return folder.write(std::to_string(recorded.size()) + ".aif", samples, kMono);
+  }
+  bool hasLineWith(std::string_view text) const {
+    for (const std::string& line : log->lines()) {
+      if (line.find(text) != std::string::npos) return true;
+    }
+    return false;
+  }
+
+  RecordingFolder folder;
+  EngineRig rig;
+  Samples recorded;  // all that was, in order
+  std::shared_ptr<DesktopQueuePlayer> queue = rig.makeQueue();
+};
+
+TEST_F(QueueEngineTest, JoinsRecordingsSampleToSample) {
+  for (const std::size_t frames : {1, 5'000, 2'048, 2'049, 300, 1, 9'000}) {
+    rig.append(*queue, record(frames));
+  }
+  rig.session.setActive(true);
+  queue->play();
+  Samples heard;
+  while (!queue->items().empty()) {
+    const Samples more = rig.crank(*queue, 777);
+    heard.insert(heard.end(), more.begin(), more.end());
+  }
+  ASSERT_GE(heard.size(), recorded.size());
+  const Samples silence(heard.size() - recorded.size());
+  EXPECT_LT(silence.size(), 777u);
+  recorded.insert(recorded.end(), silence.begin(), silence.end());
+  EXPECT_EQ(heard, recorded);
+  EXPECT_FALSE(hasLineWith("Decoding was late"));
+}
+
+TEST_F(QueueEngineTest, AnItemEndsWithItsLastFrameAndWhatIsAppendedThenJoins) {
+  const auto first = rig.append(*queue, record(100));
+  rig.session.setActive(true);
+  queue->play();
+  rig.crank(*queue, 99);
+  EXPECT_EQ(queue->currentItem(), first);
+  const auto second = rig.append(*queue, record(50));
+  EXPECT_EQ(rig.crank(*queue, 1), Samples(1, recorded[99]));
+  EXPECT_EQ(queue->currentItem(), second);
+  EXPECT_EQ(rig.crank(*queue, 50), Samples(recorded.begin() + 100, recorded.end()));
+  EXPECT_EQ(queue->currentItem(), nullptr);
+  EXPECT_EQ(queue->rate(), 1);
+}
+
+TEST_F(QueueEngineTest, AnItemEndsWhenTheOutputHasMadeItHeard) {
+  rig.output->setLatencyFrames(30);
+  const auto item = rig.append(*queue, record(100));
+  rig.session.setActive(true);
+  queue->play();
+  rig.crank(*queue, 129);
+  EXPECT_EQ(queue->currentItem(), item);
+  rig.crank(*queue, 1);
+  EXPECT_EQ(queue->currentItem(), nullptr);
+}
+
+TEST_F(QueueEngineTest, ARateOfZeroPausesAndAnyOtherPlaysAtNormalSpeed) {
+  rig.append(*queue, record(100));
+  rig.session.setActive(true);
+  queue->setRate(0.5f);
+  EXPECT_EQ(rig.crank(*queue, 40), Samples(recorded.begin(), recorded.begin() + 40));
+  queue->setRate(0);
+  EXPECT_EQ(rig.crank(*queue, 40), Samples(40));
+  queue->play();
+  EXPECT_EQ(rig.crank(*queue, 60), Samples(recorded.begin() + 40, recorded.end()));
+}
+
+TEST_F(QueueEngineTest, WhatIsRemovedFallsSilentAtOnceAndWhatComesAfterPlays) {
+  rig.append(*queue, record(5'000));
+  rig.append(*queue, record(5'000));
+  rig.session.setActive(true);
+  queue->play();
+  rig.crank(*queue, 10);
+  queue->removeAllItems();
+  EXPECT_EQ(rig.output->crank(10), std::vector<float>(10));
+  recorded.clear();
+  rig.append(*queue, record(10));
+  EXPECT_EQ(rig.crank(*queue, 10), recorded);
+}
+
+TEST_F(QueueEngineTest, UnplayableRecordingsAreLeftOutWithoutAGap) {
+  const std::string good = record(100);
+  const std::vector<char> bytes = readBytes(good);
+  std::vector<char> fast = bytes;
+  fast[28] = 0x40, fast[29] = 0x1D;  // the sample rate's exponent
+  std::filesystem::create_directory(folder.path("folder.aif"));
+  const struct {
+    std::string path;
+    std::string_view cause;
+  } kCases[] = {
+      {folder.path("missing.aif"), "No such file"},
+      {folder.path("folder.aif"), "not a regular file"},
+      {folder.writeBytes("empty.aif", {}), "it is empty"},
+      {folder.writeBytes("text.aif", std::vector<char>(500, 'x')), "it is no AIFF file"},
+      {folder.write("wave.aif", {1, 2}, kMono, SF_FORMAT_WAV | SF_FORMAT_PCM_16), "no AIFF file"},
+      {folder.write("silent.aif", {}, kMono), "it holds no sound"},
+      {folder.writeBytes("fast.aif", fast), "its sample rate is"},
+      {folder.write("wide.aif", Samples(9), {22'050, 9}), "it has 9 channels"},
+  };
+  rig.append(*queue, good);
+  for (const auto& c : kCases) rig.append(*queue, c.path);
+  const auto last = rig.append(*queue, record(100));
+  rig.session.setActive(true);
+  queue->play();
+  EXPECT_EQ(rig.crank(*queue, 200), recorded);
+  EXPECT_EQ(log->lines().size(), std::size(kCases));
+  for (const auto& c : kCases) {
+    EXPECT_TRUE(hasLineWith("\"" + c.path + "\"")) << c.path;
+    EXPECT_TRUE(hasLineWith(c.cause)) << c.path << " " << c.cause;
+  }
+}
+
+TEST_F(QueueEngineTest, ATruncatedRecordingPlaysWhatItHolds) {
+  std::vector<char> bytes = readBytes(record(100));
+  bytes.resize(bytes.size() - 61);  // 30 samples and a half
+  rig.append(*queue, folder.writeBytes("short.aif", bytes));
+  recorded.resize(69);
+  rig.append(*queue, record(10));
+  rig.session.setActive(true);
+  queue->play();
+  EXPECT_EQ(rig.crank(*queue, 79), recorded);
+  EXPECT_EQ(queue->currentItem(), nullptr);
+}
+
+TEST_F(QueueEngineTest, ReadsTheEncodingsOfAifc) {
+  const Samples loud = {16'384, -16'384, 8'192, 0};
+  rig.session.setActive(true);
+  queue->play();
+  const int kEncodings[] = {SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE,
+                            SF_FORMAT_PCM_24,
+                            SF_FORMAT_PCM_S8,
+                            SF_FORMAT_FLOAT,
+                            SF_FORMAT_DOUBLE,
+                            SF_FORMAT_PCM_32};
+  for (const int encoding : kEncodings) {
+    SCOPED_TRACE(encoding);
+    rig.append(*queue, folder.write(std::to_string(encoding) + ".aifc", loud, kMono,
+                                    SF_FORMAT_AIFF | encoding));
+    EXPECT_EQ(rig.crank(*queue, 4), loud);
+  }
+}
+
+TEST_F(QueueEngineTest, ALossFailsTheQueueOnceAndANewOnePlaysOnTheReopenedOutput) {
+  const struct {
+    std::string_view why, line;
+    std::function<void()> lose;
+  } kCases[] = {
+      {"lost", "It is gone. Sound files dropped: 2.", [&] { rig.output->lose("It is gone."); }},
+      {"closed under it", "No sound output is open.", [&] { rig.route->close(); }},
+      {"stalled", "stopped taking sound", [&] { rig.output->setStallLimitSeconds(0); }},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    queue = rig.makeQueue();
+    rig.append(*queue, record(5'000));
+    rig.append(*queue, record(100));
+    EXPECT_TRUE(rig.session.setActive(true).succeeded);
+    queue->play();
+    rig.crank(*queue, 10);
+    log->clear();
+    c.lose();
+    while (!hasLineWith("has failed")) std::this_thread::yield();
+    EXPECT_EQ(queue->status(), QueuePlayer::Status::failed);
+    EXPECT_EQ(log->lines().size(), 1u);
+    EXPECT_TRUE(hasLineWith(c.line));
+    EXPECT_TRUE(queue->items().empty());
+    EXPECT_EQ(queue->rate(), 0);
+    FilePlayerItem item("x.aif");
+    EXPECT_FALSE(queue->canInsert(&item, nullptr));
+
+    rig.output->setStallLimitSeconds(1'000);
+    const int opened = rig.output->timesOpened();
+    queue = rig.makeQueue();
+    recorded.clear();
+    rig.append(*queue, record(20));
+    EXPECT_TRUE(rig.session.setActive(true).succeeded);
+    EXPECT_EQ(rig.output->timesOpened(), opened + 1);
+    queue->play();
+    EXPECT_EQ(rig.crank(*queue, 20), recorded);
+  }
+}
+
+TEST_F(QueueEngineTest, AnOutputOfAnotherFormatIsFollowed) {
+  rig.append(*queue, record(5'000));
+  rig.session.setActive(true);
+  queue->play();
+  rig.crank(*queue, 10);
+  queue->setRate(0);
+  rig.session.setActive(false);
+  rig.output->setFormat({22'050, 2});
+  rig.session.setActive(true);
+  queue->play();
+  Samples expected;
+  for (const short sample : Samples(recorded.begin(), recorded.begin() + 10)) {
+    expected.insert(expected.end(), 2, sample);
+  }
+  EXPECT_EQ(rig.crank(*queue, 10), expected) << "the recording starts again";
+}
+
+TEST_F(QueueEngineTest, TheSessionOpensAndClosesTheOutputButNotWhileSoundIsRunning) {
+  EXPECT_FALSE(rig.output->isOpen()) << "a queue opens nothing";
+  EXPECT_FALSE(rig.session.setCategory("record", 3).succeeded);
+  rig.session.setCategory(AudioSession::kCategoryPlayback, AudioSession::kDuckOthers);
+  rig.output->refuse("There is no device.");
+  const AudioSession::Outcome refused = rig.session.setActive(true);
+  EXPECT_FALSE(refused.succeeded);
+  EXPECT_EQ(refused.error, "There is no device.");
+  rig.output->refuse(std::nullopt);
+
+  EXPECT_TRUE(rig.session.setActive(true).succeeded);
+  EXPECT_TRUE(rig.session.setActive(true).succeeded);
+  EXPECT_EQ(rig.output->timesOpened(), 1);
+  EXPECT_EQ(rig.output->role(), "announce");
+  rig.append(*queue, record(100));
+  queue->play();
+  EXPECT_TRUE(rig.session.setActive(false).error.has_value());
+  EXPECT_TRUE(rig.output->isOpen());
+  queue->setRate(0);
+  EXPECT_TRUE(rig.session.setActive(false).succeeded);
+  EXPECT_FALSE(rig.output->isOpen());
+  rig.session.setCategory(AudioSession::kCategoryPlayback, 0);
+  rig.session.setActive(true);
+  EXPECT_EQ(rig.output->role(), "");
+}
+
+TEST_F(QueueEngineTest, TheQueueToldLastToPlayIsTheOneHeard) {
+  const auto other = rig.makeQueue();
+  rig.append(*queue, record(20));
+  rig.append(*other, record(20));
+  rig.session.setActive(true);
+  queue->play();
+  other->play();
+  queue->waitUntilSettled();
+  EXPECT_EQ(rig.crank(*other, 20), Samples(recorded.begin() + 20, recorded.end()));
+  queue->play();
+  EXPECT_EQ(rig.crank(*queue, 20), Samples(recorded.begin(), recorded.begin() + 20));
+}
+
+TEST_F(QueueEngineTest, AQueueThatEndsWithItemsSaysSo) {
+  rig.append(*queue, record(20));
+  queue.reset();
+  EXPECT_TRUE(hasLineWith("1 of them were dropped"));
+}
+
+}  // namespace
+}  // namespace marlune
