@@ -100,6 +100,9 @@ class Cell : public Describable {
   // "?", "_E", or tone marks, pre, content and post as in "H(x[ten]s)".
   std::string description() const override;
 
+  // A literal over this very dictionary, which is not copied.
+  static std::shared_ptr<Cell> _literalOver(std::shared_ptr<AttributeDictionary> attributes);
+
   // Whether matching with this cell as the pattern may write lines: it has a prefix key.
   bool _writesLines() const;
 
@@ -107,6 +110,7 @@ class Cell : public Describable {
   Cell(CellType type, std::shared_ptr<AttributeDictionary> attributes);
 
  private:
+  static std::shared_ptr<Cell> _literalWithContent(std::shared_ptr<const std::string> content);
   bool _attributeMatches(const AttributeDictionary::Entry& attribute, const Cell* target) const;
 
   CellType _type;

@@ -46,6 +46,8 @@ class ConditionalProduction : public GenericProduction {
   ConditionalProduction() = default;
 
  private:
+  static std::vector<Expansion> _expansionsOf(const Dictionary& plist);
+
   std::optional<std::string> _delimiter;
   std::optional<Signature> _signature;
   std::optional<std::vector<Expansion>> _expansions;  // in the file's order

@@ -32,6 +32,9 @@ class GrammarPart : public Describable {
   // The rewritten phrase, a new object. Abstract: logs an error and answers nullptr.
   virtual std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase) const;
 
+  // A root's depth can be anything that its file says, and prints as at most so many tabs.
+  static constexpr std::int32_t kDeepestPrinted = 1000;
+
   std::string description() const override;  // a line feed, tabs as deep as the part is, name, ": "
 
   std::int32_t order() const { return _order; }            // smaller ones run first

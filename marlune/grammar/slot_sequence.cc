@@ -1,0 +1,158 @@
+#include "marlune/grammar/slot_sequence.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "marlune/grammar/compound_slot.h"
+#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/make_shared_of.h"
+#include "marlune/grammar/sequence_matcher.h"
+#include "marlune/grammar/simple_slot.h"
+#include "marlune/grammar/simple_slot_sequence.h"
+#include "marlune/util/tq_utils.h"
+
+namespace marlune {
+
+namespace {
+
+SlotArray::const_iterator at(const SlotArray& slots, std::size_t index) {
+  return slots.begin() + static_cast<std::ptrdiff_t>(index);
+}
+
+void requireWithin(std::size_t index, std::size_t count) {
+  if (index > count) {
+    throw std::out_of_range("index " + std::to_string(index) + " beyond the " +
+                            std::to_string(count) + " slots of a sequence");
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<SlotSequence> SlotSequence::emptySlotSequence() { return initWithArray({}); }
+std::shared_ptr<SlotSequence> SlotSequence::slotSequenceWithArray(SlotArray slots) {
+  return initWithArray(std::move(slots));
+}
+std::shared_ptr<SlotSequence> SlotSequence::initWithArray(SlotArray slots) {
+  return makeSharedOf<SlotSequence>(std::move(slots));
+}
+std::shared_ptr<SlotSequence> SlotSequence::initFromPlist(const Value& plist) {
+  return initWithArray(_slotsFromPlist(plist));
+}
+
+SlotArray SlotSequence::_slotsFromPlist(const Value& plist) {
+  if (plist.asArray()) return _slotsFromPlist(plist.asArray()->elements(), /*position=*/0);
+  TQUtils::systemLog("Error!");
+  return {};
+}
+
+SlotArray SlotSequence::_slotsFromPlist(std::span<const Value> elements, std::size_t position) {
+  SlotArray slots;
+  slots.reserve(elements.size());
+  for (const Value& element : elements) {
+    slots.push_back(GrammarError::within(position++, [&element] {
+      auto slot = Slot::instanceFromPlist(element);
+      if (!slot) {
+        throw GrammarError("", "an array that is no slot: it does not begin with *, + or ~");
+      }
+      return slot;
+    }));
+  }
+  return slots;
+}
+
+std::shared_ptr<Slot> SlotSequence::first() const { return empty() ? nullptr : _slots.front(); }
+
+std::shared_ptr<SlotSequence> SlotSequence::rest() const {
+  return slotSubsequenceFromIndex(empty() ? 0 : 1);
+}
+
+SlotArray SlotSequence::subsequenceFromIndex(std::size_t index) const {
+  requireWithin(index, count());
+  return {at(_slots, index), _slots.end()};
+}
+
+std::shared_ptr<SlotSequence> SlotSequence::slotSubsequenceFromIndex(std::size_t index) const {
+  return initWithArray(subsequenceFromIndex(index));
+}
+
+std::shared_ptr<SimpleSlotSequence> SlotSequence::occurrenceOfSequence(const SlotSequence& sequence,
+                                                                       std::size_t atIndex) const {
+  if (atIndex > count() || sequence.count() > count() - atIndex) return nullptr;
+  return SimpleSlotSequence::initWithArray(
+      {at(_slots, atIndex), at(_slots, atIndex + sequence.count())});
+}
+
+std::shared_ptr<SlotSequence> SlotSequence::portionPrecedingOccurrenceOfSequence(
+    const SlotSequence&, std::size_t atIndex) const {
+  requireWithin(atIndex, count());
+  return initWithArray({_slots.begin(), at(_slots, atIndex)});
+}
+
+std::shared_ptr<SlotSequence> SlotSequence::portionFollowingOccurrenceOfSequence(
+    const SlotSequence& sequence, std::size_t atIndex) const {
+  if (atIndex > count() || sequence.count() > count() - atIndex) return nullptr;
+  return slotSubsequenceFromIndex(atIndex + sequence.count());
+}
+
+std::shared_ptr<SlotSequence> SlotSequence::reversed() const {
+  SlotArray slots;
+  slots.reserve(count());
+  std::transform(_slots.rbegin(), _slots.rend(), std::back_inserter(slots),
+                 [](const auto& slot) { return slot->reversed(); });
+  return initWithArray(std::move(slots));
+}
+
+std::shared_ptr<Slot> SlotSequence::_reversed() { return reversed(); }
+
+std::vector<std::int32_t> SlotSequence::indicesOfOccurrencesInTarget(
+    const SlotSequence& target) const {
+  SequenceMatcher matcher(_slots, SlotRun::forwards(target.slots()));
+  std::vector<std::int32_t> indices;
+  for (std::size_t index = 0; index < target.count(); ++index) {
+    if (matcher.matchesFrom(index)) indices.push_back(static_cast<std::int32_t>(index));
+  }
+  return indices;
+}
+
+std::shared_ptr<SlotSequence> SlotSequence::overlayedOn(
+    std::shared_ptr<SlotSequence> target) const {
+  for (std::size_t i = 0; i < std::min(count(), target->count()); ++i) {
+    const SimpleSlot* overlay = SimpleSlot::from(_slots[i].get());
+    const SimpleSlot* under = SimpleSlot::from(target->_slots[i].get());
+    if (overlay && under) target->_slots[i] = overlay->overlayedOn(*under);
+  }
+  return target;
+}
+
+std::string SlotSequence::description() const {
+  std::string joined;
+  for (const std::shared_ptr<Slot>& slot : _slots) {
+    if (&slot != &_slots.front()) joined += '.';
+    joined += slot->description();
+  }
+  return joined;
+}
+
+bool SlotSequence::_matchesAt(const SlotRun& target, std::size_t index) const {
+  return SequenceMatcher(_slots, target).matchesFrom(index);
+}
+
+// Within a sequence a Kleene slot is not asked itself, and slots of other kinds not at all.
+bool SlotSequence::_writesLines() const {
+  return std::ranges::any_of(_slots, [](const std::shared_ptr<Slot>& slot) {
+    switch (slot->kind()) {
+      case Kind::kleene:
+        return static_cast<const CompoundSlot&>(*slot).slots()->_writesLines();
+      case Kind::simple:
+      case Kind::disjunction:
+      case Kind::negation:
+        return slot->_writesLines();
+      case Kind::sequence:
+      case Kind::other:
+        break;
+    }
+    return false;
+  });
+}
+
+}  // namespace marlune
