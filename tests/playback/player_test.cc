@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <future>
 #include <memory>
 #include <string>
@@ -84,34 +85,22 @@ class PlayerTest : public PlatformFixture {
   std::vector<std::shared_ptr<FakeQueuePlayer>> queues;
 };
 
-TEST_F(PlayerTest, TheFirstPlayerSetsTheSessionUpForAll) {
-  const auto first = makePlayer(), second = makePlayer();
+TEST_F(PlayerTest, AllPlayersFeedOneQueueAndTheFirstSetsTheSessionUp) {
+  const auto player = makePlayer("a"), other = makePlayer("b");
   EXPECT_EQ(session->timesCategoryWasSet, 1);
   EXPECT_EQ(session->category, "playback");
   EXPECT_EQ(session->options, 3u);
-  EXPECT_FALSE(session->isActive);
-  EXPECT_THAT(queues, IsEmpty());
-}
+  EXPECT_EQ(session->history, "");
 
-TEST_F(PlayerTest, PlaysAllFilesOfAPhraseOnOneQueue) {
-  const auto player = makePlayer();
   player->playSoundFilesInSequence(std::make_shared<const Names>(Names{"five", "miles"}));
-  EXPECT_THAT(queued(), ElementsAre("voice/five.aif", "voice/miles.aif"));
-  EXPECT_TRUE(player->isPlaying());
-  EXPECT_TRUE(session->isActive);
-  EXPECT_FALSE(queue().allowsExternalPlayback);
-  EXPECT_THAT(log->lines(), IsEmpty());
-}
-
-TEST_F(PlayerTest, WhatIsAskedForWhilePlayingFollowsWithoutARestart) {
-  const auto player = makePlayer("a"), other = makePlayer("b");
-  player->playSoundFilesInSequence(Names{"one"});
-  other->playSoundFilesInSequence(Names{"two"});
+  other->playSoundFilesInSequence(Names{"two"});  // follows without a restart
   EXPECT_TRUE(other->isPlaying());
-  EXPECT_THAT(queued(), ElementsAre("a/one.aif", "b/two.aif"));
+  EXPECT_THAT(queued(), ElementsAre("a/five.aif", "a/miles.aif", "b/two.aif"));
   EXPECT_EQ(queues.size(), 1u);
+  EXPECT_FALSE(queue().allowsExternalPlayback);
   EXPECT_EQ(queue().timesPlayed, 1);
   EXPECT_EQ(session->history, "+");
+  EXPECT_THAT(log->lines(), IsEmpty());
 }
 
 TEST_F(PlayerTest, StepToTheNextFileKeepsTheSessionActive) {
@@ -171,27 +160,16 @@ TEST_F(PlayerTest, AnEndFromTheQueuesOwnThreadIsHandledOnTheMainThread) {
   EXPECT_EQ(ended.get(), "+-");
 }
 
-struct RateCase {
-  std::string_view why;
-  float rate;
-  bool isPlaying;
-};
-constexpr RateCase kRateCases[] = {
-    {"stopped", 0, false},
-    {"half speed is cut to 0", 0.5f, false},
-    {"so is all below 1", 0.999f, false},
-    {"faster is playing", 2, true},
-    {"backwards is playing", -1, true},
-    {"no number is not playing", std::numeric_limits<float>::quiet_NaN(), false},
-};
-
 TEST_F(PlayerTest, TheRateIsCutToAWholeNumberBeforeItCounts) {
   const auto player = makePlayer();
-  player->playSoundFilesInSequence(Names{"one"});
-  for (const RateCase& c : kRateCases) {
-    SCOPED_TRACE(c.why);
-    queue().setRate(c.rate);
-    EXPECT_EQ(player->isPlaying(), c.isPlaying);
+  EXPECT_FALSE(player->isPlaying());  // asking makes the queue
+  for (const float stopped : {0.0f, 0.5f, 0.999f, -0.5f, std::nanf("")}) {
+    queue().setRate(stopped);
+    EXPECT_FALSE(player->isPlaying()) << stopped;
+  }
+  for (const float playing : {1.0f, 2.5f, -1.0f}) {
+    queue().setRate(playing);
+    EXPECT_TRUE(player->isPlaying()) << playing;
   }
 }
 
@@ -208,10 +186,11 @@ TEST_F(PlayerTest, AtHalfSpeedAStopDoesNothingAndAPhrasePlaysAgain) {
   EXPECT_EQ(queue().timesPlayed, 2);
 }
 
-TEST_F(PlayerTest, StopSilencesAtOnceAndReleasesTheSessionHalfASecondLater) {
+// The end of a player stops what other players play, as its stopAllSounds does.
+TEST_F(PlayerTest, AStopSilencesAtOnceAndReleasesTheSessionHalfASecondLater) {
   const auto player = makePlayer();
   player->playSoundFilesInSequence(Names{"one", "two"});
-  player->stopAllSounds();
+  makePlayer("other");
   EXPECT_FALSE(player->isPlaying());
   EXPECT_THAT(queued(), IsEmpty());
   mainThread->advance(0.49);
@@ -232,16 +211,6 @@ TEST_F(PlayerTest, APhraseSoonAfterAStopPlaysOnWhenTheReleaseIsRefused) {
   EXPECT_TRUE(player->isPlaying());
   EXPECT_TRUE(session->isActive);
   EXPECT_THAT(queued(), ElementsAre("voice/two.aif"));
-}
-
-TEST_F(PlayerTest, TheEndOfAnyPlayerStopsAllSound) {
-  const auto player = makePlayer();
-  player->playSoundFilesInSequence(Names{"one"});
-  makePlayer("other");
-  EXPECT_FALSE(player->isPlaying());
-  EXPECT_THAT(queued(), IsEmpty());
-  mainThread->advance(0.5);
-  EXPECT_EQ(session->history, "+-");
 }
 
 TEST_F(PlayerTest, NoSequenceLogsALineAndDoesNothing) {
@@ -288,6 +257,7 @@ TEST_F(PlayerTest, ADeadQueueIsReplacedOnceAndItsFilesAreDropped) {
   player->playSoundFilesInSequence(Names{"one"});
   const auto dead = queues.back();
   dead->fail();
+  dead->fail();  // both arrive, and the first replaces the queue
   EXPECT_EQ(queues.size(), 1u) << "the status is dealt with later, not in the notification";
   mainThread->runPending();
   mainThread->runPending();  // the new queue has told its status
@@ -296,30 +266,17 @@ TEST_F(PlayerTest, ADeadQueueIsReplacedOnceAndItsFilesAreDropped) {
                                         "queue."));
   ASSERT_EQ(queues.size(), 2u);
   EXPECT_EQ(dead->observations(), 0);
-  EXPECT_EQ(queue().observations(), 2);
   EXPECT_EQ(session->timesCategoryWasSet, 2);
   EXPECT_FALSE(player->isPlaying());
 
   player->playSoundFilesInSequence(Names{"two"});
   EXPECT_THAT(queued(), ElementsAre("voice/two.aif"));
-  EXPECT_TRUE(player->isPlaying());
-  queue().finishCurrentItem();
-  EXPECT_FALSE(session->isActive);
-}
-
-TEST_F(PlayerTest, WhatADeadQueueStillSaysIsIgnored) {
-  const auto player = makePlayer();
-  player->playSoundFilesInSequence(Names{"one"});
-  const auto dead = queues.back();
-  dead->fail();
-  dead->fail();  // both arrive; the first replaces the queue
-  mainThread->runPending();
-  EXPECT_EQ(queues.size(), 2u);
-  player->playSoundFilesInSequence(Names{"two"});
   dead->finishCurrentItem();
-  dead->notifyLate(QueuePlayer::kCurrentItemKeyPath);
+  dead->notifyLate(QueuePlayer::kCurrentItemKeyPath);  // nobody's end any more
   EXPECT_EQ(dead->rate(), 1);
-  EXPECT_EQ(session->history, "+");
+  EXPECT_TRUE(session->isActive);
+  queue().finishCurrentItem();  // the new queue is observed
+  EXPECT_FALSE(session->isActive);
 }
 
 TEST_F(PlayerTest, AStatusThatArrivesAfterItsQueueHasGoneIsIgnored) {

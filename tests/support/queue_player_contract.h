@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "marlune/playback/queue_player.h"
@@ -34,29 +34,29 @@ class QueuePlayerRig {
 //     INSTANTIATE_TEST_SUITE_P(Engine, QueuePlayerContract, testing::Values(&makeEngineRig));
 class QueuePlayerContract : public testing::TestWithParam<std::unique_ptr<QueuePlayerRig> (*)()> {
  protected:
-  // Keeps what it is told. It may be told on any thread.
+  // Keeps the key paths it is told of, on whatever thread.
   class Listener : public QueuePlayerObserver {
    public:
     void observeValueForKeyPath(std::string_view keyPath,
                                 const std::shared_ptr<QueuePlayer>& object) override {
       const std::lock_guard lock(_mutex);
-      _told.emplace_back(keyPath);
-      _object = object.get();
+      _told.emplace_back(object ? keyPath : "of no queue");
     }
     std::vector<std::string> takeTold() {
       const std::lock_guard lock(_mutex);
       return std::exchange(_told, {});
     }
-    const QueuePlayer* object() {
-      const std::lock_guard lock(_mutex);
-      return _object;
-    }
 
    private:
     std::mutex _mutex;
     std::vector<std::string> _told;
-    const QueuePlayer* _object = nullptr;
   };
+
+  // What the listener has been told since it was last asked.
+  std::vector<std::string> told() {
+    rig->settle();
+    return listener.takeTold();
+  }
 
   std::shared_ptr<PlayerItem> append(QueuePlayer& to, const PlayerItem* after = nullptr) {
     auto item = rig->makeItem();
@@ -71,13 +71,6 @@ class QueuePlayerContract : public testing::TestWithParam<std::unique_ptr<QueueP
   const std::unique_ptr<QueuePlayerRig> rig = GetParam()();
   const std::shared_ptr<QueuePlayer> queue = rig->makeQueue();
 };
-
-TEST_P(QueuePlayerContract, StartsEmptyAndStopped) {
-  EXPECT_EQ(queue->items(), Items());
-  EXPECT_EQ(queue->currentItem(), nullptr);
-  EXPECT_EQ(queue->rate(), 0);
-  EXPECT_NE(queue->status(), QueuePlayer::Status::failed);
-}
 
 TEST_P(QueuePlayerContract, TakesAnItemOnceAndOnlyBehindOneOfItsOwn) {
   const auto other = rig->makeQueue();
@@ -102,7 +95,9 @@ TEST_P(QueuePlayerContract, TakesAnItemOnceAndOnlyBehindOneOfItsOwn) {
   EXPECT_EQ(other->items(), Items{foreign});
 }
 
-TEST_P(QueuePlayerContract, InsertsAtTheEndOrBehindAnItem) {
+TEST_P(QueuePlayerContract, StartsEmptyAndInsertsAtTheEndOrBehindAnItem) {
+  EXPECT_EQ(queue->currentItem(), nullptr);
+  EXPECT_EQ(queue->rate(), 0);
   const auto first = append(*queue), third = append(*queue);
   const auto second = append(*queue, first.get()), fourth = append(*queue, third.get());
   EXPECT_EQ(queue->items(), (Items{first, second, third, fourth}));
@@ -141,52 +136,38 @@ TEST_P(QueuePlayerContract, RemovesEverythingAtOnce) {
 }
 
 TEST_P(QueuePlayerContract, TellsOfEveryChangeOfTheCurrentItem) {
-  const auto current = std::string(QueuePlayer::kCurrentItemKeyPath);
-  queue->addObserver(&listener, current, QueuePlayer::kNewValue);
-  rig->settle();
-  EXPECT_EQ(listener.takeTold(), Told()) << "the value as it was had not been asked for";
+  const Told once{std::string(QueuePlayer::kCurrentItemKeyPath)};
+  queue->addObserver(&listener, QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
+  EXPECT_EQ(told(), Told()) << "the value as it was had not been asked for";
   append(*queue);
-  rig->settle();
-  EXPECT_EQ(listener.takeTold(), Told{current});
-  EXPECT_EQ(listener.object(), queue.get());
+  EXPECT_EQ(told(), once);
   append(*queue);
-  rig->settle();
-  EXPECT_EQ(listener.takeTold(), Told()) << "the current item is the same";
+  EXPECT_EQ(told(), Told()) << "the current item is the same";
   queue->play();
   rig->finishCurrentItem(*queue);
-  rig->settle();
-  EXPECT_EQ(listener.takeTold(), Told{current});
+  EXPECT_EQ(told(), once);
   queue->removeAllItems();
-  rig->settle();
-  EXPECT_EQ(listener.takeTold(), Told{current});
-  queue->removeObserver(&listener, current);
+  EXPECT_EQ(told(), once);
+  queue->removeObserver(&listener, QueuePlayer::kCurrentItemKeyPath);
   append(*queue);
-  rig->settle();
-  EXPECT_EQ(listener.takeTold(), Told());
+  EXPECT_EQ(told(), Told());
 }
 
-TEST_P(QueuePlayerContract, TellsTheStatusAtOnceWhenAskedTo) {
-  queue->addObserver(&listener, QueuePlayer::kStatusKeyPath,
-                     QueuePlayer::kNewValue | QueuePlayer::kInitialValue);
-  EXPECT_EQ(listener.takeTold(), Told{std::string(QueuePlayer::kStatusKeyPath)});
-  EXPECT_EQ(listener.object(), queue.get());
-  rig->settle();
-  queue->removeObserver(&listener, QueuePlayer::kStatusKeyPath);
-}
-
-TEST_P(QueuePlayerContract, AFailureIsToldAndFinal) {
+TEST_P(QueuePlayerContract, TellsTheStatusAtOnceAndTheFailureThatIsFinal) {
+  const Told once{std::string(QueuePlayer::kStatusKeyPath)};
   append(*queue);
   queue->play();
-  queue->addObserver(&listener, QueuePlayer::kStatusKeyPath, QueuePlayer::kNewValue);
   rig->settle();
-  listener.takeTold();
+  queue->addObserver(&listener, QueuePlayer::kStatusKeyPath,
+                     QueuePlayer::kNewValue | QueuePlayer::kInitialValue);
+  EXPECT_EQ(listener.takeTold(), once);
+  EXPECT_NE(queue->status(), QueuePlayer::Status::failed);
   rig->fail(*queue);
-  rig->settle();
-  EXPECT_EQ(listener.takeTold(), Told{std::string(QueuePlayer::kStatusKeyPath)});
+  EXPECT_EQ(told(), once);
   EXPECT_EQ(queue->status(), QueuePlayer::Status::failed);
   queue->removeAllItems();
   queue->play();
-  rig->settle();
+  EXPECT_EQ(told(), Told());
   EXPECT_EQ(queue->status(), QueuePlayer::Status::failed);
   queue->removeObserver(&listener, QueuePlayer::kStatusKeyPath);
 }
