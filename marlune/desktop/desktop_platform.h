@@ -25,8 +25,8 @@ struct DesktopOptions {
 void installDesktopServices(const DesktopOptions& options = {});
 
 // Puts an audio session, a queue player and its items into the table, in the place of those that
-// were there, all playing to `output`: a file (FileOutput), a clock (ClockOutput) or one of the
-// app's own. Before anything plays; opens nothing.
+// were there, all playing to `output`: the sound device (makeDeviceOutput), a file (FileOutput), a
+// clock (ClockOutput) or one of the app's own. Before anything plays; opens nothing.
 void installDesktopAudio(std::shared_ptr<AudioOutput> output);
 
 }  // namespace marlune

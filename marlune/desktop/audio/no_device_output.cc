@@ -1,0 +1,22 @@
+// The sound device of a build without one.
+
+#include "marlune/desktop/audio/device_output.h"
+
+namespace marlune {
+
+namespace {
+
+class NoDeviceOutput : public AudioOutput {
+ public:
+  std::optional<std::string> open(AudioSource&, const std::string&) override {
+    return "This build has no sound device: it only renders to files.";
+  }
+  void close() override {}
+  AudioFormat formatForClip(const AudioFormat& clip) override { return clip; }
+};
+
+}  // namespace
+
+std::shared_ptr<AudioOutput> makeDeviceOutput() { return std::make_shared<NoDeviceOutput>(); }
+
+}  // namespace marlune
