@@ -9,6 +9,8 @@
 #include "tools/marlune/decompose_command.h"
 #include "tools/marlune/exit_status.h"
 #include "tools/marlune/report.h"
+#include "tools/marlune/rewrite_command.h"
+#include "tools/marlune/say_command.h"
 
 namespace marlune::tool {
 
@@ -26,7 +28,9 @@ int run(int argc, char** argv) {
   program.require_subcommand(0, 1);
   program.set_version_flag("--version", "marlune " MARLUNE_VERSION);
   ExitStatus status = kEverythingSaid;
+  addRewriteCommand(program, status);
   addDecomposeCommand(program, status);
+  addSayCommand(program, status);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

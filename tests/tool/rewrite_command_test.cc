@@ -1,0 +1,103 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "support/temporary_directory.h"
+#include "tool/tool_run.h"
+
+namespace marlune {
+
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kGrammar = R"(<?xml version="1.0"?><plist version="1.0"><dict>
+  <key>Main</key><dict>
+    <key>_order</key><integer>0</integer>
+    <key>Speed</key><dict>
+      <key>_order</key><integer>1</integer>
+      <key>_lhs</key><dict><key>_significantSlots</key><array><string>mph</string></array></dict>
+      <key>_rhs</key><array><string>miles</string></array></dict>
+    <key>Units</key><dict>
+      <key>_order</key><integer>2</integer>
+      <key>_lhs</key><dict><key>_significantSlots</key><array><string>km</string></array>
+        <key>_preContext</key><array><string>?</string></array></dict>
+      <key>_rhs</key><array><string>kilometers</string></array></dict>
+  </dict>
+  <key>Broken</key><dict>
+    <key>Units</key><dict>
+      <key>_lhs</key><dict><key>_significantSlots</key><array><array/></array></dict>
+      <key>_rhs</key><array><string>a</string></array></dict>
+  </dict>
+  <key>Text</key><string>no grammar</string>
+</dict></plist>)";
+
+class RewriteCommandTest : public testing::Test {
+ protected:
+  ToolRun rewrite(const std::vector<std::string>& arguments, const std::string& input = "") const {
+    std::vector<std::string> all{"rewrite", "--grammar", grammar};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return runTool(all, input);
+  }
+
+  TemporaryDirectory folder;
+  const std::string grammar = folder.write("grammar.plist", kGrammar);
+};
+
+TEST_F(RewriteCommandTest, AnswersALineForALine) {
+  const ToolRun lines = rewrite({"--name", "Main"}, "ten km\n\nnothing to do\n");
+  EXPECT_EQ(lines.out, "ten kilometers\n\nnothing to do\n");
+  EXPECT_EQ(lines.err, "");
+  EXPECT_EQ(lines.status, 0);
+  EXPECT_EQ(rewrite({"--name", "Main", "2 km", "3 km"}).out, "2 kilometers\n3 kilometers\n");
+  EXPECT_EQ(rewrite({"--name", "Main.Units", "2 km"}).out, "2 kilometers\n");
+}
+
+TEST_F(RewriteCommandTest, TracesTheRulesThatChangeThePhrase) {
+  EXPECT_EQ(rewrite({"--name", "Main", "--trace", "ten km"}).err,
+            "_E.([ten]).([km])._E\n"
+            "  Units (2): ([km]) after ?\n"
+            "    _E.([ten]).([kilometers])._E\n"
+            "1 of 2 rules changed the phrase\n");
+  EXPECT_EQ(rewrite({"--name", "Main.Units", "--trace", "a km"}).err,
+            "_E.([a]).([km])._E\n"
+            "  ROOT (2): ([km]) after ?\n"
+            "    _E.([a]).([kilometers])._E\n"
+            "1 of 1 rule changed the phrase\n");
+  const ToolRun raw = rewrite({"--name", "Main", "--trace=raw", "ten km"});
+  EXPECT_THAT(raw.err, HasSubstr("\nApplying 'Units' (2): "));
+  EXPECT_THAT(raw.err, HasSubstr("\nMidway Result: "));
+  EXPECT_EQ(raw.out, "ten kilometers\n");
+}
+
+TEST_F(RewriteCommandTest, RefusesAGrammarThatDoesNotLoadInOneSentence) {
+  struct Case {
+    const char* why;
+    std::string grammar;
+    const char* name;
+    std::string cause;
+  };
+  const std::string cut = folder.write("cut.plist", std::string(kGrammar).substr(0, 200));
+  const Case cases[] = {
+      {"no file", folder.path("none.plist"), "Main", folder.path("none.plist")},
+      {"a file cut off", cut, "Main", cut + ": line "},
+      {"a folder", folder.path(), "Main", folder.path()},
+      {"no grammar of that name", grammar, "Mian", grammar + ": there is no grammar named Mian"},
+      {"the name of a text", grammar, "Text", grammar + ": there is no grammar named Text"},
+      {"a name through a text", grammar, "Text.Main", grammar + ": "},
+      {"a broken rule", grammar, "Broken", grammar + ": Broken.Units._lhs._significantSlots[0]"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.why);
+    const ToolRun run = runTool({"rewrite", "--grammar", c.grammar, "--name", c.name, "km"});
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, testing::StartsWith("marlune: " + c.cause));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+    EXPECT_EQ(run.status, 2);
+  }
+}
+
+}  // namespace
+
+}  // namespace marlune

@@ -1,0 +1,110 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/temporary_directory.h"
+#include "tool/tool_run.h"
+
+namespace marlune {
+
+namespace {
+
+using testing::HasSubstr;
+
+constexpr int kHeaderOfWav = 44;  // bytes in front of the samples
+
+class SayCommandTest : public testing::Test {
+ protected:
+  ToolRun say(const std::vector<std::string>& arguments, const std::string& input = "") const {
+    std::vector<std::string> all{"say", "--sounds", sounds, "--output", output};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return runTool(all, input);
+  }
+
+  std::string samples() const {
+    const std::string file = TemporaryDirectory::contentOf(output);
+    return file.size() < kHeaderOfWav ? "" : file.substr(kHeaderOfWav);
+  }
+
+  TemporaryDirectory folder;
+  std::string sounds = MARLUNE_VOICE_FOLDER;
+  std::string output = folder.path("out.wav");
+};
+
+TEST_F(SayCommandTest, RendersAllPhrasesInARowAndShowsTheirFiles) {
+  EXPECT_EQ(say({"ten kilometers"}).status, 0);
+  const std::string first = samples();
+  EXPECT_EQ(say({"good_job"}).status, 0);
+  const std::string second = samples();
+
+  const ToolRun both = say({}, "ten kilometers\nflib\ngood_job\n");
+  EXPECT_EQ(samples(), first + second);
+  EXPECT_THAT(both.out,
+              testing::MatchesRegex("ten kilometers \\| ten_kilometers [0-9.]+: [0-9.]+ s\n"
+                                    "\n"
+                                    "good_job \\| good_job [0-9.]+: [0-9.]+ s\n"));
+  EXPECT_EQ(both.err, "marlune: line 2: \"flib\": no recording of \"flib\"\n");
+  EXPECT_EQ(both.status, 1);
+}
+
+TEST_F(SayCommandTest, RewritesBeforeItSays) {
+  const std::string grammar = folder.write("grammar.plist", R"(<?xml version="1.0"?>
+    <plist version="1.0"><dict><key>Main</key><dict><key>_order</key><integer>0</integer>
+      <key>_lhs</key><dict><key>_significantSlots</key><array><string>km</string></array></dict>
+      <key>_rhs</key><array><string>kilometers</string></array>
+    </dict></dict></plist>)");
+  const ToolRun run = say({"--grammar", grammar, "--name", "Main", "five km"});
+  EXPECT_THAT(run.out, testing::StartsWith("five kilometers | five_kilometers "));
+  EXPECT_EQ(run.status, 0);
+}
+
+TEST_F(SayCommandTest, RefusesAPhraseWithARecordingThatCannotBePlayed) {
+  sounds = folder.path();
+  folder.write("broken.aif", "FORM");
+  std::filesystem::copy(std::string(MARLUNE_VOICE_FOLDER) + "/go.aif", folder.path("go.aif"));
+  const ToolRun run = say({"broken go", "go"});
+  EXPECT_THAT(run.err,
+              testing::StartsWith("marlune: \"broken go\": broken.aif cannot be played: "));
+  EXPECT_THAT(run.out, testing::StartsWith("\ngo | go "));
+  EXPECT_EQ(run.status, 1);
+}
+
+TEST_F(SayCommandTest, AnOverrideMaySayNothing) {
+  const std::string overrides = folder.write(
+      "overrides.plist",
+      "<plist><dict><key>whole</key><dict><key>hush</key><array/></dict></dict></plist>");
+  const ToolRun run = say({"--overrides", overrides, "hush", "go"});
+  EXPECT_THAT(run.out, testing::StartsWith("hush | : 0.00 s\ngo | go "));
+  EXPECT_EQ(run.status, 0);
+}
+
+TEST_F(SayCommandTest, RefusesAnOutputThatItCannotMake) {
+  struct Case {
+    std::string output;
+    const char* cause;
+  };
+  const Case cases[] = {
+      {folder.path("out.mp3"), "must be a file *.wav or *.aif"},
+      {folder.path("none/out.wav"), "there is no folder"},
+      {"/dev/full/out.wav", "there is no folder"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.output);
+    output = c.output;
+    const ToolRun run = say({"go"});
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr("marlune: " + c.output + ": "));
+    EXPECT_THAT(run.err, HasSubstr(c.cause));
+    EXPECT_EQ(run.status, 2);
+  }
+}
+
+TEST_F(SayCommandTest, NeedsAGrammarAndItsNameTogether) {
+  EXPECT_EQ(say({"--grammar", "x.plist", "go"}).status, 2);
+  EXPECT_EQ(say({"--name", "Main", "go"}).status, 2);
+}
+
+}  // namespace
+
+}  // namespace marlune

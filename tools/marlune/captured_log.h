@@ -1,0 +1,37 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_CAPTURED_LOG_H_
+#define MARLUNE_TOOLS_MARLUNE_CAPTURED_LOG_H_
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "marlune/platform/system_log.h"
+
+namespace marlune::tool {
+
+// While it stands, keeps the lines that go to the system log instead of showing them. One at a
+// time, and only while nothing else is at work in the process.
+class CapturedLog {
+ public:
+  CapturedLog();
+  ~CapturedLog();  // what logged before logs again; what was kept is gone
+  CapturedLog(const CapturedLog&) = delete;
+  CapturedLog& operator=(const CapturedLog&) = delete;
+
+  const std::vector<std::string>& lines() const { return _lines->kept; }
+
+ private:
+  class Lines : public SystemLog {
+   public:
+    void write(std::string_view message) noexcept override;
+    std::vector<std::string> kept;
+  };
+
+  const std::shared_ptr<Lines> _lines = std::make_shared<Lines>();
+  const std::shared_ptr<SystemLog> _former;
+};
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_CAPTURED_LOG_H_

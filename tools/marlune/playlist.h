@@ -1,0 +1,44 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_PLAYLIST_H_
+#define MARLUNE_TOOLS_MARLUNE_PLAYLIST_H_
+
+#include <string>
+#include <vector>
+
+#include "marlune/platform/resource_bundle.h"
+#include "tools/marlune/phrase_input.h"
+
+namespace marlune::tool {
+
+struct PlaylistEntry {
+  std::string name;  // of the recording, without extension
+  double seconds = 0;
+};
+
+// The recordings that are about to be played, each opened once to see that it can be.
+class Playlist {
+ public:
+  // REQUIRES: the bundle has each of the files.
+  Playlist(const Words& files, const ResourceBundle& bundle);
+
+  // The recordings that cannot be played, each with its cause; empty when all can.
+  const std::string& faults() const { return _faults; }
+
+  double seconds() const { return _seconds; }
+  // The recording that sounds so many seconds after the start; nullptr at the end.
+  const PlaylistEntry* entryAt(double seconds) const;
+
+  // "five_kilometers 1.02, in 0.31: 1.33 s"
+  std::string text() const;
+
+ private:
+  std::vector<PlaylistEntry> _entries;
+  std::string _faults;
+  double _seconds = 0;
+};
+
+// With two digits behind the point.
+std::string secondsText(double seconds);
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_PLAYLIST_H_

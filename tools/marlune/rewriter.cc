@@ -1,0 +1,88 @@
+#include "tools/marlune/rewriter.h"
+
+#include <string_view>
+
+#include "marlune/desktop/plist/property_list_file.h"
+#include "marlune/grammar/grammar_error.h"
+#include "marlune/platform/platform.h"
+#include "marlune/util/tq_utils.h"
+#include "tools/marlune/captured_log.h"
+#include "tools/marlune/input_error.h"
+
+namespace marlune::tool {
+
+namespace {
+
+// Preferences of one process that hold one thing: that the grammar's trace is on.
+class TracePreferences : public Preferences {
+ public:
+  Value valueForKey(std::string_view key, std::string_view) const override {
+    return key == ZKPlistNotificationDefault ? Value::boolean(true) : Value();
+  }
+  void setValueForKey(const Value&, std::string_view, std::string_view) override {}
+  bool synchronize(std::string_view) override { return true; }
+};
+
+// What the library says of a file that it cannot read.
+std::string causeAmong(const std::vector<std::string>& lines) {
+  constexpr std::string_view kOpening = "ERROR loading grammar from plist: ";
+  for (const std::string& line : lines) {
+    if (line.starts_with(kOpening)) return line.substr(kOpening.size());
+  }
+  return "";
+}
+
+// Passes on what was logged, except the two lines of each comparison by a prefix or suffix key:
+// they are many, and a trace shows them.
+void showLines(const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) {
+    const bool isComparison =
+        line.starts_with("Prefix! ") || line.starts_with("Suffix! ") || line.starts_with("MATCH!");
+    if (!isComparison) TQUtils::systemLog("%@", line);
+  }
+}
+
+}  // namespace
+
+Rewriter::Rewriter(const std::string& path, const std::string& name) {
+  Platform::shared().propertyListReader = std::make_shared<PropertyListFile>();
+  std::vector<std::string> lines;
+  {
+    const CapturedLog log;
+    try {
+      _parser = Parser::initWithPlistAtPath(path, name);
+    } catch (const GrammarError& error) {
+      throw InputError(path + ": " + error.what());
+    }
+    lines = log.lines();
+  }
+  if (_parser->grammarsPlist().isAbsent()) throw InputError(causeAmong(lines));
+  if (!_parser->theGrammar()) throw InputError(path + ": there is no grammar named " + name);
+  showLines(lines);
+}
+
+Words Rewriter::rewritten(const Words& words) const {
+  Words result;
+  std::vector<std::string> lines;
+  {
+    const CapturedLog log;
+    result = _parser->resultOfRulesAppliedToStrings(words)->stringArray();
+    lines = log.lines();
+  }
+  showLines(lines);
+  return result;
+}
+
+Trace Rewriter::traceOf(const Words& words) const {
+  Trace trace;
+  trace.before = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words)->description();
+  const CapturedLog log;
+  const auto former = Platform::shared().preferences;
+  Platform::shared().preferences = std::make_shared<TracePreferences>();
+  trace.after = _parser->resultOfRulesAppliedToStrings(words)->description();
+  Platform::shared().preferences = former;
+  trace.lines = log.lines();
+  return trace;
+}
+
+}  // namespace marlune::tool

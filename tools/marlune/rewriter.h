@@ -1,0 +1,32 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_REWRITER_H_
+#define MARLUNE_TOOLS_MARLUNE_REWRITER_H_
+
+#include <memory>
+#include <string>
+
+#include "marlune/grammar/parser.h"
+#include "tools/marlune/phrase_input.h"
+#include "tools/marlune/trace.h"
+
+namespace marlune::tool {
+
+// One grammar of a grammar file, ready to rewrite phrases.
+class Rewriter {
+ public:
+  // Throws InputError, with the file and the cause, when the file cannot be read, its grammar is
+  // broken, or it has none of that name. Warnings about the grammar go to the log.
+  Rewriter(const std::string& path, const std::string& name);
+
+  Words rewritten(const Words& words) const;
+
+  // What the grammar logs under its trace key while it rewrites the words. Lines that it logs in
+  // any case are among them.
+  Trace traceOf(const Words& words) const;
+
+ private:
+  std::unique_ptr<Parser> _parser;
+};
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_REWRITER_H_

@@ -1,0 +1,16 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_SAY_COMMAND_H_
+#define MARLUNE_TOOLS_MARLUNE_SAY_COMMAND_H_
+
+#include <CLI/App.hpp>
+
+#include "tools/marlune/exit_status.h"
+
+namespace marlune::tool {
+
+// Adds `marlune say` to the program: words in, sound out, on the device or into a file. When it
+// has run, `status` says how it ended; both must outlive the parsing of the command line.
+void addSayCommand(CLI::App& program, ExitStatus& status);
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_SAY_COMMAND_H_

@@ -1,0 +1,24 @@
+#include "tools/marlune/watched_output.h"
+
+namespace marlune::tool {
+
+std::optional<std::string> WatchedOutput::failure() const {
+  const std::lock_guard lock(_mutex);
+  return _failure;
+}
+
+std::optional<std::string> WatchedOutput::open(AudioSource& source, const std::string& role) {
+  return _noted(_output->open(source, role));
+}
+
+std::optional<std::string> WatchedOutput::loss() const { return _noted(_output->loss()); }
+
+std::optional<std::string> WatchedOutput::_noted(std::optional<std::string> failure) const {
+  if (failure) {
+    const std::lock_guard lock(_mutex);
+    if (!_failure) _failure = failure;
+  }
+  return failure;
+}
+
+}  // namespace marlune::tool

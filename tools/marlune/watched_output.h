@@ -1,0 +1,43 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_WATCHED_OUTPUT_H_
+#define MARLUNE_TOOLS_MARLUNE_WATCHED_OUTPUT_H_
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "marlune/desktop/audio/audio_output.h"
+
+namespace marlune::tool {
+
+// An output that remembers what went wrong with it. The player logs a failure and goes on; the
+// tool wants to end with it.
+class WatchedOutput : public AudioOutput {
+ public:
+  explicit WatchedOutput(std::shared_ptr<AudioOutput> output) : _output(std::move(output)) {}
+
+  // The first failure to open, or loss while open, as a sentence. Any thread.
+  std::optional<std::string> failure() const;
+
+  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  void close() override { _output->close(); }
+  AudioFormat formatForClip(const AudioFormat& clip) override {
+    return _output->formatForClip(clip);
+  }
+  std::size_t latencyFrames() const override { return _output->latencyFrames(); }
+  std::optional<std::string> loss() const override;
+  std::optional<double> stallLimitSeconds() const override { return _output->stallLimitSeconds(); }
+  void takeAvailable(std::size_t frames) override { _output->takeAvailable(frames); }
+
+ private:
+  std::optional<std::string> _noted(std::optional<std::string> failure) const;
+
+  const std::shared_ptr<AudioOutput> _output;
+  mutable std::mutex _mutex;
+  mutable std::optional<std::string> _failure;
+};
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_WATCHED_OUTPUT_H_
