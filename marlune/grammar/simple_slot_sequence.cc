@@ -57,6 +57,11 @@ std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::initFromPlist(const Valu
   return initWithArray(_slotsFromPlist(plist));
 }
 
+std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::_withPendingSlots(
+    std::unique_ptr<const PendingSlots> slots) {
+  return makeSharedOf<SimpleSlotSequence>(std::move(slots));
+}
+
 SimpleSlotSequence& SimpleSlotSequence::pad() {
   const bool needsFirst = empty() || !isBlank(*slots().front());
   const bool needsLast = count() < 2 || !isBlank(*slots().back());
@@ -66,6 +71,7 @@ SimpleSlotSequence& SimpleSlotSequence::pad() {
 }
 
 std::vector<std::string> SimpleSlotSequence::stringArray() const {
+  if (_pendingSlots()) return _pendingSlots()->stringArray();
   std::vector<std::string> strings;
   for (const std::shared_ptr<Slot>& slot : slots()) {
     const std::shared_ptr<Cell>& cell = slot->_cellOrNull();

@@ -33,6 +33,10 @@ class SimpleSlotSequence : public SlotSequence {
   static std::shared_ptr<SimpleSlotSequence> initWithArray(SlotArray slots);
   static std::shared_ptr<SimpleSlotSequence> initFromPlist(const Value& plist);
 
+  // The slots are made when somebody looks at them. Until then the phrase is for one thread alone.
+  static std::shared_ptr<SimpleSlotSequence> _withPendingSlots(
+      std::unique_ptr<const PendingSlots> slots);
+
   // Gives this phrase the blanks that it lacks and answers it: one in front unless it begins with
   // a blank, one behind unless it has two slots and ends with a blank.
   SimpleSlotSequence& pad();

@@ -60,7 +60,7 @@ SlotArray SlotSequence::_slotsFromPlist(std::span<const Value> elements, std::si
   return slots;
 }
 
-std::shared_ptr<Slot> SlotSequence::first() const { return empty() ? nullptr : _slots.front(); }
+std::shared_ptr<Slot> SlotSequence::first() const { return empty() ? nullptr : slots().front(); }
 
 std::shared_ptr<SlotSequence> SlotSequence::rest() const {
   return slotSubsequenceFromIndex(empty() ? 0 : 1);
@@ -68,7 +68,7 @@ std::shared_ptr<SlotSequence> SlotSequence::rest() const {
 
 SlotArray SlotSequence::subsequenceFromIndex(std::size_t index) const {
   requireWithin(index, count());
-  return {at(_slots, index), _slots.end()};
+  return {at(slots(), index), slots().end()};
 }
 
 std::shared_ptr<SlotSequence> SlotSequence::slotSubsequenceFromIndex(std::size_t index) const {
@@ -79,13 +79,13 @@ std::shared_ptr<SimpleSlotSequence> SlotSequence::occurrenceOfSequence(const Slo
                                                                        std::size_t atIndex) const {
   if (atIndex > count() || sequence.count() > count() - atIndex) return nullptr;
   return SimpleSlotSequence::initWithArray(
-      {at(_slots, atIndex), at(_slots, atIndex + sequence.count())});
+      {at(slots(), atIndex), at(slots(), atIndex + sequence.count())});
 }
 
 std::shared_ptr<SlotSequence> SlotSequence::portionPrecedingOccurrenceOfSequence(
     const SlotSequence&, std::size_t atIndex) const {
   requireWithin(atIndex, count());
-  return initWithArray({_slots.begin(), at(_slots, atIndex)});
+  return initWithArray({slots().begin(), at(slots(), atIndex)});
 }
 
 std::shared_ptr<SlotSequence> SlotSequence::portionFollowingOccurrenceOfSequence(
@@ -95,18 +95,23 @@ std::shared_ptr<SlotSequence> SlotSequence::portionFollowingOccurrenceOfSequence
 }
 
 std::shared_ptr<SlotSequence> SlotSequence::reversed() const {
-  SlotArray slots;
-  slots.reserve(count());
-  std::transform(_slots.rbegin(), _slots.rend(), std::back_inserter(slots),
+  SlotArray backwards;
+  backwards.reserve(count());
+  std::transform(slots().rbegin(), slots().rend(), std::back_inserter(backwards),
                  [](const auto& slot) { return slot->reversed(); });
-  return initWithArray(std::move(slots));
+  return initWithArray(std::move(backwards));
+}
+
+void SlotSequence::_makeSlots() const {
+  _slots = _pending->slots();
+  _pending.reset();
 }
 
 std::shared_ptr<Slot> SlotSequence::_reversed() { return reversed(); }
 
 std::vector<std::int32_t> SlotSequence::indicesOfOccurrencesInTarget(
     const SlotSequence& target) const {
-  SequenceMatcher matcher(_slots, SlotRun::forwards(target.slots()));
+  SequenceMatcher matcher(slots(), SlotRun::forwards(target.slots()));
   std::vector<std::int32_t> indices;
   for (std::size_t index = 0; index < target.count(); ++index) {
     if (matcher.matchesFrom(index)) indices.push_back(static_cast<std::int32_t>(index));
@@ -117,29 +122,29 @@ std::vector<std::int32_t> SlotSequence::indicesOfOccurrencesInTarget(
 std::shared_ptr<SlotSequence> SlotSequence::overlayedOn(
     std::shared_ptr<SlotSequence> target) const {
   for (std::size_t i = 0; i < std::min(count(), target->count()); ++i) {
-    const SimpleSlot* overlay = SimpleSlot::from(_slots[i].get());
-    const SimpleSlot* under = SimpleSlot::from(target->_slots[i].get());
-    if (overlay && under) target->_slots[i] = overlay->overlayedOn(*under);
+    const SimpleSlot* overlay = SimpleSlot::from(slots()[i].get());
+    const SimpleSlot* under = SimpleSlot::from(target->slots()[i].get());
+    if (overlay && under) target->slots()[i] = overlay->overlayedOn(*under);
   }
   return target;
 }
 
 std::string SlotSequence::description() const {
   std::string joined;
-  for (const std::shared_ptr<Slot>& slot : _slots) {
-    if (&slot != &_slots.front()) joined += '.';
+  for (const std::shared_ptr<Slot>& slot : slots()) {
+    if (&slot != &slots().front()) joined += '.';
     joined += slot->description();
   }
   return joined;
 }
 
 bool SlotSequence::_matchesAt(const SlotRun& target, std::size_t index) const {
-  return SequenceMatcher(_slots, target).matchesFrom(index);
+  return SequenceMatcher(slots(), target).matchesFrom(index);
 }
 
 // Within a sequence a Kleene slot is not asked itself, and slots of other kinds not at all.
 bool SlotSequence::_writesLines() const {
-  return std::ranges::any_of(_slots, [](const std::shared_ptr<Slot>& slot) {
+  return std::ranges::any_of(slots(), [](const std::shared_ptr<Slot>& slot) {
     switch (slot->kind()) {
       case Kind::kleene:
         return static_cast<const CompoundSlot&>(*slot).slots()->_writesLines();

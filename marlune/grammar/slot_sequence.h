@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "marlune/grammar/pending_slots.h"
 #include "marlune/grammar/slot.h"
 
 namespace marlune {
@@ -30,14 +31,20 @@ class SlotSequence : public Slot {
   Kind kind() const override { return Kind::sequence; }
 
   // The live array: what a caller changes in it changes the sequence. No element may be null.
-  SlotArray& slots() { return _slots; }
-  const SlotArray& slots() const { return _slots; }
-  void setSlots(SlotArray slots) { _slots = std::move(slots); }
+  SlotArray& slots() {
+    if (_pending) _makeSlots();
+    return _slots;
+  }
+  const SlotArray& slots() const {
+    if (_pending) _makeSlots();
+    return _slots;
+  }
+  void setSlots(SlotArray slots) { this->slots() = std::move(slots); }
 
   std::shared_ptr<Slot> first() const;         // nullptr when empty
   std::shared_ptr<SlotSequence> rest() const;  // all but the first; empty when empty
-  std::size_t count() const { return _slots.size(); }
-  bool empty() const { return _slots.empty(); }
+  std::size_t count() const { return slots().size(); }
+  bool empty() const { return slots().empty(); }
 
   // The slots from `index` to the end. Throws std::out_of_range past the count.
   SlotArray subsequenceFromIndex(std::size_t index) const;
@@ -79,13 +86,20 @@ class SlotSequence : public Slot {
 
  protected:
   explicit SlotSequence(SlotArray slots) : _slots(std::move(slots)) {}
+  explicit SlotSequence(std::unique_ptr<const PendingSlots> slots) : _pending(std::move(slots)) {}
+
+  // What the slots are still to be made from; nullptr once they are there.
+  const PendingSlots* _pendingSlots() const { return _pending.get(); }
 
   static SlotArray _slotsFromPlist(const Value& plist);
 
  private:
   std::shared_ptr<Slot> _reversed() override;
+  void _makeSlots() const;
 
-  SlotArray _slots;
+  // At any time one of the two holds the slots: reading a phrase of pending ones makes them.
+  mutable SlotArray _slots;
+  mutable std::unique_ptr<const PendingSlots> _pending;
 };
 
 }  // namespace marlune
