@@ -14,11 +14,15 @@
 
 namespace marlune {
 
+class CompiledGrammar;
+
 // The rewriting grammar as an app uses it: one grammar of a grammar file, made ready; words in,
 // rewritten words out. A file is read once in a process; all parsers on it share its tree, into
 // which building a grammar writes. One thread at a time.
 class Parser {
  public:
+  ~Parser();
+
   // The grammar that the dot-notation name selects in the file. A file that cannot be read and a
   // name that selects nothing give a parser without a grammar, which answers nullptr to every
   // phrase. GrammarError when the file's inserts or the grammar are broken.
@@ -58,11 +62,14 @@ class Parser {
   const std::shared_ptr<GrammarPart>& theGrammar() const { return _theGrammar; }
 
  private:
-  Parser() = default;
+  Parser();
+
+  bool _worksCompiled() const;
 
   Value _grammarsPlist;
   bool _debugging = false;
   std::shared_ptr<GrammarPart> _theGrammar;
+  std::unique_ptr<CompiledGrammar> _compiled;  // of theGrammar; works for it while no trace is on
 };
 
 }  // namespace marlune

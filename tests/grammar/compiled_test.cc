@@ -1,0 +1,274 @@
+// The compiled grammar against a plain reference and against the tree it was compiled from. The
+// environment can ask for more cases, or for certain ones again:
+//
+//     MARLUNE_GRAMMARS=25000 MARLUNE_SEED=7 grammar_test --gtest_filter='CompiledTest.*'
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "marlune/grammar/compiled_agenda.h"
+#include "marlune/grammar/compiled_grammar.h"
+#include "marlune/grammar/parser.h"
+#include "marlune/grammar/simple_slot.h"
+#include "marlune/grammar/simple_slot_sequence.h"
+#include "reference/reference_grammar.h"
+#include "support/platform_fixture.h"
+#include "support/plist_notation.h"
+#include "support/random_grammar.h"
+
+namespace marlune {
+namespace {
+
+using Words = std::vector<std::string>;
+using Phrase = std::shared_ptr<SimpleSlotSequence>;
+
+std::uint64_t fromEnvironment(const char* name, std::uint64_t otherwise) {
+  const char* const text = std::getenv(name);
+  return text ? std::strtoull(text, nullptr, 10) : otherwise;
+}
+
+// A phrase to the last detail: types, attributes in their order, and which slots are one object,
+// or one with a slot of `input`.
+std::string detailed(const SimpleSlotSequence& phrase, const SlotArray& input) {
+  SlotArray seen = input;
+  std::string text;
+  for (const auto& slot : phrase.slots()) {
+    const Cell& cell = *slot->_cellOrNull();
+    const auto place = std::find(seen.begin(), seen.end(), slot);
+    text += std::to_string(place - seen.begin()) + ":" + std::to_string(cell.type());
+    if (place == seen.end()) seen.push_back(slot);
+    text += cell.attributes() ? formatted("%@\n", {cell.attributes()->asPlist()}) : "none\n";
+  }
+  return text;
+}
+
+class CompiledTest : public PlatformFixture {
+ protected:
+  // The part under "Main" of a file whose inserts are still to be carried out, and compiled.
+  void compile(const Value& file) {
+    while (Parser::insertStatementsFromOriginal(file, file)) {
+    }
+    root = GrammarPart::instanceFromPlist(file.asDictionary()->valueForKey("Main"));
+    compiled = CompiledGrammar::compile(root);
+  }
+
+  // The result for words, compared with the tree's in every detail and in the lines written.
+  Phrase compared(const Words& words) {
+    const Phrase input = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words);
+    log->clear();
+    const Phrase expected = root->appliedTo(*input);
+    const std::vector<std::string> lines = log->lines();
+    log->clear();
+    const Phrase result = compiled->appliedToStrings(words);
+    EXPECT_EQ(log->lines(), lines);
+    EXPECT_EQ(result->stringArray(), expected->stringArray());
+    EXPECT_EQ(detailed(*result, {}), detailed(*expected, {}));
+    EXPECT_EQ(result->stringArray(), expected->stringArray());
+    const Phrase ofPhrase = compiled->appliedTo(*input);
+    EXPECT_EQ(detailed(*ofPhrase, input->slots()), detailed(*expected, input->slots()));
+    log->clear();
+    return result;
+  }
+
+  std::shared_ptr<GrammarPart> root;
+  std::unique_ptr<CompiledGrammar> compiled;
+};
+
+TEST_F(CompiledTest, RandomGrammarsGiveWhatReferenceAndTreeGive) {
+  const std::uint64_t firstSeed = fromEnvironment("MARLUNE_SEED", 20240612);
+  const std::uint64_t grammars = fromEnvironment("MARLUNE_GRAMMARS", 500);
+  constexpr int kPhrases = 10;
+  std::uint64_t count = 0, rewritten = 0;
+  for (std::uint64_t seed = firstSeed; seed < firstSeed + grammars; ++seed) {
+    RandomGrammar random(seed), again(seed);
+    const Value file = random.file();
+    reference::Grammar reference(file, "Main");
+    compile(again.file());
+    for (int i = 0; i < kPhrases; ++i) {
+      const Words words = random.phrase();
+      reference.lines.clear();
+      reference::Slots expected;
+      try {
+        expected = reference.applied(words);
+      } catch (const reference::Overrun&) {
+        continue;
+      }
+      log->clear();
+      const Words strings = compiled->appliedToStrings(words)->stringArray();
+      ASSERT_EQ(log->lines(), reference.lines) << seed;
+      ASSERT_EQ(strings, reference::Grammar::words(expected)) << seed;
+      ASSERT_EQ(compared(words)->description(), reference::printed(expected)) << seed;
+      ASSERT_FALSE(HasFailure()) << formatted("seed %lu: %@\n%@", {seed, file, words});
+      ++count;
+      rewritten += strings != words;
+    }
+  }
+  std::printf("%llu cases, %llu of them rewritten, from seed %llu\n",
+              static_cast<unsigned long long>(count), static_cast<unsigned long long>(rewritten),
+              static_cast<unsigned long long>(firstSeed));
+  EXPECT_GT(count, grammars * kPhrases * 9 / 10);
+  EXPECT_GT(rewritten, count / 3);
+}
+
+// Repetitions deeper, and phrases longer, than those of random grammars.
+class RandomRepetitions {
+ public:
+  explicit RandomRepetitions(std::uint32_t seed) : _random(seed) {}
+
+  std::size_t below(std::size_t count) { return _random() % count; }
+
+  Value rule() {
+    auto lhs = std::make_shared<Dictionary>();
+    lhs->setValueForKey(_slots({}, 1 + below(3), 4), "_significantSlots");
+    if (below(2)) lhs->setValueForKey(_slots({}, 1 + below(2), 3), "_preContext");
+    if (below(2)) lhs->setValueForKey(_slots({}, 1 + below(2), 3), "_postContext");
+    auto rule = std::make_shared<Dictionary>();
+    rule->setValueForKey(Value::dictionary(lhs), "_lhs");
+    rule->setValueForKey(plist("[x]"), "_rhs");
+    auto file = std::make_shared<Dictionary>();
+    file->setValueForKey(Value::dictionary(rule), "Main");
+    return Value::dictionary(file);
+  }
+
+  Words phrase() {
+    Words words;
+    for (std::size_t i = 4 + below(9); i > 0; --i) words.push_back(below(3) ? "a" : "b");
+    return words;
+  }
+
+ private:
+  Value _slots(std::vector<Value> elements, std::size_t count, std::size_t levels) {
+    for (; count > 0; --count) {
+      const bool repeats = levels > 0 && below(3) > 0;
+      elements.push_back(repeats ? _slots({Value::string("*")}, 1 + below(3), levels - 1)
+                                 : Value::string(below(3) ? "a" : "b"));
+    }
+    return Value::array(std::make_shared<Array>(std::move(elements)));
+  }
+
+  std::mt19937 _random;
+};
+
+TEST_F(CompiledTest, DeepRepetitionsGiveWhatThePlainRecursionGives) {
+  const std::uint64_t grammars = fromEnvironment("MARLUNE_GRAMMARS", 300);
+  std::uint64_t count = 0, rewritten = 0;
+  for (std::uint32_t seed = 1; seed <= grammars; ++seed) {
+    RandomRepetitions random(seed);
+    const Value file = random.rule();
+    compile(file);
+    reference::Grammar reference(file, "Main");
+    reference.mostSteps = 3000;
+    for (int i = 0; i < 4; ++i) {
+      const Words words = random.phrase();
+      try {
+        const Words expected = reference::Grammar::words(reference.applied(words));
+        ASSERT_EQ(compared(words)->stringArray(), expected) << formatted("%@\n%@", {file, words});
+        ++count;
+        rewritten += expected != words;
+      } catch (const reference::Overrun&) {
+      }
+    }
+  }
+  EXPECT_GT(count, grammars);
+  EXPECT_GT(rewritten, count / 4);
+}
+
+TEST_F(CompiledTest, PhrasesWithoutACompiledFormGoThroughTheTree) {
+  compile(
+      plist("{Main={A={_order=#1; _lhs={_significantSlots=[a]}; _rhs=[b]};"
+            "        B={_order=#2; _lhs={_significantSlots=[b]}; _rhs=[c, d]}}}"));
+  const auto number = Cell::initWithContentString("a");
+  number->setAttribute(AttributeValue::fromPlist(Value::integer(4)), "n");
+  const auto comparing = Cell::initWithContentString("b");
+  comparing->setAttribute(std::string("x"), "#x-");
+  for (const auto& cell : {number, comparing, Cell::initFromPlist(Value::integer(1))}) {
+    const auto shared = SimpleSlot::initWithCell(cell);
+    const auto phrase = SimpleSlotSequence::initWithArray({shared, SimpleSlot::blank(), shared});
+    EXPECT_EQ(detailed(*compiled->appliedTo(*phrase), phrase->slots()),
+              detailed(*root->appliedTo(*phrase), phrase->slots()));
+  }
+}
+
+TEST_F(CompiledTest, PadsLikeTheTree) {
+  for (const char* main : {"{}", "{A={_lhs={_significantSlots=[z]}; _rhs=[y]}}",
+                           "{_lhs={_significantSlots=[_E]}; _rhs=[]}",
+                           "{A={_order=#1; _lhs={_significantSlots=[_E]}; _rhs=[]};"
+                           " B={_order=#2; _lhs={_significantSlots=[z]}; _rhs=[]}}"}) {
+    SCOPED_TRACE(main);
+    compile(plist(std::string("{Main=") + main + "}"));
+    for (const Words& words : {Words{}, Words{"a"}, Words{"_E", "a", "_E"}}) {
+      compared(words);
+      const Phrase bare = SimpleSlotSequence::slotSequenceWithStrings(words);
+      EXPECT_EQ(detailed(*compiled->appliedTo(*bare), bare->slots()),
+                detailed(*root->appliedTo(*bare), bare->slots()));
+    }
+  }
+}
+
+TEST_F(CompiledTest, RulesThatNeverEndAndPhrasesThatExplodeAreLeftToTheTree) {
+  for (const char* rule :
+       {"{_repeat=#1; _lhs={_significantSlots=[a, b]}; _rhs=[{_index=#1}, {_index=#0}, a]}",
+        "{_repeat=#1; _lhs={_significantSlots=[[+, a, b]]}; _rhs={_signature="
+        " [{_index=#0; _attribute=content}]; _expansions={a=[b]; b=[a]}}}",
+        "{_repeat=#1; _lhs={_significantSlots=[b]}; _rhs=[b, b]}"}) {
+    SCOPED_TRACE(rule);
+    compile(plist(std::string("{Main={R=") + rule + "}}"));
+    compared({"a", "b", "a"});
+    EXPECT_FALSE(HasFailure());
+  }
+}
+
+TEST_F(CompiledTest, AResultOutlivesGrammarAndWords) {
+  compile(plist("{Main={_lhs={_significantSlots=[a]}; _rhs=[{_index=#0; post=tail}]}}"));
+  auto words = std::make_unique<Words>(Words{"a", "a word that the grammar does not know"});
+  const Phrase result = compiled->appliedToStrings(*words);
+  compiled = nullptr;
+  root = nullptr;
+  words = nullptr;
+  EXPECT_EQ(result->stringArray(), (Words{"a", "a word that the grammar does not know"}));
+  EXPECT_EQ(result->description(), "_E.([a]tail).([a word that the grammar does not know])._E");
+}
+
+// A log that asks the grammar something while one of its rules writes a line.
+TEST_F(CompiledTest, ALogMayAskTheGrammarItself) {
+  compile(
+      plist("{Main={A={_order=#1; _lhs={_significantSlots=[a]}; _rhs=[b]};"
+            "        P={_order=#2; _lhs={_significantSlots=[{#x-=b}]}; _rhs=[c]}}}"));
+  struct AskingLog : SystemLog {
+    void write(std::string_view) noexcept override {
+      if (depth++ == 0) answer = grammar->appliedToStrings({"a", "a", "z"})->stringArray();
+    }
+    CompiledGrammar* grammar = nullptr;
+    int depth = 0;
+    Words answer;
+  };
+  const auto asking = std::make_shared<AskingLog>();
+  asking->grammar = compiled.get();
+  Platform::shared().systemLog = asking;
+  EXPECT_EQ(compiled->appliedToStrings({"z", "a"})->stringArray(), (Words{"z", "c"}));
+  EXPECT_EQ(asking->answer, (Words{"c", "c", "z"}));
+}
+
+TEST(CompiledAgendaTest, GivesOutInOrderWhatIsAddedOnTheWay) {
+  CompiledAgenda agenda;
+  agenda.resize(10000);
+  for (int round = 0; round < 2; ++round) {
+    for (const std::uint32_t rule : {9999u, 0u, 4096u, 63u, 64u, 9999u}) agenda.add(rule);
+    EXPECT_EQ(agenda.next(), 0u);
+    EXPECT_EQ(agenda.next(), 63u);
+    agenda.add(65);
+    agenda.add(8191);
+    for (const std::uint32_t rule : {64u, 65u, 4096u, 8191u, 9999u, CompiledAgenda::kDone}) {
+      EXPECT_EQ(agenda.next(), rule);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace marlune
