@@ -203,6 +203,10 @@ TEST(PlistXmlTest, RefusesWhatWouldOutgrowItsFile) {
   EXPECT_NE(
       read(containers).error.find("the list would take far more memory than its file is long"),
       std::string::npos);
+  std::string attributes = "<plist";
+  for (int i = 0; i < 1'000'000; ++i) attributes += " a" + std::to_string(i) + "=''";
+  EXPECT_EQ(read(attributes + "><true/></plist>").error,
+            "line 1, column 1: the XML library got no more memory for a file of this length");
   EXPECT_EQ(read("<plist><array>" + repeated("<true/>", 2'000'000) + "</array></plist>").error, "");
 }
 

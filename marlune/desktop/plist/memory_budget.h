@@ -15,11 +15,18 @@ class MemoryBudget {
   explicit MemoryBudget(std::size_t fileBytes) : _left(kTimesTheFile * fileBytes + kFixedBytes) {}
 
   void take(std::size_t bytes) {
-    if (bytes > _left) {
+    if (!tryTake(bytes)) {
       throw PropertyListError{"the list would take far more memory than its file is long"};
     }
-    _left -= bytes;
   }
+
+  // For what comes and goes, and where nothing may be thrown. Whether there was enough.
+  bool tryTake(std::size_t bytes) noexcept {
+    if (bytes > _left) return false;
+    _left -= bytes;
+    return true;
+  }
+  void giveBack(std::size_t bytes) noexcept { _left += bytes; }
 
   // What the parts of a tree cost, with the allocator's overhead and the parser's own stacks.
   static constexpr std::size_t kValue = 48;
@@ -31,8 +38,8 @@ class MemoryBudget {
   }
 
  private:
-  // What is left of the bound after the file itself and slack for the parser.
-  static constexpr std::size_t kTimesTheFile = 8;
+  // What is left of the bound after the file itself, and slack for what is not announced.
+  static constexpr std::size_t kTimesTheFile = 9;
   static constexpr std::size_t kFixedBytes = std::size_t{12} << 20;
 
   std::size_t _left;

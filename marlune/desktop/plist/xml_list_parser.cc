@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "marlune/desktop/plist/expat_memory.h"
 #include "marlune/desktop/plist/property_list_error.h"
 #include "marlune/desktop/plist/property_list_limits.h"
 #include "marlune/desktop/plist/scalar_text.h"
@@ -15,7 +16,10 @@ namespace {
 constexpr std::size_t kIndexedFrom = 17;  // entries from which a dictionary is hashed
 
 bool isBlank(std::string_view text) {
-  return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+  for (const char c : text) {
+    if (c != ' ' && c != '\t' && c != '\n' && c != '\r') return false;
+  }
+  return true;
 }
 
 std::string tag(std::string_view name) { return '<' + onOneLine(name.substr(0, 60)) + '>'; }
@@ -24,12 +28,15 @@ std::string endTag(std::string_view name) { return "</" + std::string(name) + '>
 }  // namespace
 
 XmlListParser::XmlListParser(std::string_view bytes)
-    : _bytes(bytes), _parser(XML_ParserCreate(nullptr)), _budget(bytes.size()), _pool(_budget) {
+    : _bytes(bytes), _budget(bytes.size()), _pool(_budget) {
+  const ExpatMemory::Scope memory(_budget);
+  _parser.reset(XML_ParserCreate_MM(nullptr, &ExpatMemory::suite(), nullptr));
   if (!_parser) throw std::bad_alloc();
   _installHandlers();
 }
 
 Value XmlListParser::parse() {
+  const ExpatMemory::Scope memory(_budget);
   const XML_Status status = XML_Parse(_parser.get(), _bytes.data(), static_cast<int>(_bytes.size()),
                                       /*isFinal=*/XML_TRUE);
   if (!_error.empty()) throw PropertyListError{_error};
@@ -279,7 +286,7 @@ std::string XmlListParser::_brokenXml() const {
   const XML_Error code = XML_GetErrorCode(_parser.get());
   switch (code) {
     case XML_ERROR_NO_MEMORY:
-      return "out of memory";
+      return _placed("the XML library got no more memory for a file of this length");
     case XML_ERROR_NO_ELEMENTS:
     case XML_ERROR_UNCLOSED_TOKEN:
     case XML_ERROR_UNCLOSED_CDATA_SECTION:

@@ -77,8 +77,8 @@ class XmlListParser {
   std::string _brokenXml() const;
 
   std::string_view _bytes;
-  std::unique_ptr<XML_ParserStruct, FreeParser> _parser;
   MemoryBudget _budget;
+  std::unique_ptr<XML_ParserStruct, FreeParser> _parser;
   TextPool _pool;
   std::vector<Frame> _frames;
   std::vector<Value> _values;
