@@ -1,8 +1,9 @@
 #include "marlune/grammar/sequence_matcher.h"
 
 #include <algorithm>
-#include <bit>
+#include <vector>
 
+#include "marlune/grammar/kleene_matcher.h"
 #include "marlune/grammar/kleene_slot.h"
 
 namespace marlune {
@@ -27,28 +28,42 @@ bool mayWriteLines(const SlotArray& pattern) {
   });
 }
 
-}  // namespace
-
-void SequenceMatcher::Positions::add(const Positions& others) {
-  for (std::size_t i = 0; i < _words.size(); ++i) _words[i] |= others._words[i];
-}
-
-void SequenceMatcher::Positions::remove(const Positions& others) {
-  for (std::size_t i = 0; i < _words.size(); ++i) _words[i] &= ~others._words[i];
-}
-
-bool SequenceMatcher::Positions::empty() const {
-  return std::ranges::all_of(_words, [](std::uint64_t word) { return word == 0; });
-}
-
-template <typename Visit>
-void SequenceMatcher::Positions::forEach(Visit visit) const {
-  for (std::size_t i = 0; i < _words.size(); ++i) {
-    for (std::uint64_t word = _words[i]; word != 0; word &= word - 1) {
-      visit(i * 64 + static_cast<std::size_t>(std::countr_zero(word)));
+// A pattern of slot objects, its slots numbered level by level.
+class SlotKleeneMatcher : public KleeneMatcher {
+ public:
+  SlotKleeneMatcher(const SlotArray& pattern, SlotRun target)
+      : KleeneMatcher(target.count()), _target(target), _pattern(_numbered(pattern)) {
+    for (Element element = 0; element < _slots.size(); ++element) {
+      if (const KleeneSlot* kleene = asKleene(*_slots[element])) {
+        _bodies.resize(element + 1);
+        _bodies[element] = _numbered(kleene->slots()->slots());
+      }
     }
   }
-}
+
+  std::vector<char> matchesOfPattern() { return matchesFrom(_pattern); }
+
+ protected:
+  bool _repeats(Element element) const override { return asKleene(*_slots[element]) != nullptr; }
+  Run _bodyOf(Element element) const override { return _bodies[element]; }
+  bool _matchesAt(Element element, std::size_t position) const override {
+    return takesOne(*_slots[element]) && _slots[element]->_matchesAt(_target, position);
+  }
+
+ private:
+  Run _numbered(const SlotArray& slots) {
+    const auto first = static_cast<Element>(_slots.size());
+    for (const std::shared_ptr<Slot>& slot : slots) _slots.push_back(slot.get());
+    return {first, static_cast<std::uint32_t>(slots.size())};
+  }
+
+  SlotRun _target;
+  std::vector<const Slot*> _slots;
+  std::vector<Run> _bodies;  // by element, as far as Kleene slots go
+  Run _pattern;
+};
+
+}  // namespace
 
 SequenceMatcher::SequenceMatcher(const SlotArray& pattern, SlotRun target)
     : _pattern(pattern), _target(target), _way(Way::straight) {
@@ -64,7 +79,7 @@ bool SequenceMatcher::matchesFrom(std::size_t start) {
     case Way::inOrder:
       return _matchesInOrder(start);
     case Way::sets:
-      return !_ends(_pattern, start).empty();
+      return _matchesBySets(start);
   }
   return false;
 }
@@ -85,6 +100,10 @@ bool SequenceMatcher::_matchesInOrder(std::size_t position) {
   _choices.clear();
   if (_goOn({&_pattern, 0, 0, kNothing}, position)) return true;
   while (!_choices.empty()) {
+    if (_steps > kMostSteps) {
+      _way = Way::sets;
+      return _matchesBySets(position);
+    }
     ++_choices.back().repetitions;
     const Choice choice = _choices.back();
     const std::size_t most =
@@ -104,6 +123,7 @@ bool SequenceMatcher::_matchesInOrder(std::size_t position) {
 
 bool SequenceMatcher::_goOn(Continuation at, std::size_t position) {
   while (true) {
+    ++_steps;
     if (at.index == at.slots->size()) {
       if (at.copies > 0) {
         at = {at.slots, 0, at.copies - 1, at.next};
@@ -127,52 +147,9 @@ bool SequenceMatcher::_goOn(Continuation at, std::size_t position) {
   }
 }
 
-SequenceMatcher::Positions SequenceMatcher::_ends(const SlotArray& slots, std::size_t start) {
-  Positions ends(_target.count());
-  ends.add(start);
-  for (const std::shared_ptr<Slot>& slot : slots) {
-    Positions next(_target.count());
-    ends.forEach([&](std::size_t position) {
-      if (position == _target.count()) return;
-      if (const KleeneSlot* kleene = asKleene(*slot)) {
-        next.add(_endsOfRepetitions(*kleene, position));
-      } else if (takesOne(*slot) && slot->_matchesAt(_target, position)) {
-        next.add(position + 1);
-      }
-    });
-    if (next.empty()) return next;
-    ends = std::move(next);
-  }
-  return ends;
-}
-
-const SequenceMatcher::Positions& SequenceMatcher::_endsOfMembers(const KleeneSlot& slot,
-                                                                  std::size_t start) {
-  auto& known = _memos[&slot].once;
-  const auto found = known.find(start);
-  if (found != known.end()) return found->second;
-  return known.emplace(start, _ends(slot.slots()->slots(), start)).first->second;
-}
-
-const SequenceMatcher::Positions& SequenceMatcher::_endsOfRepetitions(const KleeneSlot& slot,
-                                                                      std::size_t start) {
-  auto& known = _memos[&slot].repeated;
-  const auto found = known.find(start);
-  if (found != known.end()) return found->second;
-
-  const std::size_t members = slot.slots()->count();
-  const std::size_t most = members == 0 ? 0 : (_target.count() - start) / members;
-  Positions reached(_target.count());
-  reached.add(start);
-  Positions latest = reached;  // what the last repetition reached first
-  for (std::size_t n = 0; n < most && !latest.empty(); ++n) {
-    Positions next(_target.count());
-    latest.forEach([&](std::size_t position) { next.add(_endsOfMembers(slot, position)); });
-    next.remove(reached);
-    reached.add(next);
-    latest = std::move(next);
-  }
-  return known.emplace(start, std::move(reached)).first->second;
+bool SequenceMatcher::_matchesBySets(std::size_t position) {
+  if (_matches.empty()) _matches = SlotKleeneMatcher(_pattern, _target).matchesOfPattern();
+  return _matches[position];
 }
 
 }  // namespace marlune

@@ -224,6 +224,24 @@ TEST_F(CompiledTest, RulesThatNeverEndAndPhrasesThatExplodeAreLeftToTheTree) {
   }
 }
 
+// Matching that writes lines keeps to the order of the plain recursion, but not for ever.
+TEST_F(CompiledTest, RepetitionsThatWriteLinesComeToAnEnd) {
+  struct CountingLog : SystemLog {
+    void write(std::string_view) noexcept override { ++lines; }
+    std::size_t lines = 0;
+  };
+  const auto counting = std::make_shared<CountingLog>();
+  Platform::shared().systemLog = counting;
+  std::string slots;
+  for (int i = 0; i < 12; ++i) slots += "[*, {#x-=a}], ";
+  compile(plist("{Main={_lhs={_significantSlots=[" + slots + "b]}; _rhs=[c]}}"));
+  Words words(40, "a");
+  EXPECT_EQ(compiled->appliedToStrings(words)->stringArray(), words);
+  EXPECT_LT(counting->lines, 2000000u);
+  words = {"a", "a", "b", "a", "a", "a", "a", "a", "a", "a", "a", "a", "a", "a", "a"};
+  EXPECT_EQ(compiled->appliedToStrings(words)->stringArray(), (Words{"c", "a", "a"}));
+}
+
 TEST_F(CompiledTest, AResultOutlivesGrammarAndWords) {
   compile(plist("{Main={_lhs={_significantSlots=[a]}; _rhs=[{_index=#0; post=tail}]}}"));
   auto words = std::make_unique<Words>(Words{"a", "a word that the grammar does not know"});
