@@ -208,8 +208,8 @@ void repetitions(benchmark::State& state, std::vector<Value> slots) {
   rule->setValueForKey(Value::integer(0), "_order");
   const std::shared_ptr<GrammarPart> root = GrammarPart::instanceFromPlist(Value::dictionary(rule));
   const auto compiled = CompiledGrammar::compile(root);
-  Words words(199, "a");
-  words.push_back("b");
+  Words words(200, "a");
+  words.front() = "c";  // without a "c" the rule would not even be looked at
   const auto phrase = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words);
   if (compiled->appliedToStrings(words)->stringArray() != root->appliedTo(*phrase)->stringArray()) {
     return state.SkipWithError("other words than the tree's");
