@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <latch>
+#include <thread>
+
 #include "support/engine_rig.h"
 #include "support/platform_fixture.h"
 
@@ -255,6 +258,33 @@ TEST_F(QueueEngineTest, TheQueueToldLastToPlayIsTheOneHeard) {
   EXPECT_EQ(rig.crank(*other, 20), Samples(recorded.begin() + 20, recorded.end()));
   queue->play();
   EXPECT_EQ(rig.crank(*queue, 20), Samples(recorded.begin(), recorded.begin() + 20));
+}
+
+TEST_F(QueueEngineTest, SilenceInPlaceOfLateSoundIsReported) {
+  // Holds the worker up when it tells that the first item has ended.
+  class Holder : public QueuePlayerObserver {
+   public:
+    void observeValueForKeyPath(std::string_view, const std::shared_ptr<QueuePlayer>&) override {
+      held.count_down();
+      release.wait();
+    }
+    std::latch held{1}, release{1};
+  } holder;
+  constexpr std::size_t kAhead = RenderLine::kBlocks * SoundBlock::kCapacityFrames;
+  rig.append(*queue, record(100));
+  rig.append(*queue, record(kAhead + 5'000));
+  rig.session.setActive(true);
+  queue->waitUntilSettled();
+  queue->addObserver(&holder, QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
+  queue->play();
+  rig.output->crank(100);
+  holder.held.wait();
+  rig.output->crank(kAhead + 1'000);
+  EXPECT_TRUE(log->lines().empty());
+  holder.release.count_down();
+  EXPECT_EQ(rig.crank(*queue, 5'000), Samples(recorded.end() - 5'000, recorded.end()));
+  EXPECT_TRUE(hasLineWith("ERROR: Decoding was late: 1000 frames of silence"));
+  queue->removeObserver(&holder, QueuePlayer::kCurrentItemKeyPath);
 }
 
 TEST_F(QueueEngineTest, AQueueThatEndsWithItemsSaysSo) {

@@ -1,0 +1,92 @@
+// Recordings that are damaged in seeded ways: each is refused or played, and takes no more memory
+// than its size calls for. Meant for the sanitizers as well.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+
+#include "marlune/desktop/audio/clip_decoder.h"
+#include "support/recordings.h"
+
+namespace marlune {
+namespace {
+
+constexpr AudioFormat kOutput = {48'000, 2};
+constexpr unsigned kSeed = 20'261'124;
+
+using Bytes = std::vector<char>;
+using Random = std::mt19937;
+
+std::size_t anyOf(Random& random, std::size_t count) { return random() % count; }
+
+void flipBytes(Bytes& bytes, Random& random) {
+  // Most of them in the header, where they do harm.
+  const std::size_t reach = anyOf(random, 4) == 0 ? bytes.size() : 64;
+  for (std::size_t i = 1 + anyOf(random, 8); i > 0; --i) {
+    bytes[anyOf(random, reach)] = static_cast<char>(random());
+  }
+}
+
+void truncate(Bytes& bytes, Random& random) { bytes.resize(anyOf(random, bytes.size())); }
+
+// Puts an extreme number where a size, a count or a rate is.
+void lie(Bytes& bytes, Random& random) {
+  constexpr std::size_t kFields[] = {4, 16, 20, 22, 26, 28, 30, 42, 46, 50};
+  constexpr std::uint32_t kNumbers[] = {0,           1,           0x7FFF'FFFF, 0x8000'0000,
+                                        0xFFFF'FFFF, 0xFFFF'FFF0, 0x0100'0000, 0x401E'FFFF};
+  for (std::size_t i = 1 + anyOf(random, 2); i > 0; --i) {
+    const std::uint32_t number = __builtin_bswap32(kNumbers[anyOf(random, std::size(kNumbers))]);
+    std::memcpy(bytes.data() + kFields[anyOf(random, std::size(kFields))], &number, 4);
+  }
+}
+
+// How many frames it plays; nothing when it is refused, and then it must have been said why.
+std::optional<std::size_t> framesPlayedOf(const std::string& path) {
+  std::string cause;
+  const std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(path, cause);
+  EXPECT_EQ(cause.empty(), decoder != nullptr);
+  if (!decoder) return std::nullopt;
+  std::size_t frames = 0;
+  SoundBlock block;
+  do {
+    decoder->fill(block, kOutput);
+    frames += block.frames;
+  } while (!block.endsItem);
+  return frames;
+}
+
+TEST(CorruptRecordingsTest, AreRefusedOrPlayWhatTheyHold) {
+  const RecordingFolder folder;
+  const std::vector<short> samples = countingSamples(3'000, 0);
+  const Bytes kOriginals[] = {
+      readBytes(folder.write("1.aif", samples, {22'050, 1})),
+      readBytes(folder.write("2.aif", samples, {44'100, 2}, SF_FORMAT_AIFF | SF_FORMAT_PCM_24)),
+      readBytes(folder.write("3.aif", samples, {22'050, 1}, SF_FORMAT_AIFF | SF_FORMAT_ULAW)),
+      readBytes(folder.write("4.aif", samples, {22'050, 1}, SF_FORMAT_AIFF | SF_FORMAT_IMA_ADPCM)),
+      readBytes(folder.write("5.aif", samples, {8'000, 1}, SF_FORMAT_AIFF | SF_FORMAT_FLOAT)),
+  };
+  constexpr void (*kDamages[])(Bytes&, Random&) = {&flipBytes, &truncate, &lie};
+  int played = 0;
+  int refused = 0;
+  for (unsigned i = 0; i < 300; ++i) {
+    SCOPED_TRACE("seed " + std::to_string(kSeed + i));
+    Random random(kSeed + i);
+    Bytes bytes = kOriginals[i % std::size(kOriginals)];
+    kDamages[i / std::size(kOriginals) % std::size(kDamages)](bytes, random);
+    const auto frames = framesPlayedOf(folder.writeBytes("damaged.aif", bytes));
+    ++(frames ? played : refused);
+    // At worst a byte is four frames of a compressed kind at a twelfth of the output's rate.
+    EXPECT_LE(frames.value_or(0), bytes.size() * 4 * 12);
+  }
+  EXPECT_GT(played, 50);
+  EXPECT_GT(refused, 50);
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  EXPECT_LT(usage.ru_maxrss, 512 * 1024) << "in KiB, a sanitizer's own included";
+}
+
+}  // namespace
+}  // namespace marlune
