@@ -23,6 +23,20 @@ function(marlune_target_defaults target)
   endif()
 endfunction()
 
+# A library that may be shared gives out the project's namespace and nothing else.
+function(marlune_limit_exports target)
+  get_target_property(type ${target} TYPE)
+  if(NOT type STREQUAL "SHARED_LIBRARY")
+    return()
+  endif()
+  set(map ${PROJECT_SOURCE_DIR}/cmake/marlune.map)
+  target_link_options(${target} PRIVATE -Wl,--version-script=${map})
+  if(NOT MARLUNE_SANITIZE)
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  endif()
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${map})
+endfunction()
+
 # A room of the core: an object library of its own, so that a test can link the rooms it needs and
 # an upward call shows at the link. marlune_room(NAME SOURCES ... ROOMS below...)
 function(marlune_room name)
