@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -51,6 +52,115 @@ TEST_F(LoadingTest, AWordOfAnInsertedRuleIsRewritten) {
       "Main");
   EXPECT_EQ(parser->resultOfRulesAppliedToStrings({"ten", "km"})->stringArray(),
             (Words{"ten", "kilometers"}));
+}
+
+struct BrokenFile {
+  std::string_view why, file, message;
+};
+const BrokenFile kBrokenFiles[] = {
+    {"a chunk that is not there", "{Main={U='#insert Shared.No'}; Shared={}}",
+     "Main.U: an insert directive whose path 'Shared.No' leads to nothing"},
+    {"two blanks name the empty path", "{Main={U='#insert  Shared'}; Shared={}}",
+     "Main.U: an insert directive whose path '' leads to nothing"},
+    {"no path", "{Main={U=#insert}}", "Main.U: an insert directive without a path"},
+    {"a look-up in a string", "{Main={U='#insert Word.x'}; Word=five}",
+     "Main.U: a path that looks for 'x' in something other than a dictionary: string"},
+    {"a chunk that inserts itself", "{Main={A={U='#insert Main'}}}",
+     "Main.A.U: inserts go in a circle: Main.A.U inserts Main"},
+    {"a circle of two", "{Main={}; A={x='#insert B'}; B={y={z='#insert A 3'}}}",
+     "A.x: inserts go in a circle: A.x inserts B, B.y.z inserts A"},
+    {"a circle of mere directives", "{Main={}; A='#insert B'; B='#insert A'}",
+     "A: inserts go in a circle: A inserts B, B inserts A"},
+    {"an array that is no slot", "{Main={R={_lhs={_significantSlots=[a, [+, b, [c]]]}; _rhs=[]}}}",
+     "Main.R._lhs._significantSlots[1][2]: an array that is no slot: it does not begin with *, + "
+     "or ~"},
+    {"an empty slot array", "{Main={R={_lhs={_preContext=[[]]}}}}",
+     "Main.R._lhs._preContext[0]: an empty array where a slot is expected"},
+    {"an overlay's attribute key", "{Main={R={_lhs={}; _rhs=[a, {_index=#0; content={}}]}}}",
+     "Main.R._rhs[1].content: an attribute key without its index or its name"},
+    {"a signature's attribute key", "{Main={R={_lhs={}; _rhs={_signature=[x]}}}}",
+     "Main.R._rhs._signature[0]: an attribute key without its index or its name"},
+};
+
+TEST_F(LoadingTest, ABrokenFileIsToldWithThePlaceInIt) {
+  for (const BrokenFile& broken : kBrokenFiles) {
+    SCOPED_TRACE(broken.why);
+    EXPECT_EQ(errorOf(broken.file), broken.message);
+  }
+  EXPECT_TRUE(log->contains("\n\n ERROR: No plist chunk found at path 'Shared.No'."));
+}
+
+TEST_F(LoadingTest, ANameThatLooksIntoAWordIsAnError) {
+  EXPECT_EQ(errorOf("{Main=five}", "Main.x"),
+            "Main.x: a path that looks for 'x' in something other than a dictionary: string");
+}
+
+TEST_F(LoadingTest, InsertsThatExplodeAreRefused) {
+  std::string text = "{Main={}; L0={w=x}";
+  for (int level = 1; level <= 40; ++level) {
+    const std::string insert = "'#insert L" + std::to_string(level - 1) + "'";
+    text += "; L" + std::to_string(level) + "={a=" + insert + "; b=" + insert + "}";
+  }
+  EXPECT_THAT(errorOf(text + "}"), testing::HasSubstr("the grammar file grows past"));
+}
+
+TEST_F(LoadingTest, ADeepFileIsRefused) {
+  std::string text = "x";
+  for (int level = 0; level < 300; ++level) text = "{k=" + text + "}";
+  EXPECT_THAT(errorOf("{Main=" + text + "}"), testing::HasSubstr("nested deeper than 256 levels"));
+}
+
+TEST_F(LoadingTest, InsertsCopyOneLevelAndTakeTheirOrder) {
+  const Value tree = Parser::loadGrammarsFromPlistAtPath(
+      file("{Main={A='#insert S.A 7'; B='#insert S.A -2'; C='#insertX S.C'; D=['#insert S.A']};"
+           " S={A={_order=#5; n={x=y}}; C={in='#insert S.A 3x'}}}"));
+  EXPECT_EQ(formatted("%@", {tree}),
+            formatted("%@", {plist("{Main={A={_order=#7; n={x=y}}; B={_order=#5; n={x=y}};"
+                                   " C={in={_order=#3; n={x=y}}}; D=['#insert S.A']};"
+                                   " S={A={_order=#5; n={x=y}}; C={in={_order=#3; n={x=y}}}}}")}));
+  const auto nested = [&tree](std::string_view path) {
+    return Parser::retrievePlistForStringInDotNotation(path, tree).asDictionary();
+  };
+  EXPECT_EQ(nested("Main.A.n"), nested("S.A.n"));
+  EXPECT_NE(nested("Main.A"), nested("S.A"));
+}
+
+TEST_F(LoadingTest, AFileIsReadOnceAndABrokenOneAgain) {
+  const std::string path = file("{Main={}; Other={}}");
+  const auto one = Parser::initWithPlistAtPath(path, "Main");
+  const auto two = Parser::initWithPlistAtPath(path, "Other");
+  EXPECT_EQ(one->grammarsPlist().asDictionary(), two->grammarsPlist().asDictionary());
+  EXPECT_EQ(reader->reads, 1);
+  EXPECT_THROW(Parser::initWithPlistAtPath(file("{Main={U='#insert'}}"), "Main"), GrammarError);
+  const std::string broken = file("{Main={U='#insert'}}");
+  for (int i = 0; i < 2; ++i)
+    EXPECT_THROW(Parser::loadGrammarsFromPlistAtPath(broken), GrammarError);
+  EXPECT_EQ(reader->reads, 4);
+}
+
+TEST_F(LoadingTest, WithoutAGrammarTheAnswerIsAbsent) {
+  const auto unreadable = Parser::initWithPlistAtPath("/nowhere", "Main");
+  EXPECT_TRUE(log->contains("ERROR loading grammar from plist: no file at /nowhere"));
+  EXPECT_EQ(unreadable->resultOfRulesAppliedToStrings({"a"}), nullptr);
+  const auto parser = Parser::initWithPlistAtPath(file("{Main={}; Word=x}"), "No.Such");
+  EXPECT_EQ(parser->resultOfRulesAppliedToStrings({"a"}), nullptr);
+  parser->setGrammar("Word");
+  EXPECT_EQ(parser->resultOfRulesAppliedToStrings({"a"}), nullptr);
+  parser->setGrammar("Main");
+  EXPECT_EQ(parser->resultOfRulesAppliedToStrings({"a"})->stringArray(), Words{"a"});
+}
+
+TEST_F(LoadingTest, TheTreePrintsByOrderThenName) {
+  preferences->set(ZKPlistNotificationDefault, Value::boolean(true));
+  Parser::initWithPlistAtPath(
+      file("{Main={_order=#0; B={_lhs={}; _rhs=[]; _order=#2; Deep={}}; Z={_order=#-1; In={}}; "
+           "A={_order=#2}; note=x}}"),
+      "Main");
+  EXPECT_TRUE(
+      log->contains("productionRules for Main: \nROOT: \n\tZ: \n\t\tIn: \n\tA: \n\tB: RULE"));
+  EXPECT_TRUE(log->contains(
+      "WARNING: GrammarPart expected a dictionary with an 'order' key, but found none. Order '0' "
+      "assumed."));
 }
 
 }  // namespace

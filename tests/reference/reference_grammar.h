@@ -333,6 +333,8 @@ class Grammar {
     return words;
   }
 
+  void restartSteps() { _stepsLeft = mostSteps; }
+
   bool matches(Slots pattern, Slots target) {
     if (--_stepsLeft < 0) throw Overrun();
     if (pattern.empty()) return true;
@@ -381,24 +383,30 @@ class Grammar {
     return true;
   }
 
+  using Cut = std::optional<std::string_view> (*)(std::string_view, std::size_t);
+  static std::optional<std::string> _cut(const std::string* content, std::size_t length, Cut cut) {
+    if (!content) return std::nullopt;
+    const auto characters = cut(*content, length);
+    if (!characters) return std::nullopt;
+    return std::string(*characters);
+  }
+
   bool _matchesAttribute(const Attribute& attribute, const Cell& target) {
     const std::string& name = attribute.name;
     const std::string* value = attribute.value.asString();
     const Value* held = target.find("content");
     const std::string* content = held ? held->asString() : nullptr;
+    const std::size_t length = utf16Length(name) - std::min<std::size_t>(2, name.size());
     if (name.starts_with("#") && name.ends_with("-")) {
-      const std::size_t length = utf16Length(name) - 2;
-      const auto start = content ? utf16Prefix(*content, length) : std::nullopt;
-      lines.push_back(formatted(
-          "Prefix! (unsigned long)chars = %lu   This: %@    Other: %@",
-          {length, attribute.value, start ? FormatArgument(*start) : FormatArgument(nullptr)}));
-      if (!start || !value || *start != *value) return false;
+      const auto start = _cut(content, length, &utf16Prefix);
+      lines.push_back(formatted("Prefix! (unsigned long)chars = %lu   This: %@    Other: %@",
+                                {length, attribute.value, start}));
+      if (!value || start != *value) return false;
       lines.push_back("MATCH!");
       return true;
     }
     if (name.starts_with("-") && name.ends_with("#")) {
-      const auto end = content ? utf16Suffix(*content, utf16Length(name) - 2) : std::nullopt;
-      return end && value && *end == *value;
+      return value && _cut(content, length, &utf16Suffix) == *value;
     }
     const Value* theirs = target.find(name);
     return attribute.value.equals(theirs ? *theirs : Value::string(""));

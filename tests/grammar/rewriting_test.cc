@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "marlune/grammar/conditional_production.h"
+#include "marlune/grammar/grammar_part.h"
+#include "marlune/grammar/new_production.h"
+#include "marlune/grammar/rule.h"
+#include "marlune/grammar/simple_slot_sequence.h"
+#include "support/platform_fixture.h"
+#include "support/plist_notation.h"
+
+namespace marlune {
+namespace {
+
+class RewritingTest : public PlatformFixture {
+ protected:
+  // What a part of a grammar makes of a phrase, printed.
+  static std::string rewritten(std::string_view part, std::string_view phrase) {
+    return GrammarPart::instanceFromPlist(plist(part))
+        ->appliedTo(*SimpleSlotSequence::initFromPlist(plist(phrase)))
+        ->description();
+  }
+};
+
+struct RuleCase {
+  std::string_view why, rule, phrase, result;
+};
+const RuleCase kRules[] = {
+    {"a new slot behind a kept one", "{_lhs={_significantSlots=[a]}; _rhs=[{_index=#0}, b]}",
+     "[a, c]", "_E.([a]).([b]).([c])._E"},
+    {"later occurrences move with the phrase", "{_lhs={_significantSlots=[a]}; _rhs=[]}",
+     "[a, x, a]", "_E.([x])._E"},
+    {"overlapping ones rewrite what stands there now",
+     "{_lhs={_significantSlots=[a, a]}; _rhs=[b]}", "[a, a, a, c]", "_E.([b]).([c])._E"},
+    {"an attribute of another slot",
+     "{_lhs={_significantSlots=[?, b]}; "
+     "_rhs=[{_index=#1.9; pre={_index=#0; _attribute=content}; post={_index=#0; _attribute=g}}]}",
+     "[{content=a; g=s}, b]", "_E.(a[b]s)._E"},
+    {"a missing one is set empty",
+     "{_lhs={_significantSlots=[b]}; _rhs=[{_index=#0; content={_index=#0; _attribute=g}}]}", "[b]",
+     "_E.([])._E"},
+    {"an overlay makes a literal of a wildcard",
+     "{_lhs={_significantSlots=[?]}; _rhs=[{_index=#0}]}", "[?]", "_E.([_])._E"},
+    {"reading a production stops at a dictionary without an index",
+     "{_lhs={_significantSlots=[a]}; _rhs=[b, #7, {content=c}, d]}", "[a]", "_E.([b])._E"},
+    {"an index outside the occurrence leaves it",
+     "{_lhs={_significantSlots=[a]}; _rhs=[{_index=#1}]}", "[a]", "_E.([a])._E"},
+    {"without a right-hand side nothing changes", "{_lhs={_significantSlots=[a]}}", "[a]",
+     "_E.([a])._E"},
+    {"a Kleene slot's occurrence is as long as its pattern",
+     "{_lhs={_significantSlots=[a, [*, b]]}; _rhs=[x]}", "[a, c, d]", "_E.([x]).([d])._E"},
+    {"one that no longer fits takes the phrase's end with it",
+     "{_lhs={_significantSlots=[a, [*, b], [*, c]]}; _rhs=[x]}", "[a]", "_E.([x])"},
+    {"a repeating rule adds the blanks that its last pass took",
+     "{_lhs={_significantSlots=[a, [*, b]]}; _rhs=[a]; _repeat=#1}", "[a]", "_E.([a])._E"},
+    {"once", "{_lhs={_significantSlots=[a, a]}; _rhs=[a]; _repeat=YES}", "[a, a, b, a, a]",
+     "_E.([a]).([b]).([a])._E"},
+    {"until nothing changes", "{_lhs={_significantSlots=[a, b]}; _rhs=[b]; _repeat=#true}",
+     "[a, a, a, b]", "_E.([b])._E"},
+    {"an attribute more is no change",
+     "{_lhs={_significantSlots=[a]}; _rhs=[{_index=#0; post={_index=#0; _attribute=pre}}]; "
+     "_repeat=#1}",
+     "[{content=a; pre=x}]", "_E.(x[a]x)._E"},
+    {"a directory runs by order",
+     "{X={_order=#5; _lhs={_significantSlots=[b]}; _rhs=[c]}; "
+     "Y={_order=#-1; _lhs={_significantSlots=[a]}; _rhs=[b]}}",
+     "[_E, a, _E]", "_E.([c])._E"},
+};
+
+TEST_F(RewritingTest, RulesRewrite) {
+  for (const RuleCase& c : kRules) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(rewritten(c.rule, c.phrase), c.result);
+  }
+  EXPECT_TRUE(log->contains(
+      "ERROR: The occurrence at 1 stays as it is: production's index 1 outside the 1 slots of the "
+      "occurrence."));
+}
+
+TEST_F(RewritingTest, AConditionalProductionIsChosenAfreshEverywhere) {
+  const std::string_view rule =
+      "{_lhs={_significantSlots=[[+, {content=x}], ?]}; _rhs={_delimiter=-; "
+      "_signature=[{_index=#0; _attribute=g}, {_index=#1; _attribute=content}]; "
+      "_expansions={f-one=[une]; one=[un]; two=none}}}";
+  EXPECT_EQ(rewritten(rule, "[{content=x; g=f}, one, x, one, x, three, x, two]"),
+            "_E.([une]).([un]).([x]).([three])._E");
+}
+
+TEST_F(RewritingTest, ARuleThatNeverEndsIsStopped) {
+  EXPECT_EQ(rewritten("{__name=Flip; _lhs={_significantSlots=[[+, a, b]]}; _repeat=#1; "
+                      "_rhs={_signature=[{_index=#0; _attribute=content}]; "
+                      "_expansions={a=[b]; b=[a]}}}",
+                      "[a]"),
+            "_E.([a])._E");
+  EXPECT_TRUE(log->contains(
+      "ERROR: The repeating rule 'Flip' stopped after 2 passes: the phrase came back to what it "
+      "had been."));
+}
+
+TEST_F(RewritingTest, APhraseStopsGrowing) {
+  const auto phrase = GrammarPart::instanceFromPlist(
+                          plist("{_lhs={_significantSlots=[a]}; _rhs=[a, a]; _repeat=#1}"))
+                          ->appliedTo(*SimpleSlotSequence::slotSequenceWithStrings({"a"}));
+  EXPECT_LE(phrase->count(), SimpleSlotSequence::kLongestPhrase);
+  EXPECT_TRUE(log->contains("ERROR: The phrase would grow past 10000 words and is left as it is."));
+}
+
+TEST_F(RewritingTest, ASequenceReplacesASequence) {
+  const auto phrase = SimpleSlotSequence::slotSequenceWithStrings({"one", "1", "one"});
+  const auto result = phrase->sequenceByReplacingOccurencesOfSequence(
+      *SimpleSlotSequence::slotSequenceWithStrings({"one"}),
+      SimpleSlotSequence::initFromPlist(plist("[?, {pre=x}]")));
+  EXPECT_EQ(result->description(), "_E.([_]).(x[_]).([1]).([_]).(x[_])._E");
+}
+
+TEST_F(RewritingTest, ProductionsPrint) {
+  EXPECT_EQ(NewProduction::instanceFromPlist(plist("[km, {_index=#1; post=s}]"))->description(),
+            "\n\t indices: (\n    -1,\n    1\n) \n\t overlays: ([km]).([_]s)");
+  EXPECT_EQ(NewProduction::instanceFromPlist(plist("km"))->description(),
+            "\n\t indices: (null) \n\t overlays: (null)");
+  EXPECT_EQ(ConditionalProduction::initFromPlist(plist("{_expansions={k=[]}}"))->description(),
+            "\n k: \n\t indices: (\n) \n\t overlays: ");
+}
+
+TEST_F(RewritingTest, ARuleWithoutSidesIsBuiltAndTold) {
+  EXPECT_EQ(Rule::initFromPlist(plist("{_order=#1}"))->description(), "\nROOT: RULE");
+  EXPECT_EQ(log->lines(), (std::vector<std::string>{"ERROR!", "ERROR!"}));
+}
+
+TEST_F(RewritingTest, AnAttributeKeyWantsANumberAndAName) {
+  EXPECT_EQ(AttributeKey::instanceFromPlist(plist("{_index=#2.9; _attribute=g}"))->index(), 2);
+  EXPECT_EQ(AttributeKey::instanceFromPlist(plist("{_index=2; _attribute=g}")), nullptr);
+  EXPECT_EQ(AttributeKey::instanceFromPlist(plist("[]")), nullptr);
+  EXPECT_EQ(log->lines(),
+            (std::vector<std::string>{
+                "ERROR: AttributeKey expected two entries, a Number '_index' and a String "
+                "'_attribute'.",
+                "ERROR: AttributeKey expected a dictionary. Found a array."}));
+}
+
+}  // namespace
+}  // namespace marlune
