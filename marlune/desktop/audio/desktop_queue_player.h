@@ -17,6 +17,9 @@ namespace marlune {
 // closed, or its output is lost, refused or stalled. A queue that failed has dropped its items,
 // with one line that says why and how many, and takes no more.
 //
+// Observers are told after every change; of changes that follow one another faster than they can
+// be told, once.
+//
 // There is one speed: 0 pauses, and every other rate is kept and plays at normal speed. Of several
 // queues over one route, the one that was told last to play is heard.
 class DesktopQueuePlayer : public QueuePlayer {

@@ -85,7 +85,13 @@ void QueueEngine::_startOver() {
 
 void QueueEngine::_setItemsChanged(bool isCurrentItemOther) {
   _line.setOwed(_items.size() - _sentItems);
-  if (isCurrentItemOther) _changes.push_back(QueuePlayer::kCurrentItemKeyPath);
+  if (isCurrentItemOther) _setChanged(QueuePlayer::kCurrentItemKeyPath);
+}
+
+// Who is still to be told of an earlier change learns of this one with it.
+void QueueEngine::_setChanged(std::string_view keyPath) {
+  if (std::find(_changes.begin(), _changes.end(), keyPath) != _changes.end()) return;
+  _changes.push_back(keyPath);
 }
 
 std::vector<std::shared_ptr<PlayerItem>> QueueEngine::items() const {
@@ -148,8 +154,7 @@ void QueueEngine::stop() {
     const Lock lock(_mutex);
     _isStopping = true;
     dropped = _items.size();
-    for (const auto& item : _items) item->setQueued(false);
-    _items.clear();
+    _dropAllItems();  // the worker may be in the middle of a round
     _wake.notify_one();
     _settled.notify_all();
   }

@@ -77,6 +77,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::size_t _positionAfter(const PlayerItem* after) const;
   bool _isSounding() const { return _rate != 0 && !_items.empty(); }
   void _setItemsChanged(bool isCurrentItemOther);
+  void _setChanged(std::string_view keyPath);
   void _dropAllItems();
   void _startOver();
 
@@ -126,6 +127,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::uint64_t _watchedFrames = 0;  // taken when the output was last seen to move
   Clock::time_point _lastMove;
   bool _isWatching = false;
+  Clock::time_point _lastTold;
   std::uint64_t _reportedUnderrun = 0;
 };
 

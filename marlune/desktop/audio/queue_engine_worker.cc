@@ -11,6 +11,9 @@ namespace marlune {
 namespace {
 // How often the worker looks at the output while it plays: what a callback does cannot wake it.
 constexpr std::chrono::milliseconds kLookInterval(3);
+// While there is more to decode, observers are told no more often than this: each is a trip to the
+// main thread and back, and recordings rendered to a file end several in a millisecond.
+constexpr std::chrono::milliseconds kTellInterval(5);
 }  // namespace
 
 void QueueEngine::_run() {
@@ -20,8 +23,10 @@ void QueueEngine::_run() {
     lock.unlock();
     const bool hasMoved = _step();
     lock.lock();
+    if (hasMoved && Clock::now() - _lastTold < kTellInterval) continue;
     const bool hadChanges = !_changes.empty();
     _deliverChanges(lock);
+    if (hadChanges) _lastTold = Clock::now();
     if (hasMoved || hadChanges || _hasRequest || _isStopping) continue;
     _isSettled = true;
     _settled.notify_all();
@@ -115,7 +120,7 @@ void QueueEngine::_fail(const std::string& reason, std::uint64_t opening) {
     if (!_isSounding()) return;  // stopped meanwhile: nothing is lost
     dropped = _items.size();
     _status = QueuePlayer::Status::failed;
-    _changes.push_back(QueuePlayer::kStatusKeyPath);
+    _setChanged(QueuePlayer::kStatusKeyPath);
     _rate = 0;
     _line.setRunning(false);
     _dropAllItems();
@@ -156,7 +161,7 @@ bool QueueEngine::_decodeBlock() {
   if (!_decoder && !_openNext()) {
     _line.giveBack(block);
     const Lock lock(_mutex);
-    return _sentItems < _items.size() && _route->isOpen();
+    return _sentItems < _items.size();  // behind one that was left out
   }
   _decoder->fill(*block, *_format);
   _sendBlock(block);
@@ -200,7 +205,7 @@ void QueueEngine::_setReady() {
   const Lock lock(_mutex);
   if (_status != QueuePlayer::Status::unknown) return;
   _status = QueuePlayer::Status::readyToPlay;
-  _changes.push_back(QueuePlayer::kStatusKeyPath);
+  _setChanged(QueuePlayer::kStatusKeyPath);
 }
 
 void QueueEngine::_sendBlock(SoundBlock* block) {
