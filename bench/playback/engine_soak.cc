@@ -174,7 +174,9 @@ bool Soak::cycles(std::uint64_t count, bool isClock) {
       static_cast<unsigned long long>(count), static_cast<unsigned long long>(_appended),
       static_cast<unsigned long long>(broken), static_cast<unsigned long long>(underruns),
       static_cast<unsigned long long>(_observer.told), static_cast<unsigned long long>(wrong));
-  return wrong == 0;
+  const bool hasFailed = _queue->status() == QueuePlayer::Status::failed;
+  if (hasFailed) std::printf("the queue has failed, though nothing was lost\n");
+  return wrong == 0 && !hasFailed;
 }
 
 bool Soak::losses(std::uint64_t count, bool isClock) {

@@ -43,6 +43,7 @@ void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* aft
       std::min(std::max(_positionAfter(after), _sentItems + 1), _items.size());
   _items.insert(_items.begin() + static_cast<long>(position), std::move(file));
   _setItemsChanged(/*isCurrentItemOther=*/_items.size() == 1);
+  ++_orders;
   _requestWork();
 }
 
@@ -56,6 +57,7 @@ void QueueEngine::setRate(float rate) {
   if (rate != 0) _route->enter(*this);
   const Lock lock(_mutex);
   if (_status == QueuePlayer::Status::failed) return;
+  ++_orders;
   _rate = rate;
   _hasPlayed |= rate != 0;
   _line.setRunning(rate != 0);
@@ -65,6 +67,7 @@ void QueueEngine::setRate(float rate) {
 void QueueEngine::removeAllItems() {
   const Lock lock(_mutex);
   _dropAllItems();
+  ++_orders;
   _requestWork();
 }
 

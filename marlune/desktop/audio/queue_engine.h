@@ -87,9 +87,10 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   void _collectReturned();
   bool _endHeardItems(const std::optional<AudioRoute::State>& state);
   void _followOpening(const AudioRoute::State& state);
-  bool _watch(const std::optional<AudioRoute::State>& state);
+  std::optional<std::uint64_t> _ordersWhileSounding() const;
+  bool _watch(std::optional<std::uint64_t> orders, const std::optional<AudioRoute::State>& state);
   std::optional<std::string> _faultOf(const std::optional<AudioRoute::State>& state);
-  void _fail(const std::string& reason, std::uint64_t opening);
+  void _fail(const std::string& reason, std::uint64_t orders, std::uint64_t opening);
   void _reportUnderruns();
   bool _decodeBlock();
   bool _openNext();
@@ -109,6 +110,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::deque<std::shared_ptr<FilePlayerItem>> _items;
   std::size_t _sentItems = 0;     // how many of them have been sent down the line to their end
   std::uint32_t _generation = 0;  // counts how often what was sent became unwanted
+  std::uint64_t _orders = 0;      // counts insertions, rates set and removals
   float _rate = 0;
   bool _hasPlayed = false;  // some of these items may have been taken by the output
   QueuePlayer::Status _status = QueuePlayer::Status::unknown;

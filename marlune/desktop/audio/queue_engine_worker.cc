@@ -41,10 +41,12 @@ void QueueEngine::_run() {
 
 // One round of work. Whether it got anything done, so that another may.
 bool QueueEngine::_step() {
+  const std::optional<std::uint64_t> orders =
+      _ordersWhileSounding();  // before the look at the route
   const std::optional<AudioRoute::State> state = _route->stateFor(*this);
   _collectReturned();
   bool hasMoved = _endHeardItems(state);
-  if (_watch(state)) return true;
+  if (_watch(orders, state)) return true;
   _reportUnderruns();
   if (!state) return hasMoved;
   _followOpening(*state);
@@ -82,17 +84,22 @@ bool QueueEngine::_endHeardItems(const std::optional<AudioRoute::State>& state) 
   return hasMoved;
 }
 
-// Whether the queue had to be given up.
-bool QueueEngine::_watch(const std::optional<AudioRoute::State>& state) {
-  {
-    const Lock lock(_mutex);
-    if (!_isSounding()) {
-      _isWatching = false;
-      return false;
-    }
+// How many orders the control side had given, if the queue was to be heard by then.
+std::optional<std::uint64_t> QueueEngine::_ordersWhileSounding() const {
+  const Lock lock(_mutex);
+  if (!_isSounding()) return std::nullopt;
+  return _orders;
+}
+
+// Whether something is wrong with the output.
+bool QueueEngine::_watch(std::optional<std::uint64_t> orders,
+                         const std::optional<AudioRoute::State>& state) {
+  if (!orders) {
+    _isWatching = false;
+    return false;
   }
   const std::optional<std::string> fault = _faultOf(state);
-  if (fault) _fail(*fault, state ? state->opening : 0);
+  if (fault) _fail(*fault, *orders, state ? state->opening : 0);
   return fault.has_value();
 }
 
@@ -112,12 +119,14 @@ std::optional<std::string> QueueEngine::_faultOf(const std::optional<AudioRoute:
   return "The sound output has stopped taking sound.";
 }
 
-void QueueEngine::_fail(const std::string& reason, std::uint64_t opening) {
+void QueueEngine::_fail(const std::string& reason, std::uint64_t orders, std::uint64_t opening) {
   _route->setLost(opening, reason);
   std::size_t dropped = 0;
   {
     const Lock lock(_mutex);
-    if (!_isSounding()) return;  // stopped meanwhile: nothing is lost
+    // Stopped meanwhile, and maybe started again on an output that has been opened since: what was
+    // seen is out of date.
+    if (!_isSounding() || _orders != orders) return;
     dropped = _items.size();
     _status = QueuePlayer::Status::failed;
     _setChanged(QueuePlayer::kStatusKeyPath);
