@@ -35,7 +35,7 @@ class QueueEngineTest : public PlatformFixture {
 };
 
 TEST_F(QueueEngineTest, JoinsRecordingsSampleToSample) {
-  for (const std::size_t frames : {1, 5'000, 2'048, 2'049, 300, 1, 9'000}) {
+  for (const std::size_t frames : {1u, 5'000u, 2'048u, 2'049u, 300u, 1u, 9'000u}) {
     rig.append(*queue, record(frames));
   }
   rig.session.setActive(true);
