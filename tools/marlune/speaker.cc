@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "marlune/desktop/audio/device_output.h"
 #include "marlune/desktop/audio/file_output.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/platform/platform.h"
@@ -38,9 +39,7 @@ void requireWritable(const std::string& path) {
 }
 
 std::shared_ptr<AudioOutput> outputTo(const std::string& path) {
-  if (path.empty()) {
-    throw InputError("this build cannot play on a sound device; --output FILE renders instead");
-  }
+  if (path.empty()) return makeDeviceOutput();
   requireWritable(path);
   return std::make_shared<FileOutput>(path);
 }
