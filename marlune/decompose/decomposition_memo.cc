@@ -22,7 +22,7 @@ Number checked(std::size_t number) {
 }  // namespace
 
 void DecompositionMemo::addRecording(std::string_view name) {
-  _entries[findOrAdd({name, key_hash::ofText(name)})].isRecording = true;
+  _entry(findOrAdd({name, key_hash::ofText(name)})).isRecording = true;
   _longestRecording = std::max(_longestRecording, name.size());
 }
 
@@ -55,10 +55,17 @@ DecompositionMemo::Id DecompositionMemo::findOrAdd(const Key& key) {
   Entry entry;
   entry.text = key.text.data();
   entry.length = checked<std::uint32_t>(key.text.size());
-  const Id id = checked<Id>(_entries.size());
-  _entries.push_back(entry);
+  const Id id = _add(entry);
   _slots[at] = {_tag(key.hash), id};
   ++_used;
+  return id;
+}
+
+DecompositionMemo::Id DecompositionMemo::_add(const Entry& entry) {
+  const Id id = checked<Id>(_entryCount);
+  if (id / kBlock == _blocks.size()) _blocks.push_back(std::make_unique<Entry[]>(kBlock));
+  _entry(id) = entry;
+  ++_entryCount;
   return id;
 }
 
@@ -119,7 +126,7 @@ DecompositionMemo::Id DecompositionMemo::rememberGiven(Id id, const Key& key, De
 }
 
 DecompositionMemo::Id DecompositionMemo::_remember(Id id, const Key& key, const Entry& answer) {
-  Entry& entry = _entries[id];
+  Entry& entry = _entry(id);
   if (entry.state != State::open) return _supersede(key, answer);
   entry.fileCount = answer.fileCount;
   entry.first = answer.first;
@@ -133,18 +140,17 @@ DecompositionMemo::Id DecompositionMemo::_remember(Id id, const Key& key, const 
 DecompositionMemo::Id DecompositionMemo::_supersede(const Key& key, const Entry& answer) {
   const std::size_t at = _slotOf(key);
   const Id earlier = _slots[at].id;
-  Entry entry = _entries[earlier];
+  Entry entry = _entry(earlier);
   const bool bothFail = entry.state == State::failed && answer.state == State::failed;
   const bool bothSay = entry.state != State::failed && answer.state != State::failed;
   if (bothFail || (bothSay && _files(entry) == _files(answer))) return earlier;
 
-  const Id id = checked<Id>(_entries.size());
   entry.fileCount = answer.fileCount;
   entry.first = answer.first;
   entry.second = answer.second;
   entry.list = answer.list;
   entry.state = answer.state;
-  _entries.push_back(entry);
+  const Id id = _add(entry);
   _slots[at].id = id;
   _superseded.push_back(earlier);
   return id;
@@ -162,15 +168,15 @@ std::vector<std::string> DecompositionMemo::_files(const Entry& answer) const {
     } else if (entry.state == State::recorded) {
       files.emplace_back(text(entry.first));
     } else {
-      pending.push_back(&_entries[entry.second]);
-      pending.push_back(&_entries[entry.first]);
+      pending.push_back(&_entry(entry.second));
+      pending.push_back(&_entry(entry.first));
     }
   }
   return files;
 }
 
 const Decomposition& DecompositionMemo::decomposition(Id id) {
-  Entry& entry = _entries[id];
+  Entry& entry = _entry(id);
   if (entry.list == 0 && entry.state != State::failed) {
     const std::uint32_t list = checked<std::uint32_t>(_lists.size());
     _lists.push_back(std::make_shared<const std::vector<std::string>>(_files(entry)));

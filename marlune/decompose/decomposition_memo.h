@@ -49,10 +49,10 @@ class DecompositionMemo {
   // A copy of the text that lives as long as the memo.
   const char* keep(std::string_view text);
 
-  State state(Id id) const { return _entries[id].state; }
-  bool isRecording(Id id) const { return id != 0 && _entries[id].isRecording; }
-  std::uint32_t fileCount(Id id) const { return _entries[id].fileCount; }  // 0 when failed
-  std::string_view text(Id id) const { return {_entries[id].text, _entries[id].length}; }
+  State state(Id id) const { return _entry(id).state; }
+  bool isRecording(Id id) const { return id != 0 && _entry(id).isRecording; }
+  std::uint32_t fileCount(Id id) const { return _entry(id).fileCount; }  // 0 when failed
+  std::string_view text(Id id) const { return {_entry(id).text, _entry(id).length}; }
 
   // Remembers what was found for the key, whose entry was `id` when the work on it began. Returns
   // the entry that now holds it. That is `id`, unless the key was answered otherwise meanwhile:
@@ -88,6 +88,12 @@ class DecompositionMemo {
     Id id = 0;
   };
 
+  // Entries stand in blocks: a growing memo never moves them, nor holds twice what it needs.
+  static constexpr std::size_t kBlock = 128;
+  const Entry& _entry(Id id) const { return _blocks[id / kBlock][id % kBlock]; }
+  Entry& _entry(Id id) { return _blocks[id / kBlock][id % kBlock]; }
+  Id _add(const Entry& entry);
+
   static std::uint32_t _tag(std::uint64_t hash);
   std::size_t _slotOf(const Key& key) const;  // where it is, or the free slot where it belongs
   void _grow();
@@ -95,7 +101,8 @@ class DecompositionMemo {
   Id _supersede(const Key& key, const Entry& answer);
   std::vector<std::string> _files(const Entry& answer) const;
 
-  std::vector<Entry> _entries = std::vector<Entry>(1);
+  std::vector<std::unique_ptr<Entry[]>> _blocks;
+  std::size_t _entryCount = 1;                       // entry 0 is none, and never looked at
   std::vector<Slot> _slots = std::vector<Slot>(16);  // a power of two, at most two thirds used
   std::size_t _used = 0;
   std::vector<Decomposition> _lists = std::vector<Decomposition>(1);

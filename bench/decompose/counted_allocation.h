@@ -1,0 +1,18 @@
+#ifndef MARLUNE_BENCH_DECOMPOSE_COUNTED_ALLOCATION_H_
+#define MARLUNE_BENCH_DECOMPOSE_COUNTED_ALLOCATION_H_
+
+#include <cstdint>
+
+namespace marlune {
+
+// What the program has allocated so far: how often, and how many bytes it holds now, as the
+// allocator rounds them.
+struct AllocationCount {
+  std::uint64_t calls = 0;
+  std::uint64_t bytesHeld = 0;
+};
+AllocationCount allocationCount();
+
+}  // namespace marlune
+
+#endif  // MARLUNE_BENCH_DECOMPOSE_COUNTED_ALLOCATION_H_

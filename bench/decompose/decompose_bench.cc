@@ -1,0 +1,122 @@
+// Decomposition, cold and remembered, beside two programmes that remember nothing: one that looks
+// every stretch up in a hash set, one over a trie of words. Arguments: words a phrase, recordings.
+
+#include <benchmark/benchmark.h>
+
+#include <ctime>
+#include <map>
+#include <memory>
+
+#include "decompose/counted_allocation.h"
+#include "decompose/peers.h"
+#include "decompose/phrase_world.h"
+#include "fakes/fake_resource_bundle.h"
+#include "marlune/decompose/decomposer.h"
+
+namespace marlune {
+namespace {
+
+using Words = std::vector<std::string>;
+
+constexpr std::size_t kPhrases = 64;  // different ones, so that no branch is learned by heart
+
+struct Input {
+  std::shared_ptr<FakeResourceBundle> bundle;
+  Words files;
+  std::vector<Words> phrases;
+  std::size_t stretches = 0;  // that a decomposer remembers after all phrases
+};
+
+std::unique_ptr<Decomposer> decomposerFor(const Input& input) {
+  return Decomposer::initWithDirectory("Sounds", input.bundle);
+}
+
+// Made once for each pair of arguments.
+const Input& inputFor(const benchmark::State& state) {
+  static std::map<std::pair<std::int64_t, std::int64_t>, Input> inputs;
+  Input& input = inputs[{state.range(0), state.range(1)}];
+  if (input.bundle) return input;
+  PhraseWorld world(static_cast<std::size_t>(state.range(1)));
+  input.files = world.files;
+  input.bundle = std::make_shared<FakeResourceBundle>(world.files);
+  for (std::size_t i = 0; i < kPhrases; ++i) {
+    input.phrases.push_back(world.phrase(static_cast<std::size_t>(state.range(0))));
+  }
+  const auto decomposer = decomposerFor(input);
+  for (const Words& phrase : input.phrases) decomposer->optimalDecompositionOf(phrase);
+  input.stretches = decomposer->_cache().size();
+  return input;
+}
+
+double processorSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+// Every phrase is new to the decomposer, though short stretches of it may not be. A round is all
+// phrases on a decomposer of its own; the time is the processor's, for one phrase.
+void BM_DecomposeCold(benchmark::State& state) {
+  const Input& input = inputFor(state);
+  double seconds = 0, bytes = 0;
+  for (auto _ : state) {
+    const auto decomposer = decomposerFor(input);
+    const std::uint64_t bytesBefore = allocationCount().bytesHeld;
+    const double begin = processorSeconds();
+    for (const Words& phrase : input.phrases) {
+      benchmark::DoNotOptimize(decomposer->optimalDecompositionOf(phrase));
+    }
+    const double taken = processorSeconds() - begin;
+    state.SetIterationTime(taken / kPhrases);
+    seconds += taken;
+    bytes = static_cast<double>(allocationCount().bytesHeld - bytesBefore);
+  }
+  const auto remembered = static_cast<double>(input.stretches);
+  state.counters["stretches"] = remembered / kPhrases;
+  state.counters["ns/stretch"] =
+      seconds * 1e9 / static_cast<double>(state.iterations()) / remembered;
+  state.counters["bytes/stretch"] = bytes / remembered;
+}
+
+void BM_DecomposeRemembered(benchmark::State& state) {
+  const Input& input = inputFor(state);
+  const auto decomposer = decomposerFor(input);
+  for (const Words& phrase : input.phrases) decomposer->optimalDecompositionOf(phrase);
+  const std::uint64_t callsBefore = allocationCount().calls;
+  std::size_t i = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(decomposer->optimalDecompositionOf(input.phrases[i++ % kPhrases]));
+  }
+  state.counters["allocations"] = static_cast<double>(allocationCount().calls - callsBefore) /
+                                  static_cast<double>(state.iterations());
+}
+
+template <typename Peer>
+void runPeer(benchmark::State& state) {
+  const Input& input = inputFor(state);
+  const Peer peer(input.files);
+  const auto decomposer = decomposerFor(input);
+  for (const Words& phrase : input.phrases) {
+    const Decomposition ours = decomposer->optimalDecompositionOf(phrase);
+    if (peer.decompose(phrase) != (ours ? *ours : Words())) state.SkipWithError("answers differ");
+  }
+  std::size_t i = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(peer.decompose(input.phrases[i++ % kPhrases]));
+  }
+}
+void BM_PeerHashSet(benchmark::State& state) { runPeer<HashSetPeer>(state); }
+void BM_PeerTrie(benchmark::State& state) { runPeer<TriePeer>(state); }
+
+void sizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->ArgNames({"words", "files"});
+  benchmark->ArgsProduct({{5, 10, 20, 40, 80}, {100, 1000, 10000, 50000}});
+}
+// Each round reads the voice anew, which takes far longer than what is timed: so a few rounds only.
+BENCHMARK(BM_DecomposeCold)->Apply(sizes)->UseManualTime()->Iterations(10);
+BENCHMARK(BM_PeerHashSet)->Apply(sizes);
+BENCHMARK(BM_DecomposeRemembered)->Apply(sizes);
+BENCHMARK(BM_PeerTrie)->Apply(sizes);
+
+}  // namespace
+}  // namespace marlune
