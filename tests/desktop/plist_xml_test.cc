@@ -204,7 +204,16 @@ TEST(PlistXmlTest, RefusesWhatWouldOutgrowItsFile) {
       read(containers).error.find("the list would take far more memory than its file is long"),
       std::string::npos);
   std::string attributes = "<plist";
-  for (int i = 0; i < 1'000'000; ++i) attributes += " a" + std::to_string(i) + "=''";
+  // Short names, so that what the XML library keeps of each is many times its text, in the
+  // allocators of the sanitizers too.
+  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  for (std::size_t i = 0; i < 1'000'000; ++i) {
+    attributes += ' ';
+    for (std::size_t rest = i, digit = 0; digit < 4; ++digit, rest /= kLetters.size()) {
+      attributes += kLetters[rest % kLetters.size()];
+    }
+    attributes += "=''";
+  }
   EXPECT_EQ(read(attributes + "><true/></plist>").error,
             "line 1, column 1: the XML library got no more memory for a file of this length");
   EXPECT_EQ(read("<plist><array>" + repeated("<true/>", 2'000'000) + "</array></plist>").error, "");
