@@ -8,7 +8,9 @@ set(MARLUNE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/marlune)
 # marlune_install_library(target export-set): the library and its CMake targets, in a file of its
 # own, so that an app without the desktop never needs to find what the desktop needs.
 function(marlune_install_library target export)
-  set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+  if(BUILD_SHARED_LIBS)
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+  endif()
   install(TARGETS ${target} EXPORT ${export}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
@@ -51,8 +53,12 @@ if(MARLUNE_DESKTOP)
 endif()
 
 if(TARGET marlune_tool)
-  file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(marlune_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  # Only where there is something of ours to find: the room that CMake keeps for it in the build's
+  # program makes the loader look for every library in the current folder first.
+  if(BUILD_SHARED_LIBS)
+    file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(marlune_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  endif()
   install(TARGETS marlune_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 endif()
 
