@@ -35,6 +35,7 @@ std::size_t QueueEngine::_positionAfter(const PlayerItem* after) const {
 
 void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) {
   auto file = std::dynamic_pointer_cast<FilePlayerItem>(std::move(item));
+  if (!file) return;  // not one of ours, which canInsert has refused
   file->setQueued(true);
   const Lock lock(_mutex);
   if (!_hasPlayed && after) _startOver();
