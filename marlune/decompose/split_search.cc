@@ -39,7 +39,15 @@ bool SplitSearch::isWorthKeeping() const { return _idsByBegin.capacity() <= kCel
 
 DecompositionMemo::Id SplitSearch::run(std::span<const std::string> words, JoinedKey& key,
                                        bool isSubsetOfWhole) {
+  // Taken away while a delegate may ask in between, and given back with the room that it has: the
+  // next phrase of this length is joined without an allocation.
   std::swap(_key, key);
+  const DecompositionMemo::Id answer = _run(words, isSubsetOfWhole);
+  std::swap(_key, key);
+  return answer;
+}
+
+DecompositionMemo::Id SplitSearch::_run(std::span<const std::string> words, bool isSubsetOfWhole) {
   _words = words;
   _supersededSeen = _memo.superseded().size();
   DecompositionMemo::Key whole{_key.text(), _key.hash()};

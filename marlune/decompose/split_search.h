@@ -47,6 +47,7 @@ class SplitSearch {
     std::size_t nextCall;
   };
 
+  DecompositionMemo::Id _run(std::span<const std::string> words, bool isSubsetOfWhole);
   DecompositionMemo::Key _keyOf(std::size_t from, std::size_t to) const;
   Id _answerWithoutSplit(std::size_t from, std::size_t to, Id id, bool isSubsetOfWhole);
   Id _answerFromDelegate(const DecompositionMemo::Key& key, Id id, bool isSubsetOfWhole);
