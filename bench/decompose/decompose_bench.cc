@@ -7,7 +7,7 @@
 #include <map>
 #include <memory>
 
-#include "decompose/counted_allocation.h"
+#include "support/counted_allocation.h"
 #include "decompose/peers.h"
 #include "decompose/phrase_world.h"
 #include "fakes/fake_resource_bundle.h"

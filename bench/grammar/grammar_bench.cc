@@ -13,8 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "grammar/allocation_count.h"
-#include "grammar/generated_grammar.h"
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
 #include "marlune/grammar/compiled_grammar.h"
@@ -22,6 +20,8 @@
 #include "marlune/grammar/simple_slot_sequence.h"
 #include "marlune/platform/platform.h"
 #include "support/binary_list.h"
+#include "support/counted_allocation.h"
+#include "support/generated_grammar.h"
 
 #include <expat.h>
 
@@ -74,12 +74,12 @@ void measure(benchmark::State& state, const Loaded& loaded, const std::vector<Wo
     if (result != loaded.byTree(words)) return state.SkipWithError("other words than the tree's");
     changed += result != words;
   }
-  const std::uint64_t before = allocationCount();
+  const std::uint64_t before = allocationCount().calls;
   std::size_t turn = 0;
   for (auto _ : state) {
     benchmark::DoNotOptimize(byParser(*loaded.parser, phrases[turn++ % phrases.size()]));
   }
-  const auto allocations = static_cast<double>(allocationCount() - before);
+  const auto allocations = static_cast<double>(allocationCount().calls - before);
   state.counters["allocations"] = allocations / static_cast<double>(state.iterations());
   state.counters["phrases changed"] = changed / static_cast<double>(phrases.size());
 }
@@ -120,10 +120,10 @@ void BM_Compile(benchmark::State& state) {
   const Loaded& loaded = Loaded::of(static_cast<std::size_t>(state.range(0)));
   std::uint64_t bytes = 0;
   for (auto _ : state) {
-    const std::uint64_t before = allocatedBytes();
+    const std::uint64_t before = allocationCount().bytesHeld;
     benchmark::DoNotOptimize(CompiledGrammar::compile(loaded.parser->theGrammar()));
     const auto compiled = CompiledGrammar::compile(loaded.parser->theGrammar());
-    bytes = allocatedBytes() - before;
+    bytes = allocationCount().bytesHeld - before;
   }
   state.counters["bytes a rule"] = static_cast<double>(bytes) / static_cast<double>(state.range(0));
 }
@@ -139,11 +139,11 @@ void BM_Ready(benchmark::State& state) {
     state.PauseTiming();
     const std::string path = source + "." + std::to_string(copies++);
     std::filesystem::copy_file(source, path, std::filesystem::copy_options::overwrite_existing);
-    const std::uint64_t before = allocatedBytes();
+    const std::uint64_t before = allocationCount().bytesHeld;
     state.ResumeTiming();
     const auto parser = Parser::initWithPlistAtPath(path, "Main");
     state.PauseTiming();
-    bytes = allocatedBytes() - before;
+    bytes = allocationCount().bytesHeld - before;
     std::filesystem::remove(path);
     state.ResumeTiming();
   }

@@ -1,4 +1,4 @@
-#include "decompose/counted_allocation.h"
+#include "support/counted_allocation.h"
 
 #include <malloc.h>
 
@@ -7,7 +7,10 @@
 
 namespace {
 
-marlune::AllocationCount count;  // the benchmark has one thread
+marlune::AllocationCount count;  // the benchmarks have one thread
+
+// With the allocator's own word before each piece.
+std::size_t heldBy(void* memory) { return malloc_usable_size(memory) + sizeof(std::size_t); }
 
 }  // namespace
 
@@ -16,11 +19,11 @@ void* operator new(std::size_t size) {
   void* const memory = std::malloc(size);
   if (!memory) throw std::bad_alloc();
   ++count.calls;
-  count.bytesHeld += malloc_usable_size(memory);
+  count.bytesHeld += heldBy(memory);
   return memory;
 }
 void operator delete(void* memory) noexcept {
-  if (memory) count.bytesHeld -= malloc_usable_size(memory);
+  if (memory) count.bytesHeld -= heldBy(memory);
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }

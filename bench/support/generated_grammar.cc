@@ -1,4 +1,4 @@
-#include "grammar/generated_grammar.h"
+#include "support/generated_grammar.h"
 
 #include <initializer_list>
 #include <memory>

@@ -1,0 +1,215 @@
+// Measures the stated limits and prints them as the rows of a table. Each figure is explained in
+// docs/limits.md, where scripts/bench puts the table.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "limits/reference_load.h"
+#include "marlune/desktop/plist/property_list_file.h"
+#include "marlune/platform/platform.h"
+#include "support/counted_allocation.h"
+
+#include <expat.h>
+
+namespace marlune {
+namespace {
+
+using Words = std::vector<std::string>;
+using Clock = std::chrono::steady_clock;
+
+// What one call of `work` takes, in microseconds.
+template <typename Work>
+double microseconds(Work work) {
+  const auto begin = Clock::now();
+  work();
+  return std::chrono::duration<double, std::micro>(Clock::now() - begin).count();
+}
+
+class Samples {
+ public:
+  void add(double value) { _values.push_back(value); }
+  double median() { return _at(0.5); }
+  double percentile99() { return _at(0.99); }
+
+ private:
+  double _at(double share) {
+    std::sort(_values.begin(), _values.end());
+    return _values[static_cast<std::size_t>(share * static_cast<double>(_values.size() - 1))];
+  }
+  std::vector<double> _values;
+};
+
+struct Stage {
+  const char* name;
+  Samples cold, warm;
+
+  void print() {
+    std::printf("| %s | %.1f | %.1f | %.2f | %.2f |\n", name, cold.median(), cold.percentile99(),
+                warm.median(), warm.percentile99());
+  }
+};
+
+void row(const char* name, const char* format, double value) {
+  std::printf("| %s | ", name);
+  std::printf(format, value);
+  std::printf(" |\n");
+}
+
+// Cold: the first time that the phrase is rewritten, and on a decomposer that has never been asked
+// anything. Warm: the same phrase again, at once.
+void measureStages(const ReferenceLoad& load) {
+  Stage rewriting{"rewriting", {}, {}}, decomposing{"decomposing", {}, {}};
+  Stage together{"both", {}, {}};
+  std::uint64_t warmAllocations = 0;
+  std::size_t unsaid = 0;
+  for (const Words& phrase : load.phrases()) {
+    const auto decomposer = load.newDecomposer();
+    for (const bool cold : {true, false}) {
+      Words words;
+      const double rewritten = microseconds(
+          [&] { words = load.parser().resultOfRulesAppliedToStrings(phrase)->stringArray(); });
+      Decomposition files;
+      const std::uint64_t before = allocationCount().calls;
+      const double decomposed =
+          microseconds([&] { files = decomposer->optimalDecompositionOf(words); });
+      if (!cold) warmAllocations += allocationCount().calls - before;
+      unsaid += files == nullptr;
+      const auto add = [cold](Stage& stage, double value) {
+        (cold ? stage.cold : stage.warm).add(value);
+      };
+      add(rewriting, rewritten);
+      add(decomposing, decomposed);
+      add(together, rewritten + decomposed);
+    }
+  }
+  std::printf("| stage | cold, median µs | cold, 99 %% µs | warm, median µs | warm, 99 %% µs |\n");
+  std::printf("|---|---|---|---|---|\n");
+  rewriting.print();
+  decomposing.print();
+  together.print();
+  std::printf("\n| figure | value |\n|---|---|\n");
+  row("phrases measured", "%.0f", static_cast<double>(load.phrases().size()));
+  row("phrases without an answer", "%.0f", static_cast<double>(unsaid));
+  row("allocations in all warm decompositions", "%.0f", static_cast<double>(warmAllocations));
+}
+
+void measureMemo(const ReferenceLoad& load) {
+  const auto decomposer = load.newDecomposer();
+  std::vector<Words> rewritten;
+  for (const Words& phrase : load.phrases()) {
+    rewritten.push_back(load.parser().resultOfRulesAppliedToStrings(phrase)->stringArray());
+  }
+  const std::uint64_t before = allocationCount().bytesHeld;
+  for (const Words& words : rewritten) decomposer->optimalDecompositionOf(words);
+  const auto bytes = static_cast<double>(allocationCount().bytesHeld - before);
+  row("memory a remembered stretch, bytes", "%.0f",
+      bytes / static_cast<double>(decomposer->_cache().size()));
+}
+
+double countElements(const std::string& bytes) {
+  std::size_t elements = 0;
+  return microseconds([&] {
+    const XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetUserData(parser, &elements);
+    XML_SetStartElementHandler(parser, [](void* count, const XML_Char*, const XML_Char**) {
+      ++*static_cast<std::size_t*>(count);
+    });
+    XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), /*isFinal=*/1);
+    XML_ParserFree(parser);
+  });
+}
+
+// The parser and the yardstick in turn, so that what else the machine does hits both.
+void measureLoading() {
+  Samples loading, counting, ratio;
+  for (int round = 0; round < 21; ++round) {
+    const std::string path = ReferenceLoad::writtenGrammar(2000, std::to_string(round));
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    const double counted = countElements(bytes);
+    std::unique_ptr<Parser> parser;
+    const double loaded = microseconds([&] { parser = Parser::initWithPlistAtPath(path, "Main"); });
+    std::filesystem::remove(path);
+    if (round == 0) continue;  // warms both up
+    loading.add(loaded);
+    counting.add(counted);
+    ratio.add(loaded / counted);
+  }
+  row("2,000 rules from XML, grammar ready, ms", "%.1f", loading.median() / 1000);
+  row("counting the same file's elements, ms", "%.1f", counting.median() / 1000);
+  row("loading as a multiple of counting", "%.2f", ratio.median());
+}
+
+void measureGrammarMemory(std::size_t rules, const char* name) {
+  const std::string path = ReferenceLoad::writtenGrammar(rules, "memory" + std::to_string(rules));
+  const std::uint64_t before = allocationCount().bytesHeld;
+  const auto parser = Parser::initWithPlistAtPath(path, "Main");
+  const auto bytes = static_cast<double>(allocationCount().bytesHeld - before);
+  std::filesystem::remove(path);
+  row(name, "%.0f", bytes / static_cast<double>(rules));
+}
+
+// A rule with these slots, on 200 words of which only the first is another.
+double repetitions(Value slots) {
+  auto lhs = std::make_shared<Dictionary>();
+  lhs->setValueForKey(std::move(slots), "_significantSlots");
+  auto rule = std::make_shared<Dictionary>();
+  rule->setValueForKey(Value::dictionary(lhs), "_lhs");
+  rule->setValueForKey(Value::array(std::make_shared<Array>()), "_rhs");
+  const auto part = GrammarPart::instanceFromPlist(Value::dictionary(rule));
+  Words words(200, "a");
+  words.front() = "c";
+  const auto phrase = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words);
+  return microseconds([&] { part->appliedTo(*phrase); });
+}
+
+Value repeated(Value member) {
+  return Value::array(
+      std::make_shared<Array>(std::vector<Value>{Value::string("*"), std::move(member)}));
+}
+
+void measureWorst() {
+  std::vector<Value> successive(20, repeated(Value::string("a")));
+  successive.push_back(Value::string("c"));
+  row("20 successive repetitions on 200 words, ms", "%.2f",
+      repetitions(Value::array(std::make_shared<Array>(successive))) / 1000);
+  Value nested = Value::string("a");
+  for (int depth = 0; depth < 6; ++depth) nested = repeated(nested);
+  row("repetitions nested 6 deep on 200 words, ms", "%.2f",
+      repetitions(
+          Value::array(std::make_shared<Array>(std::vector<Value>{nested, Value::string("c")}))) /
+          1000);
+}
+
+// Words that differ all, so that no stretch is met twice.
+void measureLongPhrase(const ReferenceLoad& load, std::size_t count, const char* name) {
+  const auto decomposer = load.newDecomposer();
+  Words words;
+  for (std::size_t i = 0; i < count; ++i) words.push_back("word" + std::to_string(i));
+  row(name, "%.2f", microseconds([&] { decomposer->optimalDecompositionOf(words); }) / 1000);
+}
+
+void measureAll() {
+  Platform::shared().propertyListReader = std::make_shared<PropertyListFile>();
+  const ReferenceLoad load;
+  measureStages(load);
+  measureMemo(load);
+  measureLoading();
+  measureGrammarMemory(ReferenceLoad::kRules, "memory of a loaded grammar a rule (300), bytes");
+  measureGrammarMemory(2000, "memory of a loaded grammar a rule (2,000), bytes");
+  measureWorst();
+  measureLongPhrase(load, 80, "80 words that nothing says, decomposed, ms");
+  measureLongPhrase(load, 500, "500 words that nothing says, decomposed, ms");
+}
+
+}  // namespace
+}  // namespace marlune
+
+int main() {
+  marlune::measureAll();
+  return 0;
+}
