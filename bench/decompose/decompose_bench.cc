@@ -7,11 +7,11 @@
 #include <map>
 #include <memory>
 
-#include "support/counted_allocation.h"
 #include "decompose/peers.h"
 #include "decompose/phrase_world.h"
 #include "fakes/fake_resource_bundle.h"
 #include "marlune/decompose/decomposer.h"
+#include "support/counted_allocation.h"
 
 namespace marlune {
 namespace {
