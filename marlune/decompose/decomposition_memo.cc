@@ -82,9 +82,10 @@ void DecompositionMemo::_grow() {
 
 const char* DecompositionMemo::keep(std::string_view text) {
   if (text.size() > _freeTextSize) {
-    _freeTextSize = std::max(text.size(), kTextBlock);
-    _texts.push_back(std::make_unique<char[]>(_freeTextSize));
+    const std::size_t size = std::max(text.size(), kTextBlock);
+    _texts.push_back(std::make_unique<char[]>(size));
     _freeText = _texts.back().get();
+    _freeTextSize = size;  // not before there is such a block
   }
   char* const kept = _freeText;
   if (!text.empty()) std::memcpy(kept, text.data(), text.size());

@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "fakes/fake_preferences.h"
+#include "fakes/fake_resource_bundle.h"
+#include "marlune/decompose/decomposer.h"
+#include "marlune/desktop/plist/property_list_file.h"
+#include "marlune/desktop/plist/xml_list_writer.h"
+#include "marlune/grammar/parser.h"
+#include "marlune/platform/platform.h"
+#include "marlune/util/tq_utils.h"
+#include "robustness/failing_allocation.h"
+#include "support/plist_notation.h"
+#include "support/temporary_directory.h"
+
+namespace marlune {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// Something of all that takes memory: inserts, contexts, repetitions, references, a choice, a rule
+// that repeats, one that writes lines.
+constexpr std::string_view kGrammar = R"(
+{
+  Main = {
+    Units = '#insert Shared.Units 2';
+    Count = {
+      _order = #1; _repeat = #1;
+      _lhs = {_preContext = [_E, [*, [+, run, '?']]]; _significantSlots = [five, six]};
+      _rhs = [{_index = #1; content = {_index = #0; _attribute = content}}, more]
+    };
+    Start = {_order = #3; _lhs = {_significantSlots = [{#x- = r}]}; _rhs = [{_index = #0}, on]}
+  };
+  Shared = {
+    Units = {
+      _lhs = {_significantSlots = [[+, km, mi]]; _postContext = [[~, away]]};
+      _rhs = {_signature = [{_index = #0; _attribute = content}]; _expansions = {km = [kilometers]}}
+    }
+  }
+}
+)";
+const Words kPhrase = {"run", "five", "six", "km", "x"};
+
+// Takes lines without memory of its own, since SystemLog must not throw.
+class DiscardingLog : public SystemLog {
+ public:
+  void write(std::string_view) noexcept override {}
+};
+
+class AllocationFailureTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    Platform::shared().systemLog = std::make_shared<DiscardingLog>();
+    Platform::shared().preferences = preferences;
+    Platform::shared().propertyListReader = std::make_shared<PropertyListFile>();
+  }
+  void TearDown() override { Platform::shared() = _formerPlatform; }
+
+  std::string grammarFile(const std::string& name) {
+    const std::string path = folder.path(name);
+    std::ofstream(path) << *writePropertyListXml(PlistNotation::parse(kGrammar));
+    return path;
+  }
+
+  // Has the first, the second, ... allocation of `attempt` fail until none does; an attempt must
+  // end by std::bad_alloc or by itself, and `check` holds after each. How many there were.
+  static std::size_t sweep(const std::function<void(std::size_t)>& prepare,
+                           const std::function<void()>& attempt,
+                           const std::function<void()>& check) {
+    for (std::size_t number = 0;; ++number) {
+      SCOPED_TRACE("allocation " + std::to_string(number));
+      prepare(number);
+      bool hasFailed = false;
+      {
+        const FailingAllocation failing(number);
+        try {
+          attempt();
+        } catch (const std::bad_alloc&) {
+          EXPECT_TRUE(failing.hasFailed());
+        }
+        hasFailed = failing.hasFailed();
+      }
+      check();
+      if (!hasFailed || HasFailure()) return number;
+    }
+  }
+
+  static Words rewritten(const Parser& parser) {
+    return parser.resultOfRulesAppliedToStrings(kPhrase)->stringArray();
+  }
+
+  TemporaryDirectory folder;
+  const std::shared_ptr<FakePreferences> preferences = std::make_shared<FakePreferences>();
+
+ private:
+  const Platform _formerPlatform = Platform::shared();
+};
+
+TEST_F(AllocationFailureTest, AGrammarLoadsAfterALoadThatFailed) {
+  const Words expected = rewritten(*Parser::initWithPlistAtPath(grammarFile("whole"), "Main"));
+  ASSERT_EQ(expected, (Words{"run", "on", "five", "more", "kilometers", "x"}));
+  std::string path;
+  std::unique_ptr<Parser> parser;
+  const std::size_t count =
+      sweep([&](std::size_t number) { path = grammarFile(std::to_string(number)); },
+            [&] { parser = Parser::initWithPlistAtPath(path, "Main"); },
+            [&] {
+              EXPECT_EQ(rewritten(*Parser::initWithPlistAtPath(path, "Main")), expected);
+              std::filesystem::remove(path);
+            });
+  EXPECT_GT(count, 100u);
+}
+
+TEST_F(AllocationFailureTest, APhraseIsRewrittenAfterOneThatWasNot) {
+  for (const bool isTraced : {false, true}) {
+    SCOPED_TRACE(isTraced ? "traced" : "not traced");
+    preferences->set(std::string(ZKPlistNotificationDefault), Value::boolean(isTraced));
+    const auto parser = Parser::initWithPlistAtPath(grammarFile("phrase"), "Main");
+    const Words expected = rewritten(*parser);
+    Words result;
+    const std::size_t count = sweep([](std::size_t) {}, [&] { result = rewritten(*parser); },
+                                    [&] { EXPECT_EQ(rewritten(*parser), expected); });
+    EXPECT_EQ(result, expected);
+    EXPECT_GT(count, 10u);
+  }
+}
+
+TEST_F(AllocationFailureTest, ADecomposerAnswersAfterAFailureAndRemembersNothingWrong) {
+  const auto bundle = std::make_shared<FakeResourceBundle>(
+      Words{"run", "run_on", "five", "more", "five_more", "kilometers", "finish"});
+  const Words phrase = {"run", "on", "five", "more", "finish[x]", "kilometers"};
+  const Words withoutAttribute = {"run", "on", "five", "more", "kilometers"};
+  std::unique_ptr<Decomposer> decomposer;
+  const std::size_t count =
+      sweep([&](std::size_t) { decomposer = Decomposer::initWithDirectory("Sounds", bundle); },
+            [&] {
+              decomposer->optimalDecompositionOf(withoutAttribute);
+              decomposer->optimalDecompositionOf(phrase);
+            },
+            [&] {
+              const Decomposition files = decomposer->optimalDecompositionOf(withoutAttribute);
+              ASSERT_NE(files, nullptr);
+              EXPECT_EQ(*files, (Words{"run_on", "five_more", "kilometers"}));
+              EXPECT_EQ(decomposer->optimalDecompositionOf(phrase), nullptr);
+              EXPECT_EQ(decomposer->_cache().size(), 25u);
+            });
+  EXPECT_GT(count, 10u);
+  EXPECT_GT(sweep([](std::size_t) {},
+                  [&] { decomposer = Decomposer::initWithDirectory("Sounds", bundle); }, [] {}),
+            10u);
+}
+
+TEST_F(AllocationFailureTest, ALineThatCannotBeMadeIsLostWithoutAWord) {
+  const Value list = PlistNotation::parse("{a = [b, c]; d = {}}");
+  EXPECT_GT(sweep([](std::size_t) {},
+                  [&] { EXPECT_NO_THROW(TQUtils::log("a line that is long: %@", list)); }, [] {}),
+            1u);
+}
+
+}  // namespace
+}  // namespace marlune
