@@ -7,6 +7,7 @@ readonly build_packages=(g++ cmake ninja-build pkg-config libexpat1-dev libsndfi
 readonly test_packages=(libgtest-dev libgmock-dev)
 readonly bench_packages=(libbenchmark-dev)
 readonly clang_packages=(clang libclang-rt-14-dev)
+readonly arm_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user-static googletest)
 readonly check_packages=(clang-format clang-tidy)
 
 # One core fewer would leave the machine idle; more jobs than cores make it swap.
