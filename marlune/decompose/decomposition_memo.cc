@@ -11,7 +11,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kTextBlock = 16 * 1024;
+constexpr std::size_t kTextBlock = std::size_t{16} * 1024;
 
 template <typename Number>
 Number checked(std::size_t number) {

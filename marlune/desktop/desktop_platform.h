@@ -14,7 +14,7 @@ struct DesktopOptions {
   // The app's own preferences domain, its reverse-DNS identifier.
   std::string preferencesDomain = "marlune";
   // Where preferences are kept; empty: the marlune folder in the user's configuration folder.
-  std::string preferencesFolder = "";
+  std::string preferencesFolder{};
   // Where lines go; null: to standard error, or where they went before.
   std::shared_ptr<SystemLog> systemLog = nullptr;
 };

@@ -190,7 +190,7 @@ bool Cell::_attributeMatches(const AttributeDictionary::Entry& attribute,
 std::shared_ptr<Cell> Cell::overlayedOn(const Cell& underlying) const {
   constexpr std::string_view kTrace = ZKPlistNotificationDefault;
   TQUtils::forDefaultLog(kTrace, "\t\treceiver: %@", underlying);
-  const std::shared_ptr<Cell> result = literalCellWithCell(underlying);
+  std::shared_ptr<Cell> result = literalCellWithCell(underlying);
   TQUtils::forDefaultLog(kTrace, "\t\tbefore overlay: %@", result);
   if (_attributes) {
     for (const auto& [name, value] : _attributes->entries()) {

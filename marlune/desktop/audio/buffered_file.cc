@@ -13,7 +13,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kBufferBytes = 64 * 1024;
+constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
 
 BufferedFile& fileFrom(void* user) { return *static_cast<BufferedFile*>(user); }
 

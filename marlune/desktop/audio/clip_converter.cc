@@ -8,16 +8,16 @@ namespace marlune {
 namespace {
 
 // At least as long as half of the resampler's filter for every pair of usual rates.
-constexpr int kMinMarginFrames = 512;
+constexpr std::size_t kMinMarginFrames = 512;
 // Beyond this a margin that is a whole number of frames at both rates is not worth its cost.
-constexpr int kMaxMarginFrames = 8'192;
+constexpr std::size_t kMaxMarginFrames = 8'192;
 
 // A number of frames of the clip that is a whole number of frames of the output too, so that
-// cutting the margin off shifts nothing.
+// cutting the margin off shifts nothing. REQUIRES: rates above 0.
 std::size_t marginOf(int fromRate, int toRate) {
-  const int unit = fromRate / std::gcd(fromRate, toRate);
-  if (unit > kMaxMarginFrames) return kMaxMarginFrames;
-  return static_cast<std::size_t>((kMinMarginFrames + unit - 1) / unit * unit);
+  const auto unit = static_cast<std::size_t>(fromRate / std::gcd(fromRate, toRate));
+  if (unit == 0 || unit > kMaxMarginFrames) return kMaxMarginFrames;
+  return (kMinMarginFrames + unit - 1) / unit * unit;
 }
 
 // frames × toRate / fromRate, rounded to the nearest.

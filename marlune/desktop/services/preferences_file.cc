@@ -139,7 +139,7 @@ std::shared_ptr<Dictionary> PreferencesFile::update(const std::function<void(Dic
 std::string PreferencesFile::_keepAside() const {
   constexpr int kMostNames = 1000;
   for (int n = 1; n <= kMostNames; ++n) {
-    const std::string name = _path + ".damaged-" + std::to_string(n);
+    std::string name = _path + ".damaged-" + std::to_string(n);
     if (::link(_path.c_str(), name.c_str()) == 0) return name;
     if (errno != EEXIST) break;
   }
