@@ -93,7 +93,7 @@ const AttributeValue* SimpleSlotSequence::valueForAttributeKey(const AttributeKe
 
 std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::overlayedOn(
     const SimpleSlotSequence& target) const {
-  const auto result = initWithArray(target.slots());
+  auto result = initWithArray(target.slots());
   SlotSequence::overlayedOn(result);
   return result;
 }
