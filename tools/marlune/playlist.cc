@@ -16,7 +16,8 @@ Playlist::Playlist(const Words& files, const ResourceBundle& bundle) {
       _entries.push_back({name, recording->seconds()});
       _seconds += recording->seconds();
     } else {
-      _faults += (_faults.empty() ? "" : "; ") + name + ".aif cannot be played: " + cause;
+      _faults.append(_faults.empty() ? "" : "; ").append(name);
+      _faults.append(".aif cannot be played: ").append(cause);
     }
   }
 }
