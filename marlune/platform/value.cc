@@ -1,5 +1,6 @@
 #include "marlune/platform/value.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -272,11 +273,14 @@ std::size_t Dictionary::_indexOf(std::string_view key) const {
   return kNone;
 }
 
+// Room for the entry comes first: were memory to run out between the two, a key that stands in the
+// entries and not in the index would be set a second time.
 void Dictionary::_append(Key key, Value value) {
+  const std::size_t at = _entries.size();
+  if (at == _entries.capacity()) _entries.reserve(std::max<std::size_t>(1, 2 * at));
+  if (_index) _index->emplace(*key, at);
   _entries.emplace_back(std::move(key), std::move(value));
-  if (_index) {
-    _index->emplace(*_entries.back().first, _entries.size() - 1);
-  } else if (_entries.size() > kLargestLinearDictionary) {
+  if (!_index && _entries.size() > kLargestLinearDictionary) {
     auto index = std::make_unique<Index>();
     for (std::size_t i = 0; i < _entries.size(); ++i) index->emplace(*_entries[i].first, i);
     _index = std::move(index);

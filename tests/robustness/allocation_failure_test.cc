@@ -155,6 +155,23 @@ TEST_F(AllocationFailureTest, ADecomposerAnswersAfterAFailureAndRemembersNothing
             10u);
 }
 
+// Many keys, so that the dictionary is hashed: on the way the hash table and the entries both grow.
+TEST_F(AllocationFailureTest, ADictionaryHoldsEachKeyOnceAfterOneThatWasNotSet) {
+  const std::size_t kKeys = 70;
+  Dictionary dictionary;
+  const auto setAll = [&] {
+    for (std::size_t i = 0; i < kKeys; ++i) {
+      dictionary.setValueForKey(Value::integer(0), "key " + std::to_string(i));
+    }
+  };
+  const std::size_t count = sweep([&](std::size_t) { dictionary = Dictionary(); }, setAll,
+                                  [&] {
+                                    setAll();
+                                    EXPECT_EQ(dictionary.count(), kKeys);
+                                  });
+  EXPECT_GT(count, kKeys);
+}
+
 TEST_F(AllocationFailureTest, ALineThatCannotBeMadeIsLostWithoutAWord) {
   const Value list = PlistNotation::parse("{a = [b, c]; d = {}}");
   EXPECT_GT(sweep([](std::size_t) {},
