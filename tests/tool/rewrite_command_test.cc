@@ -30,6 +30,40 @@ constexpr const char* kGrammar = R"(<?xml version="1.0"?><plist version="1.0"><d
       <key>_lhs</key><dict><key>_significantSlots</key><array><array/></array></dict>
       <key>_rhs</key><array><string>a</string></array></dict>
   </dict>
+  <key>Nested</key><dict>
+    <key>Lengths</key><dict>
+      <key>_order</key><integer>1</integer>
+      <key>Mark</key><dict>
+        <key>_order</key><integer>1</integer>
+        <key>_lhs</key><dict>
+          <key>_significantSlots</key><array><dict><key>#x-</key><string>k</string></dict></array>
+          <key>_postContext</key>
+          <array><array><string>~</string><string>h</string><string>_E</string></array></array></dict>
+        <key>_rhs</key><array><dict>
+          <key>_index</key><integer>0</integer><key>kind</key><string>unit</string>
+          <key>pre</key><string>x</string></dict></array></dict>
+      <key>Outside</key><dict>
+        <key>_order</key><integer>2</integer>
+        <key>_lhs</key><dict><key>_significantSlots</key>
+          <array><dict><key>kind</key><string>unit</string></dict></array></dict>
+        <key>_rhs</key><array><dict><key>_index</key><integer>1</integer></dict></array></dict>
+      <key>Spell</key><dict>
+        <key>_order</key><integer>3</integer>
+        <key>_lhs</key><dict><key>_significantSlots</key>
+          <array><dict><key>kind</key><string>unit</string></dict></array></dict>
+        <key>_rhs</key><dict>
+          <key>_signature</key><array><dict>
+            <key>_index</key><integer>0</integer>
+            <key>_attribute</key><string>content</string></dict></array>
+          <key>_expansions</key><dict>
+            <key>km</key><array><string>kilometers</string></array>
+            <key>kg</key><array><string>kilograms</string></array></dict></dict></dict>
+    </dict>
+    <key>Bare</key><dict>
+      <key>_order</key><integer>2</integer>
+      <key>_lhs</key><dict><key>_significantSlots</key><array><string>?</string></array></dict>
+      <key>_rhs</key><string>nothing</string></dict>
+  </dict>
   <key>Text</key><string>no grammar</string>
 </dict></plist>)";
 
@@ -69,6 +103,22 @@ TEST_F(RewriteCommandTest, TracesTheRulesThatChangeThePhrase) {
   EXPECT_THAT(raw.err, HasSubstr("\nApplying 'Units' (2): "));
   EXPECT_THAT(raw.err, HasSubstr("\nMidway Result: "));
   EXPECT_EQ(raw.out, "ten kilometers\n");
+}
+
+TEST_F(RewriteCommandTest, TracesAttributesAndMessagesUnderTheRuleTheyComeFrom) {
+  const ToolRun run = rewrite({"--name", "Nested", "--trace", "a km now"});
+  EXPECT_EQ(
+      run.err,
+      "_E.([a]).([km]).([now])._E\n"
+      "  Lengths.Mark (1): ([_]){#x-=k} before ~(([h]) + _E)\n"
+      "    _E.([a]).(x[km]){kind=unit}.([now])._E\n"
+      "  Lengths.Outside (2): ([_]){kind=unit}\n"
+      "    ERROR: The occurrence at 2 stays as it is: production's index 1 outside the 1 slots "
+      "of the occurrence.\n"
+      "  Lengths.Spell (3): ([_]){kind=unit}\n"
+      "    _E.([a]).([kilometers]).([now])._E\n"
+      "2 of 4 rules changed the phrase\n");
+  EXPECT_EQ(run.out, "a kilometers now\n");
 }
 
 TEST_F(RewriteCommandTest, RefusesAGrammarThatDoesNotLoadInOneSentence) {

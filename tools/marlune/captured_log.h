@@ -21,6 +21,10 @@ class CapturedLog {
 
   const std::vector<std::string>& lines() const { return _lines->kept; }
 
+  // The same without the two lines of each comparison by a prefix or suffix key: they are many,
+  // and the raw trace shows them.
+  std::vector<std::string> messages() const;
+
  private:
   class Lines : public SystemLog {
    public:

@@ -10,7 +10,8 @@ inline constexpr const char* kOverridesHelp =
 inline constexpr const char* kGrammarHelp = "The grammar file, a property list";
 inline constexpr const char* kNameHelp = "Which grammar of the file, such as Sports.Running";
 inline constexpr const char* kPhrasesHelp =
-    "Phrases, one an argument; without any, one a line from standard input";
+    "Phrases, one an argument: quote one of several words; without any, one a line from standard "
+    "input";
 
 }  // namespace marlune::tool
 

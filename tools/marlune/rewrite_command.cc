@@ -16,7 +16,9 @@ namespace marlune::tool {
 namespace {
 
 constexpr const char* kTraceHelp =
-    "Show on standard error which rules change the phrase; with raw, all that the grammar logs";
+    "Show on standard error which rules change the phrase; with raw, all that the grammar logs, "
+    "the "
+    "lines of prefix keys included";
 
 struct Options {
   std::string grammar;
@@ -25,17 +27,22 @@ struct Options {
   std::vector<std::string> phrases;
 };
 
-void showTrace(const Rewriter& rewriter, const Words& words, const std::string& form) {
-  const Trace trace = rewriter.traceOf(words);
-  std::cerr << (form == "raw" ? rawTrace(trace) : readableTrace(trace)) << std::flush;
+// With the rules' trace the walk's own result, since rewriting once more would repeat its messages.
+Words answerTo(const Words& words, const Rewriter& rewriter, const Options& options) {
+  if (options.trace == "rules") {
+    const GrammarWalk walk = rewriter.walkOf(words);
+    std::cerr << readableTrace(walk) << std::flush;
+    return walk.after()->stringArray();
+  }
+  if (options.trace == "raw") std::cerr << rewriter.rawTraceOf(words) << std::flush;
+  return rewriter.rewritten(words);
 }
 
 ExitStatus rewrite(const Options& options) {
   const Rewriter rewriter(options.grammar, options.name);
   PhraseInput input(options.phrases, std::cin);
   while (const std::optional<Phrase> phrase = input.next()) {
-    if (!options.trace.empty()) showTrace(rewriter, phrase->words, options.trace);
-    std::cout << joined(rewriter.rewritten(phrase->words)) << std::endl;
+    std::cout << joined(answerTo(phrase->words, rewriter, options)) << std::endl;
   }
   return kEverythingSaid;
 }

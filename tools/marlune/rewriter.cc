@@ -32,21 +32,15 @@ std::string causeAmong(const std::vector<std::string>& lines) {
   return "";
 }
 
-// Passes on what was logged, except the two lines of each comparison by a prefix or suffix key:
-// they are many, and a trace shows them.
-void showLines(const std::vector<std::string>& lines) {
-  for (const std::string& line : lines) {
-    const bool isComparison =
-        line.starts_with("Prefix! ") || line.starts_with("Suffix! ") || line.starts_with("MATCH!");
-    if (!isComparison) TQUtils::systemLog("%@", line);
-  }
+void show(const std::vector<std::string>& messages) {
+  for (const std::string& message : messages) TQUtils::systemLog("%@", message);
 }
 
 }  // namespace
 
 Rewriter::Rewriter(const std::string& path, const std::string& name) {
   Platform::shared().propertyListReader = std::make_shared<PropertyListFile>();
-  std::vector<std::string> lines;
+  std::vector<std::string> messages;
   {
     const CapturedLog log;
     try {
@@ -54,35 +48,38 @@ Rewriter::Rewriter(const std::string& path, const std::string& name) {
     } catch (const GrammarError& error) {
       throw InputError(path + ": " + error.what());
     }
-    lines = log.lines();
+    messages = log.messages();
   }
-  if (_parser->grammarsPlist().isAbsent()) throw InputError(causeAmong(lines));
+  if (_parser->grammarsPlist().isAbsent()) throw InputError(causeAmong(messages));
   if (!_parser->theGrammar()) throw InputError(path + ": there is no grammar named " + name);
-  showLines(lines);
+  show(messages);
 }
 
 Words Rewriter::rewritten(const Words& words) const {
   Words result;
-  std::vector<std::string> lines;
+  std::vector<std::string> messages;
   {
     const CapturedLog log;
     result = _parser->resultOfRulesAppliedToStrings(words)->stringArray();
-    lines = log.lines();
+    messages = log.messages();
   }
-  showLines(lines);
+  show(messages);
   return result;
 }
 
-Trace Rewriter::traceOf(const Words& words) const {
-  Trace trace;
-  trace.before = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words)->description();
+GrammarWalk Rewriter::walkOf(const Words& words) const {
+  return {*_parser->theGrammar(), SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words)};
+}
+
+std::string Rewriter::rawTraceOf(const Words& words) const {
   const CapturedLog log;
   const auto former = Platform::shared().preferences;
   Platform::shared().preferences = std::make_shared<TracePreferences>();
-  trace.after = _parser->resultOfRulesAppliedToStrings(words)->description();
+  _parser->resultOfRulesAppliedToStrings(words);
   Platform::shared().preferences = former;
-  trace.lines = log.lines();
-  return trace;
+  std::string text;
+  for (const std::string& line : log.lines()) text += line + "\n";
+  return text;
 }
 
 }  // namespace marlune::tool

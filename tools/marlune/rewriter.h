@@ -5,8 +5,8 @@
 #include <string>
 
 #include "marlune/grammar/parser.h"
+#include "tools/marlune/grammar_walk.h"
 #include "tools/marlune/phrase_input.h"
-#include "tools/marlune/trace.h"
 
 namespace marlune::tool {
 
@@ -19,9 +19,12 @@ class Rewriter {
 
   Words rewritten(const Words& words) const;
 
-  // What the grammar logs under its trace key while it rewrites the words. Lines that it logs in
-  // any case are among them.
-  Trace traceOf(const Words& words) const;
+  // What each rule does to the words. The grammar's errors are in it and not shown otherwise.
+  GrammarWalk walkOf(const Words& words) const;
+
+  // All that the grammar logs under its trace key while it rewrites the words, and in any case.
+  // Every line ends with a line feed.
+  std::string rawTraceOf(const Words& words) const;
 
  private:
   std::unique_ptr<Parser> _parser;

@@ -2,30 +2,26 @@
 #define MARLUNE_TOOLS_MARLUNE_TRACE_H_
 
 #include <string>
-#include <vector>
+
+#include "tools/marlune/grammar_walk.h"
 
 namespace marlune::tool {
 
-// What a grammar logged while it rewrote one phrase. Phrases stand in their printed form.
-struct Trace {
-  std::string before;
-  std::vector<std::string> lines;
-  std::string after;
-};
-
-// The trace as a grammar author reads it: the rules that changed the phrase, in order, each with
-// its place among its siblings, what it looks for and what the phrase became, and a count of all.
+// The trace as a grammar author reads it: the rules that changed the phrase, be it nothing but an
+// attribute, in order, each with its path below the grammar, its place among its siblings, what it
+// looks for, what it logged and what the phrase became, and a count of all. A rule that only logged
+// shows too, without a phrase.
 //
 //     _E.([ten]).([km])._E
-//       Units (3): ([km]) after ([ten])
-//         _E.([ten]).([kilometers])._E
+//       Lengths.Units (3): ([km]) after ([ten])
+//         _E.([ten]).([kilometers]){kind=unit}._E
 //     1 of 14 rules changed the phrase
 //
 // Every line ends with a line feed.
-std::string readableTrace(const Trace& trace);
+std::string readableTrace(const GrammarWalk& walk);
 
-// Every line that was logged, as it is.
-std::string rawTrace(const Trace& trace);
+// A rule's path and order, "Lengths.Units (3)".
+std::string nameOf(const Turn& turn);
 
 }  // namespace marlune::tool
 

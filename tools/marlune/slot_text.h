@@ -1,0 +1,16 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_SLOT_TEXT_H_
+#define MARLUNE_TOOLS_MARLUNE_SLOT_TEXT_H_
+
+#include <string>
+
+#include "marlune/grammar/slot_sequence.h"
+
+namespace marlune::tool {
+
+// A phrase or pattern as the grammar prints it, with those attributes of each word that the printed
+// form leaves out: "([31:20]){kind=time, seconds=20}". "(null)" for nullptr.
+std::string textOf(const SlotSequence* slots);
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_SLOT_TEXT_H_
