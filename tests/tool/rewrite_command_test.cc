@@ -64,6 +64,20 @@ constexpr const char* kGrammar = R"(<?xml version="1.0"?><plist version="1.0"><d
       <key>_lhs</key><dict><key>_significantSlots</key><array><string>?</string></array></dict>
       <key>_rhs</key><string>nothing</string></dict>
   </dict>
+  <key>Twice</key><dict>
+    <key>A</key><dict><key>Units</key><dict>
+      <key>_lhs</key><dict><key>_significantSlots</key><array><string>km</string></array></dict>
+      <key>_rhs</key><array><string>km</string></array></dict></dict>
+    <key>B</key><dict><key>Units</key><dict>
+      <key>_lhs</key><dict/>
+      <key>_rhs</key><array><string>km</string></array></dict></dict>
+  </dict>
+  <key>Many</key><dict>
+    <key>_lhs</key><dict><key>_significantSlots</key><array><array><string>+</string>
+      <string>1</string><string>2</string><string>3</string><string>4</string><string>5</string>
+      <string>6</string><string>7</string><string>8</string><string>9</string><string>10</string>
+    </array></array></dict>
+    <key>_rhs</key><array><string>few</string></array></dict>
   <key>Text</key><string>no grammar</string>
 </dict></plist>)";
 
@@ -119,6 +133,70 @@ TEST_F(RewriteCommandTest, TracesAttributesAndMessagesUnderTheRuleTheyComeFrom) 
       "    _E.([a]).([kilometers]).([now])._E\n"
       "2 of 4 rules changed the phrase\n");
   EXPECT_EQ(run.out, "a kilometers now\n");
+}
+
+TEST_F(RewriteCommandTest, TellsWhyARuleDoesOrDoesNotFire) {
+  struct Case {
+    const char* name;
+    const char* rule;
+    const char* phrase;
+    const char* why;
+  };
+  const Case cases[] = {
+      {"Nested", "Mark", "a mi",
+       "Lengths.Mark (1) at its turn: _E.([a]).([mi])._E\n"
+       "  its significant slots ([_]){#x-=k} are found nowhere\n"},
+      {"Main", "Units", "km km",
+       "Units (2) at its turn: _E.([km]).([km])._E\n"
+       "  found at 1, ([km]), but the pre-context ? does not stand before it\n"
+       "  applies at 2, ([km])\n"
+       "  the phrase became _E.([km]).([kilometers])._E\n"},
+      {"Main.Units", "Units", "a mi",
+       "ROOT (2) at its turn: _E.([a]).([mi])._E\n"
+       "  its significant slots ([km]) are found nowhere\n"},
+      {"Nested", "Lengths.Mark", "km h",
+       "Lengths.Mark (1) at its turn: _E.([km]).([h])._E\n"
+       "  found at 1, ([km]), but the post-context ~(([h]) + _E) does not stand after it\n"},
+      {"Nested", "Mark", "km now",
+       "Lengths.Mark (1) at its turn: _E.([km]).([now])._E\n"
+       "  applies at 1, ([km])\n"
+       "  the phrase became _E.(x[km]){kind=unit}.([now])._E\n"
+       "  what it made was replaced later by Lengths.Spell (3)\n"},
+      {"Nested", "Nested.Lengths.Spell", "kx now",
+       "Lengths.Spell (3) at its turn: _E.(x[kx]){kind=unit}.([now])._E\n"
+       "  applies at 1, (x[kx]){kind=unit}, but the conditional key \"kx\" has no expansion "
+       "(it has: km, kg)\n"},
+      {"Nested", "Outside", "kg now",
+       "Lengths.Outside (2) at its turn: _E.(x[kg]){kind=unit}.([now])._E\n"
+       "  applies at 1, (x[kg]){kind=unit}\n"
+       "  ERROR: The occurrence at 1 stays as it is: production's index 1 outside the 1 slots of "
+       "the occurrence.\n"
+       "  the phrase stayed as it was\n"},
+      {"Nested", "Bare", "a", "Bare (2) at its turn: _E.([a])._E\n  has no right-hand side\n"},
+      {"Many", "Many", "a",
+       "  its significant slots (([1]) + ([2]) + ([3]) + ([4]) + ([5]) + ([6]) + ([7]) + ([8]) + "
+       "2 more) are found nowhere\n"},
+      {"Twice", "Units", "km",
+       "A.Units (0) at its turn: _E.([km])._E\n"
+       "  applies at 1, ([km])\n"
+       "  the phrase stayed as it was\n"
+       "B.Units (0) at its turn: _E.([km])._E\n"
+       "  has no significant slots\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.name) + " " + c.rule + " " + c.phrase);
+    const ToolRun run = rewrite({"--name", c.name, "--why", c.rule, c.phrase});
+    // What the load and the rewriting itself log stands around it.
+    EXPECT_THAT(run.err, HasSubstr(c.why));
+    EXPECT_EQ(run.out, rewrite({"--name", c.name, c.phrase}).out);
+    EXPECT_EQ(run.status, 0);
+  }
+  for (const char* none : {"Marks", "Lengths", "ark", "Mark.Lengths", ""}) {
+    const ToolRun run = rewrite({"--name", "Nested", "--why", none, "a km"});
+    EXPECT_EQ(run.err, "marlune: " + grammar + ": Nested has no rule named " + none + "\n");
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.status, 2);
+  }
 }
 
 TEST_F(RewriteCommandTest, RefusesAGrammarThatDoesNotLoadInOneSentence) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <span>
 #include <string_view>
 
 #include "marlune/grammar/cell.h"
@@ -11,7 +13,10 @@ namespace marlune::tool {
 
 namespace {
 
-std::string joinedTexts(const SlotArray& slots, std::string_view separator);
+// Of alternatives by the hundred nobody reads more.
+constexpr std::size_t kMostMembers = 8;
+
+std::string joinedTexts(std::span<const std::shared_ptr<Slot>> slots, std::string_view separator);
 
 std::string textOfCell(const Cell& cell) {
   static constexpr std::array<std::string_view, 5> kPrinted{"content", "pre", "post", "firstTone",
@@ -29,8 +34,13 @@ std::string textOfCell(const Cell& cell) {
 std::string textOfSlot(const Slot& slot) {
   if (const auto& cell = slot._cellOrNull()) return textOfCell(*cell);
   const auto members = [&slot](std::string_view separator) {
-    return "(" + joinedTexts(static_cast<const CompoundSlot&>(slot).slots()->slots(), separator) +
-           ")";
+    const std::span all(static_cast<const CompoundSlot&>(slot).slots()->slots());
+    const std::size_t shown = std::min(kMostMembers, all.size());
+    std::string text = joinedTexts(all.first(shown), separator);
+    if (shown < all.size()) {
+      text.append(separator).append(std::to_string(all.size() - shown)).append(" more");
+    }
+    return "(" + text + ")";
   };
   switch (slot.kind()) {
     case Slot::Kind::disjunction:
@@ -44,7 +54,7 @@ std::string textOfSlot(const Slot& slot) {
   }
 }
 
-std::string joinedTexts(const SlotArray& slots, std::string_view separator) {
+std::string joinedTexts(std::span<const std::shared_ptr<Slot>> slots, std::string_view separator) {
   std::string text;
   for (const auto& slot : slots) {
     if (&slot != &slots.front()) text += separator;
