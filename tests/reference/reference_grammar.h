@@ -324,6 +324,16 @@ class Grammar {
     return _applied(_root, phrase);
   }
 
+  // The same, with the lines of this phrase alone; nothing when it would take too many steps.
+  std::optional<Slots> appliedAlone(const std::vector<std::string>& words) {
+    lines.clear();
+    try {
+      return applied(words);
+    } catch (const Overrun&) {
+      return std::nullopt;
+    }
+  }
+
   static std::vector<std::string> words(const Slots& phrase) {
     std::vector<std::string> words;
     for (const Slot& slot : phrase) {
