@@ -6,10 +6,25 @@
 //     teardowns                      let go of a queue whose notification is under way
 //     clips [COUNT [SPEED]]          hold what comes out of the clock to what was queued
 //     latency                        from the player's call to the first sample at the output
+//
+// A full soak, each round a real one on real threads:
+//
+//     cmake --preset bench && cmake --build --preset bench --target engine_soak teardown_soak
+//     S=build/bench/bench/playback
+//     $S/engine_soak cycles-cranked 1000000 && $S/engine_soak cycles-clock 1000000
+//     $S/engine_soak losses-cranked 10000 && $S/engine_soak losses-clock 10000
+//     $S/engine_soak teardowns 100000 && $S/teardown_soak 100000
+//
+// A cycle on the clock takes about a millisecond, for a third of them wait until the worker looks
+// at the output again; all others take a tenth or two of that. For the thread sanitizer configure
+// with `cmake --preset tsan -DMARLUNE_BENCH=ON`, run build/tsan/bench/playback/ and take a tenth of
+// the cycles.
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -55,8 +70,12 @@ class Soak {
     Platform::shared().systemLog = _log;
     for (const int rate : {22'050, 22'050, 44'100}) {
       const auto name = std::to_string(_paths.size()) + ".aif";
-      _paths.push_back(_folder.write(name, countingSamples(150 + any(200), 0), {rate, 1}));
+      const std::uint32_t length = 150 + any(200);
+      _paths.push_back(_folder.write(name, countingSamples(length, 0), {rate, 1}));
+      const auto factor = static_cast<std::uint32_t>(rate / kFormat.sampleRate);
+      _frames.push_back((length + factor / 2) / factor);
     }
+    _frames.push_back(0);
     _paths.push_back(_folder.writeBytes("broken.aif", std::vector<char>(40, 'x')));
   }
 
@@ -73,12 +92,16 @@ class Soak {
   void append();
   void letTimePass();
   bool playOut();
+  std::uint64_t framesHeard();
   std::size_t linesWith(std::string_view text) const;
 
   std::mt19937 _random;
   const std::shared_ptr<FakeSystemLog> _log = std::make_shared<FakeSystemLog>();
   const RecordingFolder _folder;
   std::vector<std::string> _paths;
+  std::vector<std::uint64_t> _frames;            // of each, at the output's rate
+  std::atomic<std::uint64_t> _heard = 0;         // frames of sound that the output took
+  std::atomic<std::uint64_t> _clockPeriods = 0;  // that were added up in it
   RunLoop _loop;
   WaitingObserver _observer{_loop};
   std::shared_ptr<CrankedOutput> _crank;
@@ -88,12 +111,17 @@ class Soak {
   std::shared_ptr<DesktopQueuePlayer> _queue;
   Items _items;
   std::uint64_t _appended = 0;
+  std::uint64_t _framesAppended = 0;
 };
 
 void Soak::use(bool isClock) {
   std::shared_ptr<AudioOutput> output;
   if (isClock) {
-    output = _clock = std::make_shared<ClockOutput>(kFormat, nullptr, /*speed=*/100, 64);
+    const auto listen = [this](const float*, std::size_t, std::size_t sounding) {
+      _heard += sounding;
+      ++_clockPeriods;
+    };
+    output = _clock = std::make_shared<ClockOutput>(kFormat, listen, /*speed=*/100, 64);
   } else {
     output = _crank = std::make_shared<CrankedOutput>(kFormat);
   }
@@ -110,16 +138,21 @@ void Soak::makeQueue() {
 
 void Soak::append() {
   for (std::uint32_t i = 1 + any(3); i > 0; --i) {
-    auto item = std::make_shared<FilePlayerItem>(_paths[any(40) == 0 ? 3 : any(3)]);
+    const std::uint32_t choice = any(40) == 0 ? 3 : any(3);
+    auto item = std::make_shared<FilePlayerItem>(_paths[choice]);
     if (!_queue->canInsert(item.get(), nullptr)) continue;  // it failed just now
     _queue->insert(item, nullptr);
     _items.push_back(std::move(item));
     ++_appended;
+    _framesAppended += _frames[choice];
   }
 }
 
 void Soak::letTimePass() {
-  if (_crank) _crank->crank(any(400));
+  if (_crank) {
+    std::array<float, 400> frames;
+    _heard += _crank->crankInto(frames.data(), any(400));
+  }
   for (std::uint32_t i = any(30); i > 0; --i) std::this_thread::yield();
   _loop.runPending();
 }
@@ -133,6 +166,13 @@ bool Soak::playOut() {
   return isClean;
 }
 
+// Once the period in which the last item ended has been added up too.
+std::uint64_t Soak::framesHeard() {
+  const std::uint64_t periods = _clockPeriods;
+  while (_clock && _clockPeriods == periods) std::this_thread::yield();
+  return _heard;
+}
+
 std::size_t Soak::linesWith(std::string_view text) const {
   const auto lines = _log->lines();
   return static_cast<std::size_t>(
@@ -142,14 +182,20 @@ std::size_t Soak::linesWith(std::string_view text) const {
 
 bool Soak::cycles(std::uint64_t count, bool isClock) {
   use(isClock);
-  std::uint64_t wrong = 0, broken = 0, underruns = 0;
+  std::uint64_t wrong = 0, broken = 0, underruns = 0, dropped = 0, counted = 0, misheard = 0;
+  const auto readLog = [&] {
+    broken += linesWith("cannot be played");
+    underruns += linesWith("Decoding was late");
+    _log->clear();
+  };
+  bool isSilent = true;  // no sound is on its way to the output as a cycle starts
   for (std::uint64_t i = 0; i < count; ++i) {
     if (i % 1'000 == 0) {
       alarm(kSecondsAnAlarm);
-      broken += linesWith("cannot be played");
-      underruns += linesWith("Decoding was late");
-      _log->clear();
+      readLog();
     }
+    const std::uint64_t heardBefore = _heard;
+    _framesAppended = 0;
     append();
     _session->setActive(true);
     _queue->play();
@@ -158,25 +204,40 @@ bool Soak::cycles(std::uint64_t count, bool isClock) {
     letTimePass();
     if (any(4) == 0) {
       wrong += !playOut();
+      if (isSilent) {
+        ++counted;
+        misheard += framesHeard() - heardBefore != _framesAppended;
+      }
+      isSilent = true;
     } else {
       _queue->setRate(0);
+      dropped += _queue->items().size();
       _queue->removeAllItems();
       wrong += !playOut();
+      isSilent = !isClock;
     }
     if (any(50) == 0) {
       _queue->setRate(0);
-      _session->setActive(false);
+      isSilent |= _session->setActive(false).succeeded;
     }
   }
-  std::printf(
-      "cycles %llu, items %llu, broken ones left out %llu, underrun lines %llu, "
-      "notifications %llu, cycles that left an item behind %llu\n",
-      static_cast<unsigned long long>(count), static_cast<unsigned long long>(_appended),
-      static_cast<unsigned long long>(broken), static_cast<unsigned long long>(underruns),
-      static_cast<unsigned long long>(_observer.told), static_cast<unsigned long long>(wrong));
+  readLog();
   const bool hasFailed = _queue->status() == QueuePlayer::Status::failed;
+  const auto print = [](const char* what, std::uint64_t number) {
+    std::printf("%s %llu\n", what, static_cast<unsigned long long>(number));
+  };
+  print("cycles", count);
+  print("items appended", _appended);
+  print("  in the queue when it was emptied", dropped);
+  print("  broken and left out", broken);
+  print("  in the queue at the end", _queue->items().size());
+  print("cycles that left an item behind", wrong);
+  print("cycles whose sound was counted at the output", counted);
+  print("  that sounded other than was appended", misheard);
+  print("notifications", _observer.told);
+  print("lines about late decoding", underruns);
   if (hasFailed) std::printf("the queue has failed, though nothing was lost\n");
-  return wrong == 0 && !hasFailed;
+  return wrong == 0 && misheard == 0 && !hasFailed;
 }
 
 bool Soak::losses(std::uint64_t count, bool isClock) {
