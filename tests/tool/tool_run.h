@@ -4,18 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "support/program_run.h"
+
 namespace marlune {
 
-// What came of one run of the program.
-struct ToolRun {
-  int status = -1;  // the exit status; 128 + n when signal n ended it
-  std::string out;
-  std::string err;
-};
+using ToolRun = ProgramRun;
 
-// Runs the built `marlune` with these arguments and this standard input, without a shell, and
-// waits for its end.
-ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "");
+// Runs the built `marlune`.
+inline ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "") {
+  return runProgram(MARLUNE_TOOL_PATH, arguments, input);
+}
 
 }  // namespace marlune
 
