@@ -1,5 +1,5 @@
 # What `cmake --install` puts down: libraries, headers, the CMake package, pkg-config files, the
-# tool. Components: runtime, development, tool.
+# tool with its manual page and its completion. Components: runtime, development, tool.
 
 include(CMakePackageConfigHelpers)
 
@@ -60,6 +60,11 @@ if(TARGET marlune_tool)
     set_target_properties(marlune_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   endif()
   install(TARGETS marlune_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/marlune.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/marlune/completion/marlune.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME marlune COMPONENT tool)
 endif()
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/marluneConfig.cmake.in
