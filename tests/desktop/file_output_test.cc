@@ -54,6 +54,24 @@ TEST_F(FileOutputTest, TakesTheFormatOfTheFirstRecordingAndKeepsEverySample) {
   }
 }
 
+TEST_F(FileOutputTest, FinerSamplesAreRoundedAndLouderOnesClipped) {
+  const float kValues[] = {0.5f, 1.5f, 2.4f, -0.5f, -1.5f, 32'767.6f, -32'769, 1e6f, 3e38f, -3e38f};
+  const auto path = folder.path("fine.aif");
+  SF_INFO info = {};
+  info.samplerate = 22'050;
+  info.channels = 1;
+  info.format = SF_FORMAT_AIFF | SF_FORMAT_FLOAT;
+  SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &info);
+  for (const float value : kValues) {
+    const float sample = value / 32'768;
+    sf_write_float(file, &sample, 1);
+  }
+  sf_close(file);
+  play(routeTo(folder.path("x.wav")), {path});
+  EXPECT_EQ(readSound(folder.path("x.wav")).samples,
+            Samples({0, 2, 2, 0, -2, 32'767, -32'768, 32'767, 32'767, -32'768}));
+}
+
 TEST_F(FileOutputTest, ALongRecordingIsWrittenWhole) {
   const Samples samples = countingSamples(2'000'000, 0);  // many times the read-ahead
   play(routeTo(folder.path("x.wav")), {folder.write("long.aif", samples, {22'050, 1})});

@@ -1,7 +1,9 @@
 #include "marlune/desktop/audio/recording.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace marlune {
 
@@ -65,9 +67,9 @@ std::size_t Recording::read(float* frames, std::size_t count) {
   if (done <= 0) return 0;
   const auto samples = static_cast<std::size_t>(done) * static_cast<std::size_t>(_format.channels);
   // A float encoding can hold anything, and one "not a number" would silence a resampler for good.
-  for (std::size_t i = 0; i < samples; ++i) {
-    if (!std::isfinite(frames[i])) frames[i] = 0;
-  }
+  std::transform(frames, frames + samples, frames, [](float value) {
+    return std::fabs(value) <= std::numeric_limits<float>::max() ? value : 0.0f;
+  });
   return static_cast<std::size_t>(done);
 }
 
