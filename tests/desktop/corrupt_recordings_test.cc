@@ -49,10 +49,11 @@ std::optional<std::size_t> framesPlayedOf(const std::string& path) {
   const std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(path, cause);
   EXPECT_EQ(cause.empty(), decoder != nullptr);
   if (!decoder) return std::nullopt;
+  EXPECT_TRUE(decoder->convertTo(kOutput, cause)) << cause;
   std::size_t frames = 0;
   SoundBlock block;
   do {
-    decoder->fill(block, kOutput);
+    decoder->fill(block);
     frames += block.frames;
   } while (!block.endsItem);
   return frames;

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "support/temporary_directory.h"
@@ -68,6 +69,24 @@ TEST_F(SayCommandTest, RefusesAPhraseWithARecordingThatCannotBePlayed) {
               testing::StartsWith("marlune: \"broken go\": broken.aif cannot be played: "));
   EXPECT_THAT(run.out, testing::StartsWith("\ngo | go "));
   EXPECT_EQ(run.status, 1);
+}
+
+TEST_F(SayCommandTest, LeavesARecordingOfAnotherRateOutWhereNoResamplerCanBeLoaded) {
+  sounds = folder.path();
+  std::string go = TemporaryDirectory::contentOf(std::string(MARLUNE_VOICE_FOLDER) + "/go.aif");
+  folder.write("slow.aif", go);
+  go.replace(go.find("\x40\x0D\xAC\x44"), 2, "\x40\x0E");  // the exponent of 22,050
+  folder.write("fast.aif", go);
+  EXPECT_EQ(say({"slow fast"}).err, "");
+  const std::size_t withBoth = samples().size();
+  folder.write("libsoxr.so.0", "This is no library.");
+  ::setenv("LD_LIBRARY_PATH", folder.path().c_str(), /*overwrite=*/1);
+  const ToolRun run = say({"slow fast"});
+  ::unsetenv("LD_LIBRARY_PATH");
+  EXPECT_THAT(run.err, HasSubstr("fast.aif\" cannot be played and is left out: it cannot be "
+                                 "resampled: " +
+                                 folder.path("libsoxr.so.0")));
+  EXPECT_EQ(samples().size(), withBoth * 2 / 3);  // a half of its length is gone
 }
 
 TEST_F(SayCommandTest, AnOverrideMaySayNothing) {

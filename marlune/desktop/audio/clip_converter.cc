@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "marlune/desktop/audio/soxr_library.h"
+
 namespace marlune {
 
 namespace {
@@ -44,14 +46,32 @@ void appendReflection(const std::vector<float>& tail, std::size_t channels, std:
 
 }  // namespace
 
-ClipConverter::ClipConverter(const AudioFormat& from, const AudioFormat& to)
-    : _from(from), _to(to) {
-  if (from.sampleRate == to.sampleRate) return;
-  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
-  _resampler.reset(soxr_create(from.sampleRate, to.sampleRate, static_cast<unsigned>(from.channels),
-                               nullptr, nullptr, &quality, nullptr));
-  _margin = marginOf(from.sampleRate, to.sampleRate);
-  _toSkip = atRate(static_cast<std::int64_t>(_margin), from.sampleRate, to.sampleRate);
+std::unique_ptr<ClipConverter> ClipConverter::make(const AudioFormat& from, const AudioFormat& to,
+                                                   std::string& cause) {
+  std::unique_ptr<ClipConverter> converter(new ClipConverter(from, to));
+  if (from.sampleRate != to.sampleRate && !converter->_prepareResampling(cause)) return nullptr;
+  return converter;
+}
+
+bool ClipConverter::_prepareResampling(std::string& cause) {
+  std::string fault;
+  _library = SoxrLibrary::shared(fault);
+  if (_library) {
+    const soxr_quality_spec_t quality = _library->qualitySpec(SOXR_HQ, 0);
+    soxr_error_t error = nullptr;
+    _resampler = {
+        _library->create(_from.sampleRate, _to.sampleRate, static_cast<unsigned>(_from.channels),
+                         &error, nullptr, &quality, nullptr),
+        _library->destroy};
+    if (error) fault = error;
+  }
+  if (!_resampler) {
+    cause = "it cannot be resampled: " + fault;
+    return false;
+  }
+  _margin = marginOf(_from.sampleRate, _to.sampleRate);
+  _toSkip = atRate(static_cast<std::int64_t>(_margin), _from.sampleRate, _to.sampleRate);
+  return true;
 }
 
 void ClipConverter::convert(const float* frames, std::size_t count, std::vector<float>& to) {
@@ -101,8 +121,8 @@ void ClipConverter::_resample(const float* frames, std::size_t count) {
     std::size_t in = 0;
     std::size_t out = 0;
     const soxr_error_t error =
-        soxr_process(_resampler.get(), frames + done * _channels(), count - done, &in,
-                     _resampled.data() + former, room, &out);
+        _library->process(_resampler.get(), frames + done * _channels(), count - done, &in,
+                          _resampled.data() + former, room, &out);
     _resampled.resize(former + out * _channels());
     if (error || (in == 0 && out == 0)) return;
     done += in;
@@ -115,8 +135,8 @@ void ClipConverter::_drain() {
   do {
     const std::size_t former = _resampled.size();
     _resampled.resize(former + kRoom * _channels());
-    if (soxr_process(_resampler.get(), nullptr, 0, nullptr, _resampled.data() + former, kRoom,
-                     &out)) {
+    if (_library->process(_resampler.get(), nullptr, 0, nullptr, _resampled.data() + former, kRoom,
+                          &out)) {
       out = 0;
     }
     _resampled.resize(former + out * _channels());

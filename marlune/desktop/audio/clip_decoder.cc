@@ -14,17 +14,21 @@ std::unique_ptr<ClipDecoder> ClipDecoder::open(const std::string& path, std::str
   return std::unique_ptr<ClipDecoder>(new ClipDecoder(std::move(recording)));
 }
 
-void ClipDecoder::fill(SoundBlock& block, const AudioFormat& format) {
-  if (!_converter) _converter = std::make_unique<ClipConverter>(clipFormat(), format);
-  const auto channels = static_cast<std::size_t>(format.channels);
-  const std::size_t capacity = SoundBlock::kCapacityFrames * channels;
+bool ClipDecoder::convertTo(const AudioFormat& format, std::string& cause) {
+  _converter = ClipConverter::make(clipFormat(), format, cause);
+  _channels = static_cast<std::size_t>(format.channels);
+  return _converter != nullptr;
+}
+
+void ClipDecoder::fill(SoundBlock& block) {
+  const std::size_t capacity = SoundBlock::kCapacityFrames * _channels;
   // One sample more than the block takes: only then is it known not to be the last.
   while (!_isRead && _converted.size() - _handedOut <= capacity) _readMore();
   const std::size_t count = std::min(_converted.size() - _handedOut, capacity);
   const auto begin = _converted.begin() + static_cast<long>(_handedOut);
   block.samples.assign(begin, begin + static_cast<long>(count));
-  block.frames = count / channels;
-  block.channels = format.channels;
+  block.frames = count / _channels;
+  block.channels = static_cast<int>(_channels);
   _handedOut += count;
   block.endsItem = _isRead && _handedOut == _converted.size();
 }

@@ -20,10 +20,13 @@ class ClipDecoder {
 
   const AudioFormat& clipFormat() const { return _recording->format(); }
 
+  // Once, before anything is filled: `format` is that of the output. False when the clip cannot be
+  // brought into it, and then `cause` says why, as a clause.
+  bool convertTo(const AudioFormat& format, std::string& cause);
+
   // Fills `block`: its samples, frames, channels and whether it ends the item, which is told with
-  // the last block that holds sound, not with an empty one behind it. `format` is that of the
-  // output and stays the same for all blocks of the clip.
-  void fill(SoundBlock& block, const AudioFormat& format);
+  // the last block that holds sound, not with an empty one behind it.
+  void fill(SoundBlock& block);
 
  private:
   explicit ClipDecoder(std::unique_ptr<Recording> recording) : _recording(std::move(recording)) {}
@@ -31,6 +34,7 @@ class ClipDecoder {
 
   std::unique_ptr<Recording> _recording;
   std::unique_ptr<ClipConverter> _converter;
+  std::size_t _channels = 0;      // of the output
   std::vector<float> _read;       // as read, in the clip's format
   std::vector<float> _converted;  // in the output's format, from sample _handedOut on
   std::size_t _handedOut = 0;

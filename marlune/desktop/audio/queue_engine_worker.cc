@@ -172,7 +172,7 @@ bool QueueEngine::_decodeBlock() {
     const Lock lock(_mutex);
     return _sentItems < _items.size();  // behind one that was left out
   }
-  _decoder->fill(*block, *_format);
+  _decoder->fill(*block);
   _sendBlock(block);
   return true;
 }
@@ -193,6 +193,10 @@ bool QueueEngine::_openNext() {
   }
   const std::optional<AudioFormat> format = _route->formatForClip(decoder->clipFormat());
   if (!format) return false;  // closed meanwhile
+  if (!decoder->convertTo(*format, cause)) {
+    _skip(*item, cause);
+    return false;
+  }
   _format = format;
   _decoder = std::move(decoder);
   _setReady();

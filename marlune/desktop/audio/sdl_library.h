@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "marlune/desktop/audio/loaded_library.h"
+
 namespace marlune {
 
 // The few functions of SDL that are used, loaded when they are first wanted: the library brings
@@ -23,10 +25,7 @@ struct SdlLibrary {
   static const SdlLibrary* shared(std::string& cause);
 
  private:
-  bool _load();
-  template <typename Function>
-  bool _find(void* library, const char* name, Function& function);
-  std::string _cause;
+  explicit SdlLibrary(LoadedLibrary& library);
 };
 
 }  // namespace marlune
