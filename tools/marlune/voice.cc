@@ -1,9 +1,11 @@
 #include "tools/marlune/voice.h"
 
+#include <dirent.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
-#include <filesystem>
-#include <system_error>
+#include <cstring>
 
 #include "tools/marlune/input_error.h"
 #include "tools/marlune/overrides_file.h"
@@ -17,9 +19,9 @@ namespace {
 constexpr std::size_t kLongestPart = 10;
 
 void requireFolder(const std::string& folder) {
-  std::error_code error;
-  std::filesystem::directory_iterator entries(folder, error);
-  if (error) throw InputError(folder + ": " + error.message());
+  DIR* const entries = ::opendir(folder.c_str());
+  if (!entries) throw InputError(folder + ": " + std::strerror(errno));
+  ::closedir(entries);
 }
 
 }  // namespace

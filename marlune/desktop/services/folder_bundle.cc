@@ -1,25 +1,38 @@
 #include "marlune/desktop/services/folder_bundle.h"
 
+#include <dirent.h>
+
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 namespace marlune {
 
-namespace fs = std::filesystem;
+namespace {
 
+// Or a link to one.
+bool isRegularFile(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error);
+}
+
+}  // namespace
+
+// Not through std::filesystem, which makes a path of each entry and takes it to pieces: of a folder
+// with a voice in it that takes longer than the search for a phrase.
 std::vector<std::string> FolderBundle::pathsForResourcesOfType(std::string_view type,
                                                                std::string_view directory) const {
   const std::string extension = "." + std::string(type);
+  std::string folder = _pathOfDirectory(directory);
   std::vector<std::string> paths;
-  std::error_code error;
-  fs::directory_iterator entry(_pathOfDirectory(directory), error);
-  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    const std::string name = entry->path().filename().string();
-    std::error_code unreadable;
-    if (name.ends_with(extension) && entry->is_regular_file(unreadable)) {
-      paths.push_back(entry->path().string());
-    }
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), &::closedir);
+  if (!folder.ends_with('/')) folder += '/';
+  while (const dirent* const entry = entries ? ::readdir(entries.get()) : nullptr) {
+    const std::string_view name = entry->d_name;
+    if (!name.ends_with(extension)) continue;
+    std::string path = folder + entry->d_name;
+    if (entry->d_type == DT_REG || isRegularFile(path)) paths.push_back(std::move(path));
   }
   std::sort(paths.begin(), paths.end());
   return paths;
@@ -36,8 +49,7 @@ std::optional<std::string> FolderBundle::pathForResource(std::string_view name,
   path += name;
   path += '.';
   path += type;
-  std::error_code error;
-  if (!fs::is_regular_file(path, error)) return std::nullopt;
+  if (!isRegularFile(path)) return std::nullopt;
   return path;
 }
 
