@@ -5,7 +5,7 @@
 namespace marlune {
 
 namespace {
-constexpr std::size_t kReadFrames = 4'096;
+constexpr std::size_t kReadFrames = SoundBlock::kCapacityFrames;
 }  // namespace
 
 std::unique_ptr<ClipDecoder> ClipDecoder::open(const std::string& path, std::string& cause) {

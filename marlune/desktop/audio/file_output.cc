@@ -7,7 +7,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kFramesAtATime = 4'096;
+constexpr std::size_t kFramesAtATime = 2'048;
 constexpr AudioFormat kFormatOfNothing = {44'100, 1};  // of a file that nothing was played to
 
 int containerOf(std::string_view path) {
