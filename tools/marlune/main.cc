@@ -1,5 +1,7 @@
 // The program `marlune`: rewrites phrases, decomposes them into recordings, says them.
 
+#include <malloc.h>
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -48,6 +50,11 @@ int run(int argc, char** argv) {
 }  // namespace marlune::tool
 
 int main(int argc, char** argv) {
+#ifdef __GLIBC__
+  // The few threads allocate in turns: what one has released serves the next, where each would
+  // start on fresh pages of its own.
+  ::mallopt(M_ARENA_MAX, 1);
+#endif
   try {
     return marlune::tool::run(argc, argv);
   } catch (const std::exception& error) {
