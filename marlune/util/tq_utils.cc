@@ -52,6 +52,8 @@ LogSettings& settings() {
   return *shared;
 }
 
+thread_local int silences = 0;  // of this thread, that live
+
 SystemLog& systemLogInUse() {
   static StandardErrorLog* const standardError = new StandardErrorLog;
   SystemLog* const log = Platform::shared().systemLog.get();
@@ -71,6 +73,9 @@ std::shared_ptr<LogFile> fileToLogTo() {
 }
 
 }  // namespace
+
+TQUtils::Silence::Silence() { ++silences; }
+TQUtils::Silence::~Silence() { --silences; }
 
 bool TQUtils::isWantedForDefault(std::string_view key) {
   const Preferences* const preferences = Platform::shared().preferences.get();
@@ -95,6 +100,7 @@ void TQUtils::_log(std::string_view format, std::initializer_list<FormatArgument
 
 void TQUtils::_systemLog(std::string_view format,
                          std::initializer_list<FormatArgument> arguments) noexcept try {
+  if (silences > 0) return;
   systemLogInUse().write(formatted(format, arguments));
 } catch (const std::exception&) {
   // A line that cannot be made is lost, as one that cannot be written.
@@ -102,6 +108,7 @@ void TQUtils::_systemLog(std::string_view format,
 
 void TQUtils::_write(std::string_view type, std::string_view format,
                      std::initializer_list<FormatArgument> arguments) noexcept try {
+  if (silences > 0) return;
   const std::string message = formatted(format, arguments);
   systemLogInUse().write(message);
   __logToFileForMessageType(type, message);

@@ -60,6 +60,16 @@ class TQUtils {
     _systemLog(format, {FormatArgument(arguments)...});
   }
 
+  // While one lives, this thread writes no lines, of whatever way: for work that is done a second
+  // time and has written its lines the first time. They nest.
+  class Silence {
+   public:
+    Silence();
+    ~Silence();
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+  };
+
   // Starts a new log file in `directory` and files every later line there too; nullptr stops
   // filing and leaves the open file as it is. The very same object as before changes nothing.
   // The directory must exist (see ensureDirectoryExists).
