@@ -36,15 +36,15 @@ Value GrammarLoader::treeOfFile(const std::string& path) {
   GrammarLoader loader(std::move(read.root));
   const std::size_t valuesRead = loader._printedValues(loader._root, 0);
   loader._mostValues = kMostValues + kMostValuesPerValueRead * valuesRead;
-  InsertCircles(loader._root).requireNone();
+  if (loader._mayHoldDirectives) InsertCircles(loader._root).requireNone();
 
   for (bool inserted = true; inserted;) {
     loader._valuesVisited = 0;
-    inserted = loader._pass(loader._root, 0);
-    loader._requireBounds();
+    inserted = loader._mayHoldDirectives && loader._pass(loader._root, 0);
+    if (inserted) loader._requireBounds();
     TQUtils::forDefaultLog(ZKPlistNotificationDefault, "%@", loader._root);
   }
-  return loader._root;
+  return std::move(loader._root);
 }
 
 bool GrammarLoader::insertStatements(const Value& original, const Value& intoBranch) {
@@ -123,7 +123,7 @@ std::vector<std::string> GrammarLoader::pieces(std::string_view text, char separ
   }
 }
 
-std::size_t GrammarLoader::_printedValues(const Value& value, std::size_t depth) const {
+std::size_t GrammarLoader::_printedValues(const Value& value, std::size_t depth) {
   std::size_t count = 1;
   if (value.asDictionary()) {
     _requireDepth(depth);
@@ -135,11 +135,13 @@ std::size_t GrammarLoader::_printedValues(const Value& value, std::size_t depth)
     for (const Value& nested : value.asArray()->elements()) {
       _requireSize(count += _printedValues(nested, depth + 1));
     }
+  } else if (isDirective(value)) {
+    _mayHoldDirectives = true;
   }
   return count;
 }
 
-void GrammarLoader::_requireBounds() const { _requireSize(_printedValues(_root, 0)); }
+void GrammarLoader::_requireBounds() { _requireSize(_printedValues(_root, 0)); }
 
 void GrammarLoader::_requireSize(std::size_t values) const {
   if (values <= _mostValues) return;

@@ -48,12 +48,13 @@ class GrammarLoader {
 
   bool _pass(const Value& branch, std::size_t depth);
   Value _chunkFor(const std::string& directive);
-  std::size_t _printedValues(const Value& value, std::size_t depth) const;
-  void _requireBounds() const;
+  std::size_t _printedValues(const Value& value, std::size_t depth);
+  void _requireBounds();
   void _requireSize(std::size_t values) const;
   static void _requireDepth(std::size_t depth);
 
   Value _root;
+  bool _mayHoldDirectives = false;  // as soon as one was seen, be it in an array
   std::size_t _mostValues = static_cast<std::size_t>(-1);
 
   // Both are part of what the tree prints to, so they tell early that it grows too large.
