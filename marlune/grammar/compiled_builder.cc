@@ -29,7 +29,7 @@ void CompiledBuilder::_addPart(const GrammarPart& part) {
 }
 
 void CompiledBuilder::_addRule(const Rule& rule) {
-  _tables.objects.push_back(&rule);
+  _objects.push_back(&rule);
   CompiledRule& compiled = _tables.rules.emplace_back();
   _isSupported = true;
   _compile(rule, compiled);
@@ -225,18 +225,16 @@ void CompiledBuilder::_fileRules() {
   for (std::uint32_t number = 0; number < count; ++number) {
     if (_tables.rules[number].isLeftToObject) {
       _tables.index.file(number, {});
-    } else if (!_changesNothing(number)) {
+    } else if (!_changesNothing(*_objects[number])) {
       _file(number);
     }
   }
   _tables.index.finish(_tables.vocabulary->count());
 }
 
-bool CompiledBuilder::_changesNothing(std::uint32_t rule) const {
-  const Rule& object = *_tables.objects[rule];
-  return !object.leftHandSide() || !object.leftHandSide()->significantSlots() ||
-         !object.rightHandSide() ||
-         object.rightHandSide()->kind() == GenericProduction::Kind::other;
+bool CompiledBuilder::_changesNothing(const Rule& rule) {
+  return !rule.leftHandSide() || !rule.leftHandSide()->significantSlots() ||
+         !rule.rightHandSide() || rule.rightHandSide()->kind() == GenericProduction::Kind::other;
 }
 
 void CompiledBuilder::_countFeatures(const Element& element) {

@@ -11,6 +11,7 @@
 #include "marlune/grammar/conditional_production.h"
 #include "marlune/grammar/grammar_part.h"
 #include "marlune/grammar/new_production.h"
+#include "marlune/grammar/rule.h"
 #include "marlune/grammar/slot_run.h"
 
 namespace marlune {
@@ -42,7 +43,7 @@ class CompiledBuilder {
   std::uint32_t _choice(const ConditionalProduction& production, std::size_t matched);
 
   void _fileRules();
-  bool _changesNothing(std::uint32_t rule) const;
+  static bool _changesNothing(const Rule& rule);
   void _countFeatures(const Element& element);
   void _file(std::uint32_t number);
   Features _triggerOf(const Element& element) const;
@@ -54,7 +55,8 @@ class CompiledBuilder {
   std::int32_t _checked(std::int32_t index, std::size_t matched);
 
   CompiledTables _tables;
-  bool _isSupported = true;  // whether all of the rule at hand has a compiled form
+  std::vector<const Rule*> _objects;  // by rule
+  bool _isSupported = true;           // whether all of the rule at hand has a compiled form
   std::unordered_map<std::uint64_t, std::uint32_t> _frequencies;  // of features, in rules
 };
 

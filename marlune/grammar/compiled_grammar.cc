@@ -37,14 +37,27 @@ class CompiledGrammar::Borrowed {
   std::unique_ptr<Work> _work;
 };
 
-std::unique_ptr<CompiledGrammar> CompiledGrammar::compile(std::shared_ptr<const GrammarPart> root) {
-  if (!root || root->kind() == GrammarPart::Kind::other) return nullptr;
-  CompiledTables tables = CompiledBuilder::build(*root);
-  return std::unique_ptr<CompiledGrammar>(new CompiledGrammar(std::move(root), std::move(tables)));
+std::unique_ptr<CompiledGrammar> CompiledGrammar::compile(std::shared_ptr<GrammarObjects> grammar) {
+  if (!grammar || grammar->root()->kind() == GrammarPart::Kind::other) return nullptr;
+  CompiledTables tables = CompiledBuilder::build(*grammar->root());
+  return std::unique_ptr<CompiledGrammar>(
+      new CompiledGrammar(std::move(grammar), std::move(tables)));
 }
 
-CompiledGrammar::CompiledGrammar(std::shared_ptr<const GrammarPart> root, CompiledTables tables)
-    : _root(std::move(root)), _tables(std::move(tables)) {}
+std::unique_ptr<CompiledGrammar> CompiledGrammar::compile(std::shared_ptr<GrammarPart> root) {
+  return root ? compile(std::make_shared<GrammarObjects>(std::move(root))) : nullptr;
+}
+
+CompiledGrammar::CompiledGrammar(std::shared_ptr<GrammarObjects> grammar, CompiledTables tables)
+    : _grammar(std::move(grammar)), _tables(std::move(tables)) {}
+
+std::vector<std::uint32_t> CompiledGrammar::rulesLeftToObjects() const {
+  std::vector<std::uint32_t> numbers;
+  for (std::uint32_t number = 0; number < ruleCount(); ++number) {
+    if (_tables.rules[number].isLeftToObject) numbers.push_back(number);
+  }
+  return numbers;
+}
 
 std::shared_ptr<SimpleSlotSequence> CompiledGrammar::appliedToStrings(
     const std::vector<std::string>& strings) {
@@ -71,7 +84,7 @@ std::shared_ptr<SimpleSlotSequence> CompiledGrammar::appliedTo(const SimpleSlotS
     result = _run(borrowed.work(), objects);
     if (!result) result = SimpleSlotSequence::initWithArray(objects.write(borrowed.work().phrase));
   } else {
-    result = _root->appliedTo(phrase);
+    result = _grammar->root()->appliedTo(phrase);
   }
   borrowed.giveBack();
   return result;
@@ -92,7 +105,7 @@ std::shared_ptr<SimpleSlotSequence> CompiledGrammar::_run(Work& work,
     Outcome outcome = rule.isLeftToObject ? Outcome::tooHard : _apply(number, work);
     if (outcome == Outcome::unchanged) continue;
     if (outcome == Outcome::tooHard) {
-      auto result = _tables.objects[number]->appliedTo(
+      auto result = _grammar->rule(number)->appliedTo(
           *SimpleSlotSequence::initWithArray(objects.write(phrase)));
       if (!objects.read(result->slots(), phrase)) {
         work.agenda.clear();
@@ -108,8 +121,8 @@ std::shared_ptr<SimpleSlotSequence> CompiledGrammar::_run(Work& work,
 
 std::shared_ptr<SimpleSlotSequence> CompiledGrammar::_applyObjects(
     std::uint32_t from, std::shared_ptr<SimpleSlotSequence> phrase) const {
-  for (std::size_t number = from; number < _tables.objects.size(); ++number) {
-    phrase = _tables.objects[number]->appliedTo(*phrase);
+  for (std::uint32_t number = from; number < ruleCount(); ++number) {
+    phrase = _grammar->rule(number)->appliedTo(*phrase);
   }
   return phrase;
 }

@@ -12,6 +12,7 @@
 #include "marlune/grammar/compiled_objects.h"
 #include "marlune/grammar/compiled_phrase.h"
 #include "marlune/grammar/compiled_tables.h"
+#include "marlune/grammar/grammar_objects.h"
 #include "marlune/grammar/grammar_part.h"
 
 namespace marlune {
@@ -27,14 +28,18 @@ namespace marlune {
 // Used from one thread at a time, as the parser is.
 class CompiledGrammar {
  public:
-  // The tree must not change any more. nullptr without a root.
-  static std::unique_ptr<CompiledGrammar> compile(std::shared_ptr<const GrammarPart> root);
+  // The tree must not change any more. nullptr without objects, or a root.
+  static std::unique_ptr<CompiledGrammar> compile(std::shared_ptr<GrammarObjects> grammar);
+  static std::unique_ptr<CompiledGrammar> compile(std::shared_ptr<GrammarPart> root);
 
   // As of the words' blank-buffered phrase. The slots are made when they are looked at.
   std::shared_ptr<SimpleSlotSequence> appliedToStrings(const std::vector<std::string>& strings);
   std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase);
 
   std::size_t ruleCount() const { return _tables.rules.size(); }
+
+  // The numbers of the rules that are applied by their objects as a matter of course.
+  std::vector<std::uint32_t> rulesLeftToObjects() const;
 
  private:
   using Slots = std::vector<CompiledPhrase::Slot>;
@@ -53,7 +58,7 @@ class CompiledGrammar {
   // while a rule writes a line to it finds none and makes one of its own.
   class Borrowed;
 
-  CompiledGrammar(std::shared_ptr<const GrammarPart> root, CompiledTables tables);
+  CompiledGrammar(std::shared_ptr<GrammarObjects> grammar, CompiledTables tables);
 
   // Applies all rules. The phrase when it lost its compiled form on the way, else nullptr: then it
   // stands in `work`.
@@ -74,7 +79,7 @@ class CompiledGrammar {
   void _findWithKleene(const CompiledRule& rule, Work& work) const;
   bool _matchesAt(const CompiledRule& rule, const CompiledPhrase& phrase, std::size_t start) const;
 
-  std::shared_ptr<const GrammarPart> _root;
+  std::shared_ptr<GrammarObjects> _grammar;
   CompiledTables _tables;
   std::unique_ptr<Work> _work;
 };

@@ -9,7 +9,6 @@
 #include "marlune/grammar/compiled_productions.h"
 #include "marlune/grammar/compiled_rule.h"
 #include "marlune/grammar/compiled_vocabulary.h"
-#include "marlune/grammar/rule.h"
 
 namespace marlune {
 
@@ -19,7 +18,6 @@ struct CompiledTables {
   CompiledPatterns patterns;
   CompiledProductions productions;
   std::vector<CompiledRule> rules;
-  std::vector<const Rule*> objects;  // by rule; owned by the grammar
   CompiledIndex index;
 };
 

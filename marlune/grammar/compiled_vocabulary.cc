@@ -54,6 +54,11 @@ void CompiledVocabulary::shrinkToFit() {
   _ends.shrink_to_fit();
 }
 
+void CompiledVocabulary::finish() {
+  shrinkToFit();
+  _table = {};
+}
+
 // Where `text` stands in the table, or the free place where it would.
 std::size_t CompiledVocabulary::_placeOf(std::string_view text, std::uint32_t hash) const {
   const std::size_t mask = _table.size() - 1;

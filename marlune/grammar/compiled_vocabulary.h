@@ -35,7 +35,16 @@ class CompiledVocabulary {
   // One more than the largest number given.
   std::size_t count() const { return _ends.size(); }
 
+  // The same texts under the same numbers.
+  bool equals(const CompiledVocabulary& other) const {
+    return _ends == other._ends && _texts == other._texts;
+  }
+
   void shrinkToFit();
+
+  // For a vocabulary whose texts are only asked for by number from now on: lets go of what finds
+  // numbers.
+  void finish();
 
  private:
   struct Entry {

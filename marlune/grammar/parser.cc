@@ -1,11 +1,12 @@
 #include "marlune/grammar/parser.h"
 
-#include <map>
 #include <stdexcept>
+#include <utility>
 
 #include "marlune/grammar/compiled_grammar.h"
-#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/grammar_file.h"
 #include "marlune/grammar/grammar_loader.h"
+#include "marlune/grammar/grammar_objects.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -16,20 +17,15 @@ Parser::~Parser() = default;
 std::unique_ptr<Parser> Parser::initWithPlistAtPath(const std::string& path,
                                                     std::optional<std::string_view> grammar) {
   std::unique_ptr<Parser> parser(new Parser);
-  parser->_grammarsPlist = loadGrammarsFromPlistAtPath(path);
+  parser->_file = GrammarFile::atPath(path);
   parser->setGrammar(grammar);
   parser->_debugging = true;
   return parser;
 }
 
 Value Parser::loadGrammarsFromPlistAtPath(const std::string& path) {
-  // Never destroyed, and a path's tree never replaced: parsers share it.
-  static auto* const kTrees = new std::map<std::string, Value>;
-  const auto cached = kTrees->find(path);
-  if (cached != kTrees->end()) return cached->second;
-  Value tree = GrammarLoader::treeOfFile(path);
-  if (!tree.isAbsent()) kTrees->emplace(path, tree);
-  return tree;
+  GrammarFile* const file = GrammarFile::atPath(path);
+  return file ? file->tree() : Value();
 }
 
 bool Parser::insertStatementsFromOriginal(const Value& original, const Value& intoBranch) {
@@ -51,13 +47,26 @@ Value Parser::retrievePlistForPathArray(std::optional<std::span<const std::strin
 
 void Parser::setGrammar(std::optional<std::string_view> name) {
   if (!name) return;
-  _theGrammar = GrammarError::within(*name, [&] {
-    return GrammarPart::instanceFromPlist(
-        retrievePlistForStringInDotNotation(name, _grammarsPlist));
-  });
-  _compiled = CompiledGrammar::compile(_theGrammar);
-  TQUtils::forDefaultLog(ZKPlistNotificationDefault, "productionRules for %@: %@", *name,
-                         _theGrammar);
+  auto grammar = GrammarObjects::initFromPlist(_file ? _file->opened() : Value(), *name);
+  auto compiled = CompiledGrammar::compile(grammar);
+  _grammar = std::move(grammar);
+  _compiled = std::move(compiled);
+  if (TQUtils::isWantedForDefault(ZKPlistNotificationDefault)) {
+    TQUtils::forDefaultLog(ZKPlistNotificationDefault, "productionRules for %@: %@", *name,
+                           theGrammar());
+  } else if (auto tree = _file ? _file->putAway() : nullptr) {
+    if (_grammar) _grammar->letGo(std::move(tree), _compiled->rulesLeftToObjects());
+  }
+}
+
+const Value& Parser::grammarsPlist() const {
+  static const Value kNone;
+  return _file ? _file->tree() : kNone;
+}
+
+const std::shared_ptr<GrammarPart>& Parser::theGrammar() const {
+  static const std::shared_ptr<GrammarPart> kNone;
+  return _grammar ? _grammar->root() : kNone;
 }
 
 std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedToStrings(
@@ -69,7 +78,7 @@ std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedToStrings(
 std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedTo(
     const SimpleSlotSequence& phrase) const {
   if (_worksCompiled()) return _compiled->appliedTo(phrase);
-  return _theGrammar ? _theGrammar->appliedTo(phrase) : nullptr;
+  return theGrammar() ? theGrammar()->appliedTo(phrase) : nullptr;
 }
 
 // The compiled grammar skips what only the trace would show.

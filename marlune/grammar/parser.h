@@ -15,6 +15,8 @@
 namespace marlune {
 
 class CompiledGrammar;
+class GrammarFile;
+class GrammarObjects;
 
 // The rewriting grammar as an app uses it: one grammar of a grammar file, made ready; words in,
 // rewritten words out. A file is read once in a process; all parsers on it share its tree, into
@@ -57,19 +59,24 @@ class Parser {
 
   // Never filled: always nullptr.
   std::shared_ptr<const std::vector<std::string>> productionRules() const { return nullptr; }
-  const Value& grammarsPlist() const { return _grammarsPlist; }
   bool debugging() const { return _debugging; }  // true; for callers
-  const std::shared_ptr<GrammarPart>& theGrammar() const { return _theGrammar; }
+
+  // The file's tree, and the root of the grammar's. Both take much memory, which is not spent
+  // before somebody looks at them, and is kept from then on. Whether there is a root, nullptr
+  // otherwise, hasGrammar() tells for nothing.
+  const Value& grammarsPlist() const;
+  const std::shared_ptr<GrammarPart>& theGrammar() const;
+  bool hasGrammar() const { return _grammar != nullptr; }
 
  private:
   Parser();
 
   bool _worksCompiled() const;
 
-  Value _grammarsPlist;
+  GrammarFile* _file = nullptr;  // the process's; null when it cannot be read
   bool _debugging = false;
-  std::shared_ptr<GrammarPart> _theGrammar;
-  std::unique_ptr<CompiledGrammar> _compiled;  // of theGrammar; works for it while no trace is on
+  std::shared_ptr<GrammarObjects> _grammar;
+  std::unique_ptr<CompiledGrammar> _compiled;  // of the grammar; works for it while no trace is on
 };
 
 }  // namespace marlune

@@ -50,12 +50,17 @@ std::string detailed(const SimpleSlotSequence& phrase, const SlotArray& input) {
 
 class CompiledTest : public PlatformFixture {
  protected:
-  // The part under "Main" of a file whose inserts are still to be carried out, and compiled.
+  // The part under "Main" of a file whose inserts are still to be carried out, and compiled: from
+  // objects of its own, which are let go. REQUIRES: nobody else holds the file or what is in it.
   void compile(const Value& file) {
     while (Parser::insertStatementsFromOriginal(file, file)) {
     }
     root = GrammarPart::instanceFromPlist(file.asDictionary()->valueForKey("Main"));
-    compiled = CompiledGrammar::compile(root);
+    const auto objects = GrammarObjects::initFromPlist(file, "Main");
+    compiled = CompiledGrammar::compile(objects);
+    auto packed = PackedList::pack(file);
+    ASSERT_NE(packed, nullptr);
+    objects->letGo(std::move(packed), compiled->rulesLeftToObjects());
   }
 
   // The result for words, compared with the tree's in every detail and in the lines written.

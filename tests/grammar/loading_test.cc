@@ -1,12 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "fakes/fake_property_list_reader.h"
+#include "marlune/grammar/directory.h"
 #include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/packed_list.h"
 #include "marlune/grammar/parser.h"
+#include "marlune/grammar/rule.h"
 #include "support/platform_fixture.h"
 #include "support/plist_notation.h"
 
@@ -161,6 +165,90 @@ TEST_F(LoadingTest, TheTreePrintsByOrderThenName) {
   EXPECT_TRUE(log->contains(
       "WARNING: GrammarPart expected a dictionary with an 'order' key, but found none. Order '0' "
       "assumed."));
+}
+
+// After loading the tree is packed and the objects are gone, which nobody may notice.
+
+TEST_F(LoadingTest, WhatIsGoneAfterLoadingComesBackTheSameWithoutALine) {
+  const auto parser = Parser::initWithPlistAtPath(
+      file("{Main={In='#insert S 2'; A={_lhs={}; _rhs=[a]}; P={_lhs={_significantSlots=[{#x-=p}]};"
+           " _rhs=[q]; _order=#1}; Also='#insert S'}; S={R={_lhs={_significantSlots=[r]}}}}"),
+      "Main");
+  EXPECT_THAT(log->lines(),
+              testing::ElementsAre("ERROR!", "ERROR: An LHS must have a 'significantSlots' key.",
+                                   "ERROR!"));
+  log->clear();
+  preferences->set(ZKPlistNotificationDefault, Value::boolean(true));
+  const std::shared_ptr<GrammarPart> root = parser->theGrammar();
+  EXPECT_EQ(root->description(),
+            "\nROOT: \n\tA: RULE\n\tAlso: \n\t\tR: RULE\n\tP: RULE\n\tIn: \n\t\tR: RULE");
+  EXPECT_TRUE(log->lines().empty());
+  EXPECT_EQ(parser->theGrammar(), root);
+
+  const Value tree = parser->grammarsPlist();
+  const auto nested = [&tree](std::string_view path) {
+    return Parser::retrievePlistForStringInDotNotation(path, tree).asDictionary();
+  };
+  EXPECT_EQ(formatted("%@", {Value::dictionary(nested("Main.Also"))}),
+            formatted("%@", {plist("{R={_lhs={_significantSlots=[r]}; __depth=#2; __name=R;"
+                                   " _order=#0}; __depth=#1; __name=Also; _order=#0}")}));
+  EXPECT_EQ(nested("Main.In.R"), nested("S.R"));
+  EXPECT_EQ(parser->grammarsPlist().asDictionary(), tree.asDictionary());
+}
+
+TEST_F(LoadingTest, AGrammarIsThatOfItsLoadingWhateverItsFileBecomes) {
+  const std::string path =
+      file("{Main={R={_lhs={_significantSlots=[a]}; _rhs={_signature=[]; _expansions={''=[b]}}}}}");
+  const auto parser = Parser::initWithPlistAtPath(path, "Main");
+  // A grammar that nobody wants; building it writes parts' places where no parts are.
+  Parser::initWithPlistAtPath(path, "Main.R._rhs");
+  const Value expansions = Parser::retrievePlistForStringInDotNotation("Main.R._rhs._expansions",
+                                                                       parser->grammarsPlist());
+  expansions.asDictionary()->setValueForKey(plist("[c]"), "");
+  const auto& root = static_cast<const Directory&>(*parser->theGrammar());
+  const auto& rule = static_cast<const Rule&>(*root.orderedSubparts().front());
+  EXPECT_EQ(rule.rightHandSide()->description(),
+            "\n : \n\t indices: (\n    -1\n) \n\t overlays: ([b])");
+  EXPECT_EQ(parser->resultOfRulesAppliedToStrings({"a"})->stringArray(), Words{"b"});
+  const auto later = Parser::initWithPlistAtPath(path, "Main");
+  EXPECT_EQ(later->resultOfRulesAppliedToStrings({"a"})->stringArray(), Words{"c"});
+}
+
+TEST_F(LoadingTest, ATreeThatItsReaderKeepsStaysTheSame) {
+  struct KeepingReader : PropertyListReader {
+    Result readFile(const std::string&) const noexcept override { return {tree, ""}; }
+    Value tree = plist("{Main={In={R={_lhs={_significantSlots=[a]}; _rhs=[b]}}}}");
+  };
+  const auto keeping = std::make_shared<KeepingReader>();
+  Platform::shared().propertyListReader = keeping;
+  const auto parser = Parser::initWithPlistAtPath("kept by its reader", "Main");
+  EXPECT_EQ(parser->grammarsPlist().asDictionary(), keeping->tree.asDictionary());
+}
+
+TEST(PackedListTest, UnpacksToTheSameTreeAndPacksNoneThatIsHeldElsewhere) {
+  Value tree = plist("{a=[#0, #-70000, #2.5, #true, #false, '', {}, []]; b={a=[a]}}");
+  Dictionary& root = *tree.asDictionary();
+  root.setValueForKey(Value::integer(std::numeric_limits<std::int64_t>::min()), "least");
+  root.setValueForKey(Value::data(std::string("\0\xff", 2)), "data");
+  root.setValueForKey(Value::date(-0.25), "date");
+  root.setValueForKey(root.valueForKey("b"), "b again");
+  root.setValueForKey(root.valueForKey("b").asDictionary()->valueForKey("a"), "inner again");
+  const auto packed = PackedList::pack(tree);
+  ASSERT_NE(packed, nullptr);
+  const Value unpacked = packed->unpacked();
+  EXPECT_TRUE(unpacked.equals(tree));
+  EXPECT_EQ(formatted("%@", {unpacked}), formatted("%@", {tree}));
+  const Dictionary& copy = *unpacked.asDictionary();
+  EXPECT_EQ(copy.valueForKey("b").asDictionary(), copy.valueForKey("b again").asDictionary());
+  EXPECT_EQ(copy.valueForKey("b").asDictionary()->valueForKey("a").asArray(),
+            copy.valueForKey("inner again").asArray());
+  EXPECT_NE(copy.valueForKey("b").asDictionary(), root.valueForKey("b").asDictionary());
+  for (const std::string_view key : {"b", "inner again"}) {
+    const Value held = root.valueForKey(key);
+    EXPECT_EQ(PackedList::pack(tree), nullptr) << key;
+  }
+  EXPECT_EQ(PackedList::pack(Value(tree)), nullptr);
+  EXPECT_NE(PackedList::pack(tree), nullptr);
 }
 
 }  // namespace

@@ -50,8 +50,10 @@ Rewriter::Rewriter(const std::string& path, const std::string& name) {
     }
     messages = log.messages();
   }
-  if (_parser->grammarsPlist().isAbsent()) throw InputError(causeAmong(messages));
-  if (!_parser->theGrammar()) throw InputError(path + ": there is no grammar named " + name);
+  if (!_parser->hasGrammar()) {
+    const std::string cause = causeAmong(messages);
+    throw InputError(cause.empty() ? path + ": there is no grammar named " + name : cause);
+  }
   show(messages);
 }
 
