@@ -12,7 +12,7 @@
 
 int main(int argc, char** argv) {
   constexpr std::uint64_t kCyclesAnAlarm = 1000;
-  constexpr unsigned kSecondsAnAlarm = 120;
+  constexpr unsigned kSecondsAnAlarm = 600;
   const std::uint64_t cycles = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 100000;
   const auto seed = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 1;
   marlune::TeardownCounts total;
