@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 
@@ -117,6 +119,19 @@ TEST_F(SayCommandTest, RefusesAnOutputThatItCannotMake) {
     EXPECT_THAT(run.err, HasSubstr(c.cause));
     EXPECT_EQ(run.status, 2);
   }
+}
+
+TEST_F(SayCommandTest, TellsThatTheLastOfTheOutputCannotBeWritten) {
+  rlimit former = {};
+  ::getrlimit(RLIMIT_FSIZE, &former);
+  const rlimit fewBytes = {8'000, former.rlim_max};  // the recording has 13,000
+  ::setrlimit(RLIMIT_FSIZE, &fewBytes);
+  const auto formerHandler = ::signal(SIGXFSZ, SIG_IGN);
+  const ToolRun run = say({"go"});
+  ::signal(SIGXFSZ, formerHandler);
+  ::setrlimit(RLIMIT_FSIZE, &former);
+  EXPECT_THAT(run.err, HasSubstr("out.wav\" cannot be written any further."));
+  EXPECT_EQ(run.status, 2);
 }
 
 TEST_F(SayCommandTest, NeedsAGrammarAndItsNameTogether) {

@@ -49,6 +49,8 @@ class SayCommand {
     return true;
   }
 
+  void finish() { _speaker.finish(); }
+
  private:
   static bool _refuse(const Phrase& phrase, const std::string& reason) {
     complainAbout(phrase, reason);
@@ -68,6 +70,7 @@ ExitStatus say(const Options& options) {
   while (const std::optional<Phrase> phrase = input.next()) {
     if (!command.say(*phrase)) status = kSomethingNotSaid;
   }
+  command.finish();
   return status;
 }
 

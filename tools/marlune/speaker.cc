@@ -10,6 +10,7 @@
 #include "marlune/desktop/audio/file_output.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/platform/platform.h"
+#include "marlune/playback/audio_session.h"
 #include "tools/marlune/input_error.h"
 #include "tools/marlune/progress_line.h"
 
@@ -62,6 +63,15 @@ void Speaker::say(const Words& files, const Playlist& playlist) {
     _silence();
     interruption.passOn();
   }
+  _throwFailure();
+}
+
+void Speaker::finish() {
+  Platform::shared().audioSession->setActive(false);
+  _throwFailure();
+}
+
+void Speaker::_throwFailure() const {
   if (const auto failure = _output->failure()) throw InputError(*failure);
 }
 

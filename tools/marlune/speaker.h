@@ -25,9 +25,14 @@ class Speaker {
   // process.
   void say(const Words& files, const Playlist& playlist);
 
+  // Closes the output. Throws InputError when it turns out to have been lost: what a file holds
+  // last is written only now.
+  void finish();
+
  private:
   void _runUntilHeard(const Playlist& playlist, const Interruption& interruption);
   void _silence();
+  void _throwFailure() const;
 
   const std::shared_ptr<RunLoop> _loop = std::make_shared<RunLoop>();
   std::shared_ptr<WatchedOutput> _output;

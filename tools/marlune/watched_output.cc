@@ -11,6 +11,11 @@ std::optional<std::string> WatchedOutput::open(AudioSource& source, const std::s
   return _noted(_output->open(source, role));
 }
 
+void WatchedOutput::close() {
+  _output->close();
+  _noted(_output->loss());
+}
+
 std::optional<std::string> WatchedOutput::loss() const { return _noted(_output->loss()); }
 
 std::optional<std::string> WatchedOutput::_noted(std::optional<std::string> failure) const {

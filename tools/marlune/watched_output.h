@@ -17,11 +17,11 @@ class WatchedOutput : public AudioOutput {
  public:
   explicit WatchedOutput(std::shared_ptr<AudioOutput> output) : _output(std::move(output)) {}
 
-  // The first failure to open, or loss while open, as a sentence. Any thread.
+  // The first failure to open, or loss up to the closing, as a sentence. Any thread.
   std::optional<std::string> failure() const;
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;
-  void close() override { _output->close(); }
+  void close() override;
   AudioFormat formatForClip(const AudioFormat& clip) override {
     return _output->formatForClip(clip);
   }

@@ -47,7 +47,7 @@ void FileOutput::close() {
   if (!_sound && !_format) _format = kFormatOfNothing;
   _startSound();
   if (_sound) sf_command(_sound.get(), SFC_UPDATE_HEADER_NOW, nullptr, 0);
-  _file->flush();
+  if (!_file->flush()) _setUnwritable();
 }
 
 AudioFormat FileOutput::formatForClip(const AudioFormat& clip) {
@@ -85,9 +85,11 @@ void FileOutput::_write(const float* frames, std::size_t count) {
   const sf_count_t done =
       sf_writef_short(_sound.get(), _samples.data(), static_cast<sf_count_t>(count));
   _framesWritten += static_cast<std::size_t>(std::max<sf_count_t>(done, 0));
-  if (done != static_cast<sf_count_t>(count)) {
-    _loss = "The sound file \"" + _path + "\" cannot be written any further.";
-  }
+  if (done != static_cast<sf_count_t>(count)) _setUnwritable();
+}
+
+void FileOutput::_setUnwritable() {
+  _loss = "The sound file \"" + _path + "\" cannot be written any further.";
 }
 
 }  // namespace marlune

@@ -18,7 +18,7 @@ namespace marlune {
 // another, so recordings of one 16-bit format come out sample for sample; finer ones are rounded.
 //
 // The file is made anew at the first opening. Closing completes it as it stands, and what is
-// played after a later opening is appended.
+// played after a later opening is appended. A loss can also show then: the last sound is written.
 class FileOutput : public AudioOutput {
  public:
   explicit FileOutput(std::string path, std::optional<AudioFormat> format = std::nullopt)
@@ -40,6 +40,7 @@ class FileOutput : public AudioOutput {
   };
   void _startSound();
   void _write(const float* frames, std::size_t count);
+  void _setUnwritable();
 
   const std::string _path;
   std::optional<AudioFormat> _format;
