@@ -1,18 +1,19 @@
 # What `cmake --install` puts down: libraries, headers, the CMake package, pkg-config files, the
-# tool with its manual page and its completion. Components: runtime, development, tool.
+# tool with its manual page and its completion. Components: runtime (the core), desktop, development,
+# tool.
 
 include(CMakePackageConfigHelpers)
 
 set(MARLUNE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/marlune)
 
-# marlune_install_library(target export-set): the library and its CMake targets, in a file of its
-# own, so that an app without the desktop never needs to find what the desktop needs.
-function(marlune_install_library target export)
+# marlune_install_library(target export-set component): the library and its CMake targets, in a file
+# of its own, so that an app without the desktop never needs to find what the desktop needs.
+function(marlune_install_library target export component)
   if(BUILD_SHARED_LIBS)
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
   endif()
   install(TARGETS ${target} EXPORT ${export}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component} NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   install(EXPORT ${export} NAMESPACE marlune::
@@ -31,7 +32,7 @@ function(marlune_install_pkgconfig file)
 endfunction()
 
 set(source ${PROJECT_SOURCE_DIR}/marlune)
-marlune_install_library(marlune marluneTargets)
+marlune_install_library(marlune marluneTargets runtime)
 marlune_install_headers(${source}/platform ${source}/util ${source}/grammar ${source}/decompose
   ${source}/playback)
 marlune_install_pkgconfig(marlune.pc)
@@ -47,7 +48,7 @@ if(MARLUNE_DESKTOP)
   if(NOT BUILD_SHARED_LIBS)
     string(APPEND MARLUNE_DESKTOP_REQUIRES ", expat ${MARLUNE_DESKTOP_PKGCONFIG}")
   endif()
-  marlune_install_library(marlune_desktop marluneDesktopTargets)
+  marlune_install_library(marlune_desktop marluneDesktopTargets desktop)
   marlune_install_headers(${source}/desktop)
   marlune_install_pkgconfig(marlune-desktop.pc)
 endif()

@@ -5,6 +5,10 @@ if(MARLUNE_CCACHE AND PROJECT_IS_TOP_LEVEL)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${MARLUNE_CCACHE})
 endif()
 
+# What a program that was linked can go on with: as the CMake package has it, a minor version
+# promises nothing about the next.
+set(MARLUNE_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+
 # Warnings, sanitizers and the include root.
 function(marlune_target_defaults target)
   target_include_directories(${target} PUBLIC

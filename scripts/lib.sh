@@ -8,6 +8,7 @@ readonly test_packages=(libgtest-dev libgmock-dev)
 readonly bench_packages=(libbenchmark-dev)
 readonly clang_packages=(clang libclang-rt-14-dev)
 readonly arm_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user-static googletest)
+readonly package_packages=(dpkg-dev file)
 readonly check_packages=(clang-format clang-tidy mandoc)
 
 # One core fewer would leave the machine idle; more jobs than cores make it swap.

@@ -1,0 +1,120 @@
+# Debian packages, one a component of the installation: `cpack -G DEB`, or scripts/package.
+#
+# The two libraries come in packages of their own, named after their SONAMEs as Debian does it:
+# what uses the core alone then needs nothing but the C++ library, and versions that programs cannot
+# be exchanged under can be installed side by side.
+
+set(MARLUNE_MAINTAINER "The Marlune authors <marlune@example.org>" CACHE STRING
+  "Who answers for the Debian packages, with the address")
+set(MARLUNE_DEBIAN_REVISION 1 CACHE STRING "Which packages of this version these are")
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime desktop development tool)
+set(CPACK_PACKAGE_CONTACT "${MARLUNE_MAINTAINER}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_RELEASE ${MARLUNE_DEBIAN_REVISION})
+set(CPACK_DEBIAN_PACKAGE_SOURCE marlune)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# Each package's own libraries tell dpkg-shlibdeps which packages it needs, and tell others that
+# they come from this package; ours in another package are not known to it yet.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+  ${PROJECT_BINARY_DIR}/marlune ${PROJECT_BINARY_DIR}/marlune/desktop)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+set(exactly "(= ${PROJECT_VERSION}-${MARLUNE_DEBIAN_REVISION})")
+get_target_property(soversion marlune SOVERSION)
+set(core libmarlune${soversion})
+set(desktop libmarlune-desktop${soversion})
+
+# marlune_package(component package SECTION ... DEPENDS "..." RECOMMENDS "..." DESCRIPTION "...")
+# The description's first line is the one that lists show.
+macro(marlune_package component package)
+  cmake_parse_arguments(PACKAGE "" "SECTION;DEPENDS;RECOMMENDS;DESCRIPTION" "" ${ARGN})
+  string(TOUPPER ${component} name)
+  set(CPACK_DEBIAN_${name}_PACKAGE_NAME ${package})
+  set(CPACK_DEBIAN_${name}_PACKAGE_SECTION ${PACKAGE_SECTION})
+  set(CPACK_DEBIAN_${name}_PACKAGE_DEPENDS "${PACKAGE_DEPENDS}")
+  set(CPACK_DEBIAN_${name}_PACKAGE_RECOMMENDS "${PACKAGE_RECOMMENDS}")
+  set(CPACK_DEBIAN_${name}_DESCRIPTION "${PACKAGE_DESCRIPTION}")
+  install(FILES ${PROJECT_BINARY_DIR}/copyright ${PROJECT_BINARY_DIR}/changelog.gz
+    ${PROJECT_BINARY_DIR}/changelog.Debian.gz
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+endmacro()
+
+marlune_package(runtime ${core} SECTION libs DESCRIPTION
+"speaks phrases from recordings, the core library
+A phrase is rewritten by a grammar into the words that were recorded,
+decomposed into the fewest recordings that say it, and played as one sound
+without gaps.
+
+This package holds the core. It needs no more than the C++ library: what it
+asks of the system, the program that uses it gives, or the desktop library.")
+
+# Nothing links the resampler and the sound device's library, which are loaded when they are needed.
+# What renders into files does without a device.
+marlune_package(desktop ${desktop} SECTION libs DEPENDS "${core} ${exactly}, libsoxr0"
+  RECOMMENDS "libsdl2-2.0-0" DESCRIPTION
+"speaks phrases from recordings, the desktop library
+Binds the core library to a Linux desktop: property lists, preferences, a run
+loop, recordings read from files, sound on a device or rendered into a file.")
+
+# What the CMake package looks for, and the headers of the libraries that ours show.
+set(needed "libexpat1-dev, libsndfile1-dev, pkgconf | pkg-config")
+marlune_package(development libmarlune-dev SECTION libdevel
+  DEPENDS "${core} ${exactly}, ${desktop} ${exactly}, ${needed}" DESCRIPTION
+"speaks phrases from recordings, headers
+What a program is compiled with that speaks phrases from recordings: the
+headers of the core and of the desktop library, and their CMake package and
+pkg-config files.")
+
+marlune_package(tool marlune SECTION sound DEPENDS "${core} ${exactly}, ${desktop} ${exactly}"
+  DESCRIPTION
+"speaks phrases from recordings, the tool
+For authors of voices and of grammars: shows how a grammar rewrites a phrase
+and why, which recordings say it, and plays it or renders it into a file.")
+
+# The loader's cache is brought up to date once, after all packages: by a trigger. CPack makes
+# scripts that do it for each package, unless it is told of others; a name without a file is none.
+foreach(name IN ITEMS RUNTIME DESKTOP)
+  set(CPACK_DEBIAN_${name}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/packages/triggers
+    ${PROJECT_BINARY_DIR}/none/postinst ${PROJECT_BINARY_DIR}/none/postrm)
+endforeach()
+
+# The licence as Debian's form has it: indented, with a dot where a line is empty.
+file(READ LICENSE licence)
+string(REGEX MATCH "Copyright [^\n]*" MARLUNE_COPYRIGHT "${licence}")
+string(REPLACE "Copyright (c)" "Copyright:" MARLUNE_COPYRIGHT "${MARLUNE_COPYRIGHT}")
+string(REGEX REPLACE "^.*Copyright [^\n]*\n\n" "" licence "${licence}")
+string(REGEX REPLACE "\n$" "" licence "${licence}")
+string(REPLACE "\n" "\n " MARLUNE_LICENCE " ${licence}")
+string(REPLACE "\n \n" "\n .\n" MARLUNE_LICENCE "${MARLUNE_LICENCE}")
+configure_file(cmake/packages/copyright.in ${PROJECT_BINARY_DIR}/copyright @ONLY)
+
+file(READ cmake/packages/changelog changelog)
+if(NOT changelog MATCHES "^marlune \\(${PROJECT_VERSION}-${MARLUNE_DEBIAN_REVISION}\\) ")
+  message(FATAL_ERROR "cmake/packages/changelog does not begin with ${PROJECT_VERSION}-"
+    "${MARLUNE_DEBIAN_REVISION}, which is what is packaged.")
+endif()
+
+# Without name and time in it, as the same file must come out each time.
+function(marlune_compress source target)
+  execute_process(COMMAND gzip -9nc ${source} OUTPUT_FILE ${target} COMMAND_ERROR_IS_FATAL ANY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
+endfunction()
+marlune_compress(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_BINARY_DIR}/changelog.gz)
+marlune_compress(${PROJECT_SOURCE_DIR}/cmake/packages/changelog
+  ${PROJECT_BINARY_DIR}/changelog.Debian.gz)
+install(CODE "execute_process(COMMAND gzip -9nf
+  \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_MANDIR}/man1/marlune.1\"
+  COMMAND_ERROR_IS_FATAL ANY)" COMPONENT tool)
+
+include(CPack)
