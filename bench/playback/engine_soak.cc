@@ -15,10 +15,11 @@
 //     $S/engine_soak losses-cranked 10000 && $S/engine_soak losses-clock 10000
 //     $S/engine_soak teardowns 100000 && $S/teardown_soak 100000
 //
-// A cycle on the clock takes about a millisecond, for a third of them wait until the worker looks
-// at the output again; all others take a tenth or two of that. For the thread sanitizer configure
-// with `cmake --preset tsan -DMARLUNE_BENCH=ON`, run build/tsan/bench/playback/ and take a tenth of
-// the cycles.
+// A cycle on the clock takes about a millisecond: a quarter of them play out, which the worker sees
+// when it looks at the output, every three. All others take a tenth or two of that. For the thread
+// sanitizer configure with `cmake --preset tsan -DMARLUNE_BENCH=ON`, run build/tsan/bench/playback/
+// and take a tenth of the cycles. Beside a machine's full load at a low priority a thousand cycles
+// can take minutes, and the alarm then strikes though nothing hangs.
 
 #include <unistd.h>
 
@@ -46,7 +47,7 @@ namespace marlune {
 namespace {
 
 constexpr AudioFormat kFormat = {22'050, 1};
-constexpr unsigned kSecondsAnAlarm = 600;  // for 1,000 rounds, on a machine that is busy otherwise
+constexpr unsigned kSecondsAnAlarm = 600;  // for 1,000 rounds
 using Clock = std::chrono::steady_clock;
 using Items = std::vector<std::shared_ptr<FilePlayerItem>>;
 
