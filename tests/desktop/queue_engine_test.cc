@@ -274,9 +274,9 @@ TEST_F(QueueEngineTest, SilenceInPlaceOfLateSoundIsReported) {
   rig.append(*queue, record(100));
   rig.append(*queue, record(kAhead + 5'000));
   rig.session.setActive(true);
-  queue->waitUntilSettled();
-  queue->addObserver(&holder, QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
   queue->play();
+  queue->waitUntilSettled();  // only now does the worker know that an output is open
+  queue->addObserver(&holder, QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
   rig.output->crank(100);
   holder.held.wait();
   // How much it had decoded ahead by then is its own affair, but never more than the line holds.
