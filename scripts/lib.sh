@@ -7,6 +7,7 @@ readonly build_packages=(g++ cmake ninja-build pkg-config libexpat1-dev libsndfi
 readonly test_packages=(libgtest-dev libgmock-dev)
 readonly bench_packages=(libbenchmark-dev)
 readonly clang_packages=(clang libclang-rt-14-dev)
+readonly coverage_packages=("${clang_packages[@]}" llvm binutils)
 readonly arm_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user-static googletest)
 readonly package_packages=(dpkg-dev file)
 readonly check_packages=(clang-format clang-tidy mandoc)
