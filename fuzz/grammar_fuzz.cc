@@ -9,6 +9,7 @@
 
 #include "fakes/fake_system_log.h"
 #include "marlune/grammar/compiled_grammar.h"
+#include "marlune/grammar/grammar_file.h"
 #include "marlune/grammar/parser.h"
 #include "marlune/grammar/simple_slot_sequence.h"
 #include "marlune/platform/platform.h"
@@ -41,11 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   RandomGrammar random(bytes), again(bytes);
   const Value file = random.file();
-  const Value tree = again.file();
+  Value tree = again.file();
   while (Parser::insertStatementsFromOriginal(tree, tree)) {
   }
-  const auto compiled = CompiledGrammar::compile(
-      GrammarPart::instanceFromPlist(tree.asDictionary()->valueForKey("Main")));
+  GrammarFile packed(std::move(tree));
+  const auto compiled = CompiledGrammar::initFromFile(packed, "Main", /*isTraced=*/false);
   reference::Grammar reference(file, "Main");
   reference.mostSteps = 20000;
   for (int i = 0; i < kPhrases; ++i) {

@@ -15,7 +15,9 @@
 
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
+#include "marlune/grammar/compiled_builder.h"
 #include "marlune/grammar/compiled_grammar.h"
+#include "marlune/grammar/grammar_file.h"
 #include "marlune/grammar/parser.h"
 #include "marlune/grammar/simple_slot_sequence.h"
 #include "marlune/platform/platform.h"
@@ -114,21 +116,21 @@ void BM_RewriteByTree(benchmark::State& state) {
 }
 BENCHMARK(BM_RewriteByTree)->Arg(100)->Arg(2000);
 
-// Compiling the tree that a parser holds, and what the result keeps.
+// Compiling the file's tree, and what the result keeps.
 void BM_Compile(benchmark::State& state) {
   const Loaded& loaded = Loaded::of(static_cast<std::size_t>(state.range(0)));
+  const Value& plist = loaded.grammar.file().asDictionary()->valueForKey("Main");
   std::uint64_t bytes = 0;
   for (auto _ : state) {
     const std::uint64_t before = allocationCount().bytesHeld;
-    benchmark::DoNotOptimize(CompiledGrammar::compile(loaded.parser->theGrammar()));
-    const auto compiled = CompiledGrammar::compile(loaded.parser->theGrammar());
+    const auto compiled = CompiledBuilder::build(plist);
     bytes = allocationCount().bytesHeld - before;
   }
   state.counters["bytes a rule"] = static_cast<double>(bytes) / static_cast<double>(state.range(0));
 }
 BENCHMARK(BM_Compile)->Arg(100)->Arg(500)->Arg(2000)->Unit(benchmark::kMillisecond);
 
-// All memory of a grammar: the file's tree, the objects, the compiled form.
+// All memory of a grammar: the packed file and the compiled form.
 void BM_Ready(benchmark::State& state) {
   const auto rules = static_cast<std::size_t>(state.range(0));
   const std::string& source = Loaded::of(rules).path;
@@ -197,8 +199,11 @@ void repetitions(benchmark::State& state, std::vector<Value> slots) {
   rule->setValueForKey(Value::dictionary(lhs), "_lhs");
   rule->setValueForKey(patternOf({Value::string("x")}), "_rhs");
   rule->setValueForKey(Value::integer(0), "_order");
-  const std::shared_ptr<GrammarPart> root = GrammarPart::instanceFromPlist(Value::dictionary(rule));
-  const auto compiled = CompiledGrammar::compile(root);
+  auto tree = std::make_shared<Dictionary>();
+  tree->setValueForKey(Value::dictionary(rule), "Main");
+  GrammarFile file(Value::dictionary(tree));
+  const auto compiled = CompiledGrammar::initFromFile(file, "Main", /*isTraced=*/false);
+  const std::shared_ptr<GrammarPart> root = compiled->root();
   Words words(200, "a");
   words.front() = "c";  // without a "c" the rule would not even be looked at
   const auto phrase = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words);

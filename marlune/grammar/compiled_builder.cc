@@ -1,220 +1,337 @@
 #include "marlune/grammar/compiled_builder.h"
 
 #include <algorithm>
-#include <utility>
 
-#include "marlune/grammar/compound_slot.h"
-#include "marlune/grammar/directory.h"
-#include "marlune/grammar/simple_slot.h"
-#include "marlune/grammar/simple_slot_sequence.h"
+#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/grammar_part.h"
 #include "marlune/grammar/slots_in_context.h"
+#include "marlune/grammar/special_characters.h"
+#include "marlune/util/format.h"
 #include "marlune/util/utf16.h"
 
 namespace marlune {
 
-CompiledTables CompiledBuilder::build(const GrammarPart& root) {
+namespace {
+
+// Both are written into the flat tables with fewer bits than a count has.
+constexpr std::uint32_t kMostMembers = 0xFFFFFF;
+constexpr std::uint32_t kMostRequirements = CompiledPhrase::kMaxAttributes;
+
+// Whether applying the rule can neither change a phrase nor write a line.
+bool isIdle(const Rule& rule) {
+  const SlotsInContext* const lhs = rule.leftHandSide().get();
+  if (!lhs || !lhs->significantSlots()) return true;
+  if (lhs->significantSlots()->_writesLines() || lhs->preContextReversed()->_writesLines() ||
+      lhs->postContext()->_writesLines()) {
+    return false;
+  }
+  return !rule.rightHandSide() || rule.rightHandSide()->kind() == GenericProduction::Kind::other;
+}
+
+bool isWithin(std::int32_t index, std::size_t matched) {
+  return index >= 0 && static_cast<std::size_t>(index) < matched;
+}
+
+bool isSuffixKey(std::string_view name) {
+  return name.size() > 1 && name.front() == '-' && name.back() == '#';
+}
+
+}  // namespace
+
+// A part of the grammar while it is read: its place among its siblings, and its rules in the order
+// in which they are applied.
+class CompiledBuilder::Part : public GrammarPart {
+ public:
+  std::vector<std::uint32_t> rules;
+};
+
+CompiledBuilder::Result CompiledBuilder::build(const Value& plist) {
   CompiledBuilder builder;
-  builder._addPart(root);
+  builder._arrange(builder._part(plist).rules);
   builder._fileRules();
   builder._tables.vocabulary->shrinkToFit();
-  return std::move(builder._tables);
+  Result result{std::move(builder._tables), {}};
+  for (std::uint32_t number = 0; number < builder._objects.size(); ++number) {
+    auto& object = builder._objects[number];
+    if (object) result.objects.emplace_back(number, std::move(object));
+  }
+  return result;
 }
 
 CompiledBuilder::CompiledBuilder() { _tables.vocabulary = std::make_shared<CompiledVocabulary>(); }
 
-void CompiledBuilder::_addPart(const GrammarPart& part) {
-  if (part.kind() == GrammarPart::Kind::rule) _addRule(static_cast<const Rule&>(part));
-  if (part.kind() != GrammarPart::Kind::directory) return;
-  for (const auto& each : static_cast<const Directory&>(part).orderedSubparts()) _addPart(*each);
-}
-
-void CompiledBuilder::_addRule(const Rule& rule) {
-  _objects.push_back(&rule);
-  CompiledRule& compiled = _tables.rules.emplace_back();
-  _isSupported = true;
-  _compile(rule, compiled);
-  compiled.isLeftToObject = !_isSupported;
-}
-
-void CompiledBuilder::_compile(const Rule& rule, CompiledRule& compiled) {
-  const SlotsInContext* lhs = rule.leftHandSide().get();
-  if (!lhs || !lhs->significantSlots()) return;
-  if (lhs->significantSlots()->_writesLines() || lhs->preContextReversed()->_writesLines() ||
-      lhs->postContext()->_writesLines()) {
-    _isSupported = false;
-    return;
+CompiledBuilder::Part CompiledBuilder::_part(const Value& plist) {
+  Dictionary& fields = *plist.asDictionary();
+  Part part;
+  part.genericSetUpFromPlist(fields);
+  if (fields.contains(SpecialCharacters::lhsKey())) {
+    part.rules.push_back(_addRule(plist));
+    return part;
   }
-  compiled.repeats = rule.repeat();
-  compiled.significant = _run(lhs->significantSlots()->slots());
-  compiled.before = _run(lhs->preContextReversed()->slots());
-  compiled.after = _run(lhs->postContext()->slots());
+  std::vector<Part> subparts;
+  for (const auto& [name, value] : fields.entries()) {
+    if (!value.asDictionary() || *name == SpecialCharacters::orderKey()) continue;
+    part._placeSubpart(*value.asDictionary(), name);
+    subparts.push_back(
+        GrammarError::within(*name, [this, &value = value] { return _part(value); }));
+  }
+  std::ranges::sort(subparts,
+                    [](const Part& one, const Part& two) { return one._runsBefore(two); });
+  for (const Part& each : subparts) {
+    part.rules.insert(part.rules.end(), each.rules.begin(), each.rules.end());
+  }
+  return part;
+}
+
+// The number is that in the order of the list.
+std::uint32_t CompiledBuilder::_addRule(const Value& plist) {
+  CompiledRule compiled;
+  std::shared_ptr<const Rule> object;
+  if (!_compile(*plist.asDictionary(), compiled)) {
+    object = Rule::initFromPlist(plist);
+    compiled = CompiledRule();
+    compiled.isLeftToObject = !isIdle(*object);
+  }
+  _isIdle.push_back(object && !compiled.isLeftToObject);
+  _objects.push_back(compiled.isLeftToObject ? std::move(object) : nullptr);
+  _tables.rules.push_back(compiled);
+  return static_cast<std::uint32_t>(_tables.rules.size() - 1);
+}
+
+// Gives the rules their final numbers: `numbers` are those that they have, in the final order.
+void CompiledBuilder::_arrange(const std::vector<std::uint32_t>& numbers) {
+  std::vector<CompiledRule> rules;
+  std::vector<std::shared_ptr<const Rule>> objects;
+  std::vector<char> isIdle;
+  rules.reserve(numbers.size());
+  for (const std::uint32_t number : numbers) {
+    rules.push_back(_tables.rules[number]);
+    objects.push_back(std::move(_objects[number]));
+    isIdle.push_back(_isIdle[number]);
+  }
+  _tables.rules = std::move(rules);
+  _objects = std::move(objects);
+  _isIdle = std::move(isIdle);
+}
+
+// What follows answers false for what is to be left to the rule's object; what it has put into the
+// tables by then is never looked at.
+
+bool CompiledBuilder::_compile(const Dictionary& plist, CompiledRule& compiled) {
+  const auto& lhs = plist.valueForKey(SpecialCharacters::lhsKey()).asDictionary();
+  if (!lhs || !lhs->contains(SpecialCharacters::significantSlotsKey())) return false;
+  if (!_runUnder(SpecialCharacters::significantSlotsKey(), *lhs, false, compiled.significant) ||
+      !_runUnder(SpecialCharacters::preContextKey(), *lhs, true, compiled.before) ||
+      !_runUnder(SpecialCharacters::postContextKey(), *lhs, false, compiled.after)) {
+    return false;
+  }
   for (const Run run : {compiled.significant, compiled.before, compiled.after}) {
     compiled.hasKleene = compiled.hasKleene || _tables.patterns.hasKleene(run);
   }
-  if (rule.rightHandSide()) {
-    _compile(*rule.rightHandSide(), lhs->significantSlots()->count(), compiled);
-  }
+  compiled.repeats = plist.valueForKey(SpecialCharacters::repeatKey()).integerValue() != 0;
+  const Value& rhs = plist.valueForKey(SpecialCharacters::rhsKey());
+  const std::size_t matched = compiled.significant.count;
+  if (rhs.asArray()) return _production(*rhs.asArray(), matched, compiled.production);
+  compiled.isChoice = true;
+  return rhs.asDictionary() && _choice(*rhs.asDictionary(), matched, compiled.production);
 }
 
-// Groups within the slots come to stand before the slots themselves.
-CompiledBuilder::Run CompiledBuilder::_run(const SlotArray& slots) {
-  std::vector<Element> run;
-  run.reserve(slots.size());
-  for (const auto& slot : slots) run.push_back(_element(*slot));
-  std::vector<Element>& all = _tables.patterns.elements;
-  const auto first = static_cast<std::uint32_t>(all.size());
-  all.insert(all.end(), run.begin(), run.end());
-  return {first, static_cast<std::uint32_t>(run.size())};
+// The slots under the key; none when it is missing.
+bool CompiledBuilder::_runUnder(const std::string& key, const Dictionary& plist, bool backwards,
+                                Run& run) {
+  const Value& slots = plist.valueForKey(key);
+  if (slots.isAbsent()) return true;
+  return slots.asArray() && _run(slots.asArray()->elements(), backwards, /*isAsked=*/false, run);
 }
 
-CompiledBuilder::Element CompiledBuilder::_element(const Slot& slot) {
-  using Kind = CompiledPatterns::Kind;
-  Kind kind = Kind::any;
-  switch (slot.kind()) {
-    case Slot::Kind::simple:
-      return _elementOf(*slot._cellOrNull());
-    case Slot::Kind::disjunction:
-      break;
-    case Slot::Kind::negation:
-      kind = Kind::none;
-      break;
-    case Slot::Kind::kleene:
-      kind = Kind::kleene;
-      break;
-    case Slot::Kind::sequence:
-    case Slot::Kind::other:
-      _isSupported = false;
-      return {};
-  }
-  const Run members = _run(static_cast<const CompoundSlot&>(slot).slots()->slots());
-  constexpr std::uint32_t kMostMembers = 0xFFFFFF;  // 24 bits
-  _isSupported = _isSupported && members.count <= kMostMembers;
-  return {kind, members.count & kMostMembers, members.first};
-}
-
-CompiledBuilder::Element CompiledBuilder::_elementOf(const Cell& cell) {
-  using Kind = CompiledPatterns::Kind;
-  if (cell.type() == CellTypeWildcard) return {Kind::wildcard, 0, 0};
-  if (cell.type() == CellTypeBlank) return {Kind::blank, 0, 0};
-  std::vector<CompiledPatterns::Requirement>& all = _tables.patterns.requirements;
-  const std::size_t first = all.size();
-  if (cell.attributes()) {
-    for (const auto& each : cell.attributes()->entries()) {
-      if (!_require(each)) return {Kind::never, 0, 0};
+// Groups within the slots come to stand before the slots themselves. `isAsked`: whether the slots
+// are in a group that asks each by itself, which a repetition answers with a line.
+bool CompiledBuilder::_run(std::span<const Value> slots, bool backwards, bool isAsked, Run& run) {
+  if (slots.size() > kMostMembers) return false;
+  const std::size_t outer = _elements.size();
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    Element element;
+    if (!_element(slots[backwards ? slots.size() - 1 - i : i], backwards, isAsked, element)) {
+      _elements.resize(outer);
+      return false;
     }
+    _elements.push_back(element);
   }
-  const std::size_t count = all.size() - first;
-  if (count == 1 && !all[first].isSuffix && all[first].name == CompiledVocabulary::kContent &&
-      all[first].value != CompiledVocabulary::kEmpty) {
-    const Element word{Kind::word, 0, all[first].value};
-    all.pop_back();
-    return word;
-  }
-  _isSupported = _isSupported && count <= CompiledPhrase::kMaxAttributes;
-  return {Kind::literal, static_cast<std::uint32_t>(count & CompiledPhrase::kMaxAttributes),
-          static_cast<std::uint32_t>(first)};
-}
-
-// False when no slot can fulfil it.
-bool CompiledBuilder::_require(const AttributeDictionary::Entry& attribute) {
-  const std::string* value = attribute.second.asString();
-  if (!value) return false;
-  const std::string& name = *attribute.first;
-  const bool isSuffix = name.size() > 1 && name.front() == '-' && name.back() == '#';
-  const std::size_t compared = isSuffix ? utf16Length(name) - 2 : _id(name);
-  _tables.patterns.requirements.push_back(
-      {static_cast<std::uint32_t>(compared) & 0x7FFFFFFF, isSuffix, _id(*value)});
+  std::vector<Element>& all = _tables.patterns.elements;
+  run = {static_cast<std::uint32_t>(all.size()), static_cast<std::uint32_t>(slots.size())};
+  all.insert(all.end(), _elements.begin() + static_cast<std::ptrdiff_t>(outer), _elements.end());
+  _elements.resize(outer);
   return true;
 }
 
-void CompiledBuilder::_compile(const GenericProduction& production, std::size_t matched,
-                               CompiledRule& compiled) {
-  if (production.kind() == GenericProduction::Kind::newProduction) {
-    compiled.production = _production(static_cast<const NewProduction&>(production), matched);
-  } else if (production.kind() == GenericProduction::Kind::conditional) {
-    compiled.isChoice = true;
-    compiled.production = _choice(static_cast<const ConditionalProduction&>(production), matched);
-  }
-}
-
-std::uint32_t CompiledBuilder::_production(const NewProduction& production, std::size_t matched) {
-  if (!production.indices() || !production.overlays()) {
-    _isSupported = false;
-    return 0;
-  }
-  const SlotArray& overlays = production.overlays()->slots();
-  std::vector<CompiledProductions::Produced>& all = _tables.productions.produced;
-  const auto first = static_cast<std::uint32_t>(all.size());
-  for (const std::int32_t index : *production.indices()) {
-    CompiledProductions::Produced each;
-    if (index >= 0) each.index = _checked(index, matched);
-    const std::size_t place = all.size() - first;
-    each.isOverlaid = place < overlays.size();
-    if (each.isOverlaid) {
-      const Cell* overlay = overlays[place]->_cellOrNull().get();
-      _isSupported = _isSupported && overlay;
-      if (overlay) each.settings = _settings(*overlay, matched);
+bool CompiledBuilder::_element(const Value& slot, bool backwards, bool isAsked, Element& element) {
+  using Kind = CompiledPatterns::Kind;
+  if (const std::string* text = slot.asString()) {
+    if (*text == SpecialCharacters::wildcardSymbol()) {
+      element = {Kind::wildcard, 0, 0};
+    } else if (*text == SpecialCharacters::blankSymbol()) {
+      element = {Kind::blank, 0, 0};
+    } else {
+      _tables.patterns.requirements.push_back({CompiledVocabulary::kContent, false, _id(*text)});
+      element = _literalOf(_tables.patterns.requirements.size() - 1);
     }
-    all.push_back(each);
+    return true;
   }
-  _tables.productions.productions.push_back(
-      {first, static_cast<std::uint32_t>(all.size()) - first});
-  return static_cast<std::uint32_t>(_tables.productions.productions.size() - 1);
+  if (slot.asDictionary()) return _literal(*slot.asDictionary(), element);
+  if (slot.asArray()) return _group(slot.asArray()->elements(), backwards, isAsked, element);
+  element = {Kind::wildcard, 0, 0};
+  return true;
 }
 
-CompiledProductions::Run CompiledBuilder::_settings(const Cell& overlay, std::size_t matched) {
-  std::vector<CompiledProductions::Setting>& all = _tables.productions.settings;
-  const auto first = static_cast<std::uint32_t>(all.size());
-  if (!overlay.attributes()) return {first, 0};
-  for (const auto& [name, value] : overlay.attributes()->entries()) {
+bool CompiledBuilder::_literal(const Dictionary& attributes, Element& element) {
+  std::vector<CompiledPatterns::Requirement>& all = _tables.patterns.requirements;
+  const std::size_t first = all.size();
+  bool canMatch = true;
+  for (const auto& [name, value] : attributes.entries()) {
+    const bool isSuffix = isSuffixKey(*name);
+    const bool isPrefix = !isSuffix && CompiledPhrase::isComparison(*name);  // writes lines
+    if (isPrefix || value.asArray() || value.asDictionary()) return false;
+    if (!value.asString()) {
+      canMatch = false;
+      continue;
+    }
+    const std::size_t compared = isSuffix ? utf16Length(*name) - 2 : _id(*name);
+    all.push_back(
+        {static_cast<std::uint32_t>(compared) & 0x7FFFFFFF, isSuffix, _id(*value.asString())});
+  }
+  if (all.size() - first > kMostRequirements) return false;
+  element = canMatch ? _literalOf(first) : Element{CompiledPatterns::Kind::never, 0, 0};
+  return true;
+}
+
+// The literal with all requirements from the first one on. One that asks for a word alone needs
+// none of its own.
+CompiledBuilder::Element CompiledBuilder::_literalOf(std::size_t firstRequirement) {
+  using Kind = CompiledPatterns::Kind;
+  std::vector<CompiledPatterns::Requirement>& all = _tables.patterns.requirements;
+  const std::size_t count = all.size() - firstRequirement;
+  const CompiledPatterns::Requirement* const only = count == 1 ? &all.back() : nullptr;
+  if (only && !only->isSuffix && only->name == CompiledVocabulary::kContent &&
+      only->value != CompiledVocabulary::kEmpty) {
+    const Element word{Kind::word, 0, only->value};
+    all.pop_back();
+    return word;
+  }
+  return {Kind::literal, static_cast<std::uint32_t>(count) & kMostMembers,
+          static_cast<std::uint32_t>(firstRequirement)};
+}
+
+bool CompiledBuilder::_group(std::span<const Value> slot, bool backwards, bool isAsked,
+                             Element& element) {
+  using Kind = CompiledPatterns::Kind;
+  const std::string* marker = slot.empty() ? nullptr : slot.front().asString();
+  if (!marker) return false;
+  Kind kind = Kind::any;
+  if (*marker == SpecialCharacters::kleeneMarker()) {
+    kind = Kind::kleene;
+  } else if (*marker == SpecialCharacters::negationMarker()) {
+    kind = Kind::none;
+  } else if (*marker != SpecialCharacters::disjunctionMarker()) {
+    return false;
+  }
+  if (kind == Kind::kleene && isAsked) return false;
+  Run members;
+  if (!_run(slot.subspan(1), backwards, kind != Kind::kleene, members)) return false;
+  element = {kind, members.count & kMostMembers, members.first};
+  return true;
+}
+
+bool CompiledBuilder::_production(const Array& plist, std::size_t matched,
+                                  std::uint32_t& production) {
+  CompiledProductions& all = _tables.productions;
+  const auto first = static_cast<std::uint32_t>(all.produced.size());
+  for (const Value& entry : plist.elements()) {
+    CompiledProductions::Produced each;
+    each.isOverlaid = true;
+    each.settings.first = static_cast<std::uint32_t>(all.settings.size());
+    if (entry.asString()) {
+      all.settings.push_back({CompiledVocabulary::kContent, _id(*entry.asString())});
+    } else if (const auto& overlay = entry.asDictionary()) {
+      const Value& index = overlay->valueForKey(SpecialCharacters::indexKey());
+      if (!index.isNumber()) break;  // the entries behind it do not count
+      each.index = std::max(index.integerValue(), CompiledProductions::kNew);
+      if (each.index >= 0 && !isWithin(each.index, matched)) return false;
+      if (!_settings(*overlay, matched)) return false;
+    } else {
+      continue;
+    }
+    each.settings.count = static_cast<std::uint32_t>(all.settings.size()) - each.settings.first;
+    all.produced.push_back(each);
+  }
+  production = static_cast<std::uint32_t>(all.productions.size());
+  all.productions.push_back({first, static_cast<std::uint32_t>(all.produced.size()) - first});
+  return true;
+}
+
+bool CompiledBuilder::_settings(const Dictionary& overlay, std::size_t matched) {
+  for (const auto& [name, value] : overlay.entries()) {
+    if (*name == SpecialCharacters::indexKey()) continue;
+    if (CompiledPhrase::isComparison(*name)) return false;
     CompiledProductions::Setting setting;
     setting.name = _id(*name);
-    _isSupported = _isSupported && !CompiledPhrase::isComparison(*name);
-    if (const AttributeKey* key = value.asAttributeKey()) {
-      setting.index = _checked(key->index(), matched);
-      setting.value = _id(key->key());
-    } else if (const std::string* text = value.asString()) {
-      setting.value = _id(*text);
+    if (value.asString()) {
+      setting.value = _id(*value.asString());
     } else {
-      _isSupported = false;
+      CompiledProductions::Reference reference;
+      if (!_reference(value, matched, reference)) return false;
+      setting.index = reference.index;
+      setting.value = reference.name;
     }
-    all.push_back(setting);
+    _tables.productions.settings.push_back(setting);
   }
-  return {first, static_cast<std::uint32_t>(all.size()) - first};
+  return true;
 }
 
-std::uint32_t CompiledBuilder::_choice(const ConditionalProduction& production,
-                                       std::size_t matched) {
-  if (!production.signature() || !production.expansions() || !production.delimiter()) {
-    _isSupported = false;
-    return 0;
-  }
+bool CompiledBuilder::_choice(const Dictionary& plist, std::size_t matched, std::uint32_t& choice) {
   CompiledProductions& all = _tables.productions;
-  CompiledProductions::Choice choice;
-  choice.delimiter = _id(*production.delimiter());
-  choice.references.first = static_cast<std::uint32_t>(all.references.size());
-  choice.references.count = static_cast<std::uint32_t>(production.signature()->size());
-  for (const auto& key : *production.signature()) {
-    all.references.push_back({_checked(key->index(), matched), _id(key->key())});
+  const auto& signature = plist.valueForKey(SpecialCharacters::signatureKey()).asArray();
+  const auto& expansions = plist.valueForKey(SpecialCharacters::expansionsKey()).asDictionary();
+  if (!signature || !expansions) return false;
+  const Value& delimiter = plist.valueForKey(SpecialCharacters::delimiterKey());
+  CompiledProductions::Choice made;
+  made.delimiter = _id(delimiter.isAbsent() ? SpecialCharacters::defaultSignatureDelimiter()
+                                            : formatted("%@", {delimiter}));
+  made.references.first = static_cast<std::uint32_t>(all.references.size());
+  made.references.count = static_cast<std::uint32_t>(signature->count());
+  for (const Value& key : signature->elements()) {
+    if (!_reference(key, matched, all.references.emplace_back())) return false;
   }
-  choice.expansions.first = static_cast<std::uint32_t>(all.expansions.size());
-  choice.expansions.count = static_cast<std::uint32_t>(production.expansions()->size());
-  for (const auto& [signature, expansion] : *production.expansions()) {
-    all.expansions.push_back({_id(*signature), _production(*expansion, matched)});
+  made.expansions.first = static_cast<std::uint32_t>(all.expansions.size());
+  made.expansions.count = static_cast<std::uint32_t>(expansions->count());
+  for (const auto& [key, value] : expansions->entries()) {
+    CompiledProductions::Expansion expansion{_id(*key), 0};
+    if (!value.asArray() || !_production(*value.asArray(), matched, expansion.production)) {
+      return false;
+    }
+    all.expansions.push_back(expansion);
   }
-  std::sort(all.expansions.begin() + choice.expansions.first, all.expansions.end(),
+  std::sort(all.expansions.begin() + made.expansions.first, all.expansions.end(),
             [](const auto& left, const auto& right) { return left.signature < right.signature; });
-  all.choices.push_back(choice);
-  return static_cast<std::uint32_t>(all.choices.size() - 1);
+  choice = static_cast<std::uint32_t>(all.choices.size());
+  all.choices.push_back(made);
+  return true;
 }
 
-// A position that is sure to lie among the matched slots.
-std::int32_t CompiledBuilder::_checked(std::int32_t index, std::size_t matched) {
-  _isSupported = _isSupported && index >= 0 && static_cast<std::size_t>(index) < matched;
-  return index;
+// An attribute of a slot that is sure to be among the matched ones.
+bool CompiledBuilder::_reference(const Value& plist, std::size_t matched,
+                                 CompiledProductions::Reference& reference) {
+  const auto& fields = plist.asDictionary();
+  if (!fields) return false;
+  const Value& index = fields->valueForKey(SpecialCharacters::indexKey());
+  const Value& name = fields->valueForKey(SpecialCharacters::attributeNameKey());
+  if (!index.isNumber() || !name.asString() || !isWithin(index.integerValue(), matched)) {
+    return false;
+  }
+  reference = {index.integerValue(), _id(*name.asString())};
+  return true;
 }
 
-// A rule that can never change a phrase is not filed at all: the phrase is padded without it.
+// An idle rule is not filed at all: the phrase is padded without it.
 void CompiledBuilder::_fileRules() {
   for (const CompiledRule& rule : _tables.rules) {
     _forEachElement(rule, [this](std::uint32_t element, std::int32_t) {
@@ -225,16 +342,11 @@ void CompiledBuilder::_fileRules() {
   for (std::uint32_t number = 0; number < count; ++number) {
     if (_tables.rules[number].isLeftToObject) {
       _tables.index.file(number, {});
-    } else if (!_changesNothing(*_objects[number])) {
+    } else if (!_isIdle[number]) {
       _file(number);
     }
   }
   _tables.index.finish(_tables.vocabulary->count());
-}
-
-bool CompiledBuilder::_changesNothing(const Rule& rule) {
-  return !rule.leftHandSide() || !rule.leftHandSide()->significantSlots() ||
-         !rule.rightHandSide() || rule.rightHandSide()->kind() == GenericProduction::Kind::other;
 }
 
 void CompiledBuilder::_countFeatures(const Element& element) {

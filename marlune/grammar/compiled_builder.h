@@ -3,47 +3,62 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "marlune/grammar/compiled_tables.h"
-#include "marlune/grammar/conditional_production.h"
-#include "marlune/grammar/grammar_part.h"
-#include "marlune/grammar/new_production.h"
+#include "marlune/grammar/grammar_objects.h"
 #include "marlune/grammar/rule.h"
-#include "marlune/grammar/slot_run.h"
+#include "marlune/platform/value.h"
 
 namespace marlune {
 
-// Compiles a grammar's tree. A rule that cannot be compiled is marked as left to its object.
+// Compiles a grammar from its property list as it stands, without the objects that one would make
+// of it: they take longer to make than to compile. Does what making them does besides: writes the
+// parts' places into the list, and lines (but no traced ones). What is rare is left to its rule's
+// object: whatever has no compiled form, or is not as it should be.
 class CompiledBuilder {
  public:
-  static CompiledTables build(const GrammarPart& root);
+  struct Result {
+    CompiledTables tables;
+    GrammarObjects::Rules objects;  // of the rules that are left to them
+  };
+
+  // REQUIRES: a dictionary. GrammarError when the grammar is broken.
+  static Result build(const Value& plist);
 
  private:
   using Element = CompiledPatterns::Element;
   using Run = CompiledPatterns::Run;
+  using Id = CompiledVocabulary::Id;
   using Features = std::vector<std::uint64_t>;
+  class Part;
 
   CompiledBuilder();
 
-  void _addPart(const GrammarPart& part);
-  void _addRule(const Rule& rule);
-  void _compile(const Rule& rule, CompiledRule& compiled);
+  Part _part(const Value& plist);
+  std::uint32_t _addRule(const Value& plist);
+  void _arrange(const std::vector<std::uint32_t>& numbers);
 
-  Run _run(const SlotArray& slots);
-  Element _element(const Slot& slot);
-  Element _elementOf(const Cell& cell);
-  bool _require(const AttributeDictionary::Entry& attribute);
+  bool _compile(const Dictionary& plist, CompiledRule& compiled);
+  bool _runUnder(const std::string& key, const Dictionary& plist, bool backwards, Run& run);
+  bool _run(std::span<const Value> slots, bool backwards, bool isAsked, Run& run);
+  bool _element(const Value& slot, bool backwards, bool isAsked, Element& element);
+  bool _literal(const Dictionary& attributes, Element& element);
+  Element _literalOf(std::size_t firstRequirement);
+  bool _group(std::span<const Value> slot, bool backwards, bool isAsked, Element& element);
 
-  void _compile(const GenericProduction& production, std::size_t matched, CompiledRule& compiled);
-  std::uint32_t _production(const NewProduction& production, std::size_t matched);
-  CompiledProductions::Run _settings(const Cell& overlay, std::size_t matched);
-  std::uint32_t _choice(const ConditionalProduction& production, std::size_t matched);
+  bool _production(const Array& plist, std::size_t matched, std::uint32_t& production);
+  bool _settings(const Dictionary& overlay, std::size_t matched);
+  bool _choice(const Dictionary& plist, std::size_t matched, std::uint32_t& choice);
+  bool _reference(const Value& plist, std::size_t matched,
+                  CompiledProductions::Reference& reference);
 
   void _fileRules();
-  static bool _changesNothing(const Rule& rule);
   void _countFeatures(const Element& element);
   void _file(std::uint32_t number);
   Features _triggerOf(const Element& element) const;
@@ -51,12 +66,12 @@ class CompiledBuilder {
   template <typename Visit>
   void _forEachElement(const CompiledRule& rule, Visit visit) const;
 
-  CompiledVocabulary::Id _id(std::string_view text) { return _tables.vocabulary->add(text); }
-  std::int32_t _checked(std::int32_t index, std::size_t matched);
+  Id _id(std::string_view text) { return _tables.vocabulary->add(text); }
 
   CompiledTables _tables;
-  std::vector<const Rule*> _objects;  // by rule
-  bool _isSupported = true;           // whether all of the rule at hand has a compiled form
+  std::vector<std::shared_ptr<const Rule>> _objects;  // by rule; null where there is none
+  std::vector<char> _isIdle;                          // by rule: whether it does nothing at all
+  std::vector<Element> _elements;                     // of the runs being read
   std::unordered_map<std::uint64_t, std::uint32_t> _frequencies;  // of features, in rules
 };
 

@@ -1,12 +1,16 @@
 #include "marlune/grammar/compiled_grammar.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "marlune/grammar/compiled_builder.h"
 #include "marlune/grammar/compiled_result.h"
+#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/grammar_loader.h"
 #include "marlune/grammar/simple_slot_sequence.h"
 #include "marlune/grammar/special_characters.h"
+#include "marlune/util/tq_utils.h"
 
 namespace marlune {
 
@@ -37,27 +41,36 @@ class CompiledGrammar::Borrowed {
   std::unique_ptr<Work> _work;
 };
 
-std::unique_ptr<CompiledGrammar> CompiledGrammar::compile(std::shared_ptr<GrammarObjects> grammar) {
-  if (!grammar || grammar->root()->kind() == GrammarPart::Kind::other) return nullptr;
-  CompiledTables tables = CompiledBuilder::build(*grammar->root());
-  return std::unique_ptr<CompiledGrammar>(
-      new CompiledGrammar(std::move(grammar), std::move(tables)));
-}
-
-std::unique_ptr<CompiledGrammar> CompiledGrammar::compile(std::shared_ptr<GrammarPart> root) {
-  return root ? compile(std::make_shared<GrammarObjects>(std::move(root))) : nullptr;
-}
-
-CompiledGrammar::CompiledGrammar(std::shared_ptr<GrammarObjects> grammar, CompiledTables tables)
-    : _grammar(std::move(grammar)), _tables(std::move(tables)) {}
-
-std::vector<std::uint32_t> CompiledGrammar::rulesLeftToObjects() const {
-  std::vector<std::uint32_t> numbers;
-  for (std::uint32_t number = 0; number < ruleCount(); ++number) {
-    if (_tables.rules[number].isLeftToObject) numbers.push_back(number);
+std::unique_ptr<CompiledGrammar> CompiledGrammar::initFromFile(GrammarFile& file,
+                                                               std::string_view name,
+                                                               bool isTraced) {
+  std::shared_ptr<GrammarPart> root;
+  std::optional<TQUtils::Silence> silence;
+  if (isTraced) {
+    root = GrammarObjects::rootIn(file.opened(), name);
+    silence.emplace();
   }
-  return numbers;
+  auto built = GrammarError::within(name, [&]() -> std::optional<CompiledBuilder::Result> {
+    const Value plist = GrammarLoader::valueAtPath(GrammarLoader::pieces(name, '.'), file.opened());
+    if (!plist.asDictionary()) return std::nullopt;
+    return CompiledBuilder::build(plist);
+  });
+  auto packed = file.putAway();
+  if (!built) return nullptr;
+  // A tree that stays can be changed by those who hold it, so the objects must be made now.
+  if (!root && !packed) {
+    silence.emplace();
+    root = GrammarObjects::rootIn(file.opened(), name);
+  }
+  auto objects =
+      root ? std::make_unique<GrammarObjects>(std::move(root))
+           : std::make_unique<GrammarObjects>(std::move(packed), name, std::move(built->objects));
+  return std::unique_ptr<CompiledGrammar>(
+      new CompiledGrammar(std::move(objects), std::move(built->tables)));
 }
+
+CompiledGrammar::CompiledGrammar(std::unique_ptr<GrammarObjects> objects, CompiledTables tables)
+    : _objects(std::move(objects)), _tables(std::move(tables)) {}
 
 std::shared_ptr<SimpleSlotSequence> CompiledGrammar::appliedToStrings(
     const std::vector<std::string>& strings) {
@@ -84,7 +97,7 @@ std::shared_ptr<SimpleSlotSequence> CompiledGrammar::appliedTo(const SimpleSlotS
     result = _run(borrowed.work(), objects);
     if (!result) result = SimpleSlotSequence::initWithArray(objects.write(borrowed.work().phrase));
   } else {
-    result = _grammar->root()->appliedTo(phrase);
+    result = _objects->root()->appliedTo(phrase);
   }
   borrowed.giveBack();
   return result;
@@ -105,7 +118,7 @@ std::shared_ptr<SimpleSlotSequence> CompiledGrammar::_run(Work& work,
     Outcome outcome = rule.isLeftToObject ? Outcome::tooHard : _apply(number, work);
     if (outcome == Outcome::unchanged) continue;
     if (outcome == Outcome::tooHard) {
-      auto result = _grammar->rule(number)->appliedTo(
+      auto result = _objects->rule(number)->appliedTo(
           *SimpleSlotSequence::initWithArray(objects.write(phrase)));
       if (!objects.read(result->slots(), phrase)) {
         work.agenda.clear();
@@ -122,7 +135,7 @@ std::shared_ptr<SimpleSlotSequence> CompiledGrammar::_run(Work& work,
 std::shared_ptr<SimpleSlotSequence> CompiledGrammar::_applyObjects(
     std::uint32_t from, std::shared_ptr<SimpleSlotSequence> phrase) const {
   for (std::uint32_t number = from; number < ruleCount(); ++number) {
-    phrase = _grammar->rule(number)->appliedTo(*phrase);
+    phrase = _objects->rule(number)->appliedTo(*phrase);
   }
   return phrase;
 }

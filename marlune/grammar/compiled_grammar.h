@@ -6,12 +6,14 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "marlune/grammar/compiled_agenda.h"
 #include "marlune/grammar/compiled_objects.h"
 #include "marlune/grammar/compiled_phrase.h"
 #include "marlune/grammar/compiled_tables.h"
+#include "marlune/grammar/grammar_file.h"
 #include "marlune/grammar/grammar_objects.h"
 #include "marlune/grammar/grammar_part.h"
 
@@ -28,18 +30,20 @@ namespace marlune {
 // Used from one thread at a time, as the parser is.
 class CompiledGrammar {
  public:
-  // The tree must not change any more. nullptr without objects, or a root.
-  static std::unique_ptr<CompiledGrammar> compile(std::shared_ptr<GrammarObjects> grammar);
-  static std::unique_ptr<CompiledGrammar> compile(std::shared_ptr<GrammarPart> root);
+  // The grammar that the dot-notation name selects in the file, which is put away afterwards; with
+  // `isTraced` its objects are made as well, as they write the trace of loading. nullptr when the
+  // name selects no dictionary, GrammarError when the grammar is broken.
+  static std::unique_ptr<CompiledGrammar> initFromFile(GrammarFile& file, std::string_view name,
+                                                       bool isTraced);
 
   // As of the words' blank-buffered phrase. The slots are made when they are looked at.
   std::shared_ptr<SimpleSlotSequence> appliedToStrings(const std::vector<std::string>& strings);
   std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase);
 
-  std::size_t ruleCount() const { return _tables.rules.size(); }
+  // The tree's root, never null. It is there from the first call on.
+  const std::shared_ptr<GrammarPart>& root() { return _objects->root(); }
 
-  // The numbers of the rules that are applied by their objects as a matter of course.
-  std::vector<std::uint32_t> rulesLeftToObjects() const;
+  std::size_t ruleCount() const { return _tables.rules.size(); }
 
  private:
   using Slots = std::vector<CompiledPhrase::Slot>;
@@ -58,7 +62,7 @@ class CompiledGrammar {
   // while a rule writes a line to it finds none and makes one of its own.
   class Borrowed;
 
-  CompiledGrammar(std::shared_ptr<GrammarObjects> grammar, CompiledTables tables);
+  CompiledGrammar(std::unique_ptr<GrammarObjects> objects, CompiledTables tables);
 
   // Applies all rules. The phrase when it lost its compiled form on the way, else nullptr: then it
   // stands in `work`.
@@ -79,7 +83,7 @@ class CompiledGrammar {
   void _findWithKleene(const CompiledRule& rule, Work& work) const;
   bool _matchesAt(const CompiledRule& rule, const CompiledPhrase& phrase, std::size_t start) const;
 
-  std::shared_ptr<GrammarObjects> _grammar;
+  std::unique_ptr<GrammarObjects> _objects;
   CompiledTables _tables;
   std::unique_ptr<Work> _work;
 };

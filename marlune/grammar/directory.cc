@@ -13,12 +13,6 @@ namespace {
 
 constexpr std::string_view kTrace = ZKPlistNotificationDefault;
 
-// By order, and by name where orders are equal: the file's enumeration order is nobody's promise.
-bool runsBefore(const std::shared_ptr<GrammarPart>& one, const std::shared_ptr<GrammarPart>& two) {
-  const int compared = one->orderComparedTo(*two);
-  return compared != 0 ? compared < 0 : *one->name() < *two->name();
-}
-
 }  // namespace
 
 std::shared_ptr<Directory> Directory::initFromPlist(const Value& plist) {
@@ -37,7 +31,8 @@ std::shared_ptr<Directory> Directory::initFromPlist(const Value& plist) {
     if (value.asDictionary()) result->_addSubpart(name, value);
   }
   result->_orderedSubparts.shrink_to_fit();
-  std::ranges::sort(result->_orderedSubparts, runsBefore);
+  std::ranges::sort(result->_orderedSubparts,
+                    [](const auto& one, const auto& two) { return one->_runsBefore(*two); });
   return result;
 }
 
@@ -46,9 +41,7 @@ std::shared_ptr<Directory> Directory::instanceFromPlist(const Value& plist) {
 }
 
 void Directory::_addSubpart(const std::shared_ptr<const std::string>& name, const Value& plist) {
-  Dictionary& fields = *plist.asDictionary();
-  fields.setValueForKey(Value::integer(depth() + 1), SpecialCharacters::depthKey());
-  fields.setValueForKey(Value::string(name), SpecialCharacters::partNameKey());
+  _placeSubpart(*plist.asDictionary(), name);
   GrammarError::within(*name,
                        [&] { _orderedSubparts.push_back(GrammarPart::instanceFromPlist(plist)); });
 }

@@ -9,16 +9,7 @@
 
 namespace marlune {
 
-std::shared_ptr<GrammarObjects> GrammarObjects::initFromPlist(const Value& tree,
-                                                              std::string_view name) {
-  auto root = _rootIn(tree, name);
-  if (!root) return nullptr;
-  auto objects = std::make_shared<GrammarObjects>(std::move(root));
-  objects->_name = name;
-  return objects;
-}
-
-std::shared_ptr<GrammarPart> GrammarObjects::_rootIn(const Value& tree, std::string_view name) {
+std::shared_ptr<GrammarPart> GrammarObjects::rootIn(const Value& tree, std::string_view name) {
   return GrammarError::within(name, [&] {
     return GrammarPart::instanceFromPlist(
         GrammarLoader::valueAtPath(GrammarLoader::pieces(name, '.'), tree));
@@ -28,7 +19,7 @@ std::shared_ptr<GrammarPart> GrammarObjects::_rootIn(const Value& tree, std::str
 const std::shared_ptr<GrammarPart>& GrammarObjects::root() {
   if (_root) return _root;
   const TQUtils::Silence silence;
-  auto root = _rootIn(_tree->unpacked(), _name);
+  auto root = rootIn(_tree->unpacked(), _name);
   _rules = {};  // they are among the root's now
   _root = std::move(root);
   _tree = nullptr;
@@ -47,17 +38,6 @@ std::shared_ptr<const Rule> GrammarObjects::rule(std::uint32_t number) {
     place = find();
   }
   return place->second;
-}
-
-void GrammarObjects::letGo(std::shared_ptr<const PackedList> tree,
-                           std::span<const std::uint32_t> butRules) {
-  Rules all, kept;
-  if (!butRules.empty()) _addRules(_root, all);
-  for (const std::uint32_t number : butRules) kept.push_back(std::move(all[number]));
-  kept.shrink_to_fit();
-  _rules = std::move(kept);
-  _tree = std::move(tree);
-  _root = nullptr;
 }
 
 void GrammarObjects::_addRules(const std::shared_ptr<GrammarPart>& part, Rules& rules) {

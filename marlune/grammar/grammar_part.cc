@@ -1,6 +1,7 @@
 #include "marlune/grammar/grammar_part.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "marlune/grammar/directory.h"
 #include "marlune/grammar/rule.h"
@@ -45,6 +46,16 @@ void GrammarPart::genericSetUpFromPlist(Dictionary& plist) {
 int GrammarPart::orderComparedTo(const GrammarPart& other) const {
   if (_order == other._order) return 0;
   return _order < other._order ? -1 : 1;
+}
+
+bool GrammarPart::_runsBefore(const GrammarPart& sibling) const {
+  const int compared = orderComparedTo(sibling);
+  return compared != 0 ? compared < 0 : *_name < *sibling._name;
+}
+
+void GrammarPart::_placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const {
+  plist.setValueForKey(Value::integer(_depth + 1), SpecialCharacters::depthKey());
+  plist.setValueForKey(Value::string(std::move(name)), SpecialCharacters::partNameKey());
 }
 
 std::shared_ptr<SimpleSlotSequence> GrammarPart::appliedTo(const SimpleSlotSequence&) const {

@@ -41,6 +41,13 @@ class GrammarPart : public Describable {
   std::int32_t depth() const { return _depth; }            // 0 at the root
   const std::string* name() const { return _name.get(); }  // nullptr when it has none
 
+  // Among siblings: by order, and by name where orders are equal, since the file's enumeration
+  // order is nobody's promise.
+  bool _runsBefore(const GrammarPart& sibling) const;
+
+  // Writes the place of a subpart of this part into its dictionary.
+  void _placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const;
+
  protected:
   GrammarPart() = default;
 

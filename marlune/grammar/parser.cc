@@ -1,12 +1,10 @@
 #include "marlune/grammar/parser.h"
 
 #include <stdexcept>
-#include <utility>
 
 #include "marlune/grammar/compiled_grammar.h"
 #include "marlune/grammar/grammar_file.h"
 #include "marlune/grammar/grammar_loader.h"
-#include "marlune/grammar/grammar_objects.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -47,16 +45,11 @@ Value Parser::retrievePlistForPathArray(std::optional<std::span<const std::strin
 
 void Parser::setGrammar(std::optional<std::string_view> name) {
   if (!name) return;
-  auto grammar = GrammarObjects::initFromPlist(_file ? _file->opened() : Value(), *name);
-  auto compiled = CompiledGrammar::compile(grammar);
-  _grammar = std::move(grammar);
-  _compiled = std::move(compiled);
-  if (TQUtils::isWantedForDefault(ZKPlistNotificationDefault)) {
-    TQUtils::forDefaultLog(ZKPlistNotificationDefault, "productionRules for %@: %@", *name,
-                           theGrammar());
-  } else if (auto tree = _file ? _file->putAway() : nullptr) {
-    if (_grammar) _grammar->letGo(std::move(tree), _compiled->rulesLeftToObjects());
-  }
+  const bool isTraced = TQUtils::isWantedForDefault(ZKPlistNotificationDefault);
+  _compiled = _file ? CompiledGrammar::initFromFile(*_file, *name, isTraced) : nullptr;
+  if (!isTraced) return;
+  TQUtils::forDefaultLog(ZKPlistNotificationDefault, "productionRules for %@: %@", *name,
+                         theGrammar());
 }
 
 const Value& Parser::grammarsPlist() const {
@@ -66,7 +59,7 @@ const Value& Parser::grammarsPlist() const {
 
 const std::shared_ptr<GrammarPart>& Parser::theGrammar() const {
   static const std::shared_ptr<GrammarPart> kNone;
-  return _grammar ? _grammar->root() : kNone;
+  return _compiled ? _compiled->root() : kNone;
 }
 
 std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedToStrings(

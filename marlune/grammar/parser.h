@@ -16,7 +16,6 @@ namespace marlune {
 
 class CompiledGrammar;
 class GrammarFile;
-class GrammarObjects;
 
 // The rewriting grammar as an app uses it: one grammar of a grammar file, made ready; words in,
 // rewritten words out. A file is read once in a process; all parsers on it share its tree, into
@@ -66,7 +65,7 @@ class Parser {
   // otherwise, hasGrammar() tells for nothing.
   const Value& grammarsPlist() const;
   const std::shared_ptr<GrammarPart>& theGrammar() const;
-  bool hasGrammar() const { return _grammar != nullptr; }
+  bool hasGrammar() const { return _compiled != nullptr; }
 
  private:
   Parser();
@@ -75,8 +74,7 @@ class Parser {
 
   GrammarFile* _file = nullptr;  // the process's; null when it cannot be read
   bool _debugging = false;
-  std::shared_ptr<GrammarObjects> _grammar;
-  std::unique_ptr<CompiledGrammar> _compiled;  // of the grammar; works for it while no trace is on
+  std::unique_ptr<CompiledGrammar> _compiled;  // null without a grammar
 };
 
 }  // namespace marlune

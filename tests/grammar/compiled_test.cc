@@ -14,6 +14,8 @@
 
 #include "marlune/grammar/compiled_agenda.h"
 #include "marlune/grammar/compiled_grammar.h"
+#include "marlune/grammar/grammar_file.h"
+#include "marlune/grammar/packed_list.h"
 #include "marlune/grammar/parser.h"
 #include "marlune/grammar/simple_slot.h"
 #include "marlune/grammar/simple_slot_sequence.h"
@@ -50,17 +52,15 @@ std::string detailed(const SimpleSlotSequence& phrase, const SlotArray& input) {
 
 class CompiledTest : public PlatformFixture {
  protected:
-  // The part under "Main" of a file whose inserts are still to be carried out, and compiled: from
-  // objects of its own, which are let go. REQUIRES: nobody else holds the file or what is in it.
-  void compile(const Value& file) {
-    while (Parser::insertStatementsFromOriginal(file, file)) {
+  // The part under "Main" of a file whose inserts are still to be carried out, and compiled, the
+  // file being put away. REQUIRES: nobody else holds anything in the file.
+  void compile(Value tree) {
+    while (Parser::insertStatementsFromOriginal(tree, tree)) {
     }
-    root = GrammarPart::instanceFromPlist(file.asDictionary()->valueForKey("Main"));
-    const auto objects = GrammarObjects::initFromPlist(file, "Main");
-    compiled = CompiledGrammar::compile(objects);
-    auto packed = PackedList::pack(file);
-    ASSERT_NE(packed, nullptr);
-    objects->letGo(std::move(packed), compiled->rulesLeftToObjects());
+    root = GrammarPart::instanceFromPlist(tree.asDictionary()->valueForKey("Main"));
+    GrammarFile file(std::move(tree));
+    compiled = CompiledGrammar::initFromFile(file, "Main", /*isTraced=*/false);
+    ASSERT_NE(file.putAway(), nullptr);
   }
 
   // The result for words, compared with the tree's in every detail and in the lines written.
@@ -161,8 +161,8 @@ TEST_F(CompiledTest, DeepRepetitionsGiveWhatThePlainRecursionGives) {
   for (std::uint32_t seed = 1; seed <= grammars; ++seed) {
     RandomRepetitions random(seed);
     const Value file = random.rule();
-    compile(file);
     reference::Grammar reference(file, "Main");
+    compile(PackedList::pack(file)->unpacked());
     reference.mostSteps = 3000;
     for (int i = 0; i < 4; ++i) {
       const Words words = random.phrase();
