@@ -10,6 +10,7 @@ readonly clang_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=("${clang_packages[@]}" llvm binutils)
 readonly arm_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user-static googletest)
 readonly package_packages=(dpkg-dev file)
+readonly docs_packages=(doxygen)
 readonly check_packages=(clang-format clang-tidy mandoc)
 
 # One core fewer would leave the machine idle; more jobs than cores make it swap.
