@@ -51,7 +51,7 @@ Decomposer::Decomposer(std::string_view directory, std::shared_ptr<const Resourc
   if (_bundle) paths = _bundle->pathsForResourcesOfType("aif", directory);
   _availableSoundFiles.reserve(paths.size());
   for (const std::string& path : paths) _availableSoundFiles.push_back(nameOfRecording(path));
-  for (const std::string& name : _availableSoundFiles) _memo->addRecording(name);
+  _memo->addRecordings(_availableSoundFiles);
   TQUtils::forDefaultLog(ZKPlistNotificationDefault, "available sound files from '%@': %@", paths,
                          _availableSoundFiles);
 }

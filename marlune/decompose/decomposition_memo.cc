@@ -1,6 +1,7 @@
 #include "marlune/decompose/decomposition_memo.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -11,19 +12,54 @@ namespace marlune {
 
 namespace {
 
+// Asks for memory that will be read soon.
+void prefetch([[maybe_unused]] const void* memory) {
+#if defined(__GNUC__)
+  __builtin_prefetch(memory);
+#endif
+}
+
 constexpr std::size_t kTextBlock = std::size_t{16} * 1024;
 
-template <typename Number>
-Number checked(std::size_t number) {
-  if (number > std::numeric_limits<Number>::max()) throw std::length_error("DecompositionMemo");
-  return static_cast<Number>(number);
+// Appends `key` without what stands between "[" and "]", and without these; no more than `limit`
+// bytes of it. Whether it ended within the limit.
+bool appendWithoutBrackets(std::string& text, std::string_view key, std::size_t limit) {
+  bool inside = false;
+  for (const char c : key) {
+    if (c == '[' || c == ']') {
+      inside = c == '[';
+    } else if (!inside) {
+      if (text.size() == limit) return false;
+      text.push_back(c);
+    }
+  }
+  return true;
 }
+
+std::uint32_t checked(std::size_t number, std::size_t most) {
+  if (number > most) throw std::length_error("DecompositionMemo");
+  return static_cast<std::uint32_t>(number);
+}
+
+constexpr std::size_t kMostEntries = std::numeric_limits<DecompositionMemo::Id>::max();
+constexpr std::size_t kMostText = std::numeric_limits<std::uint32_t>::max();
 
 }  // namespace
 
-void DecompositionMemo::addRecording(std::string_view name) {
-  _entry(findOrAdd({name, key_hash::ofText(name)})).isRecording = true;
-  _longestRecording = std::max(_longestRecording, name.size());
+void DecompositionMemo::addRecordings(std::span<const std::string> names) {
+  _makeRoomFor(2 * names.size());
+  for (const std::string& name : names) {
+    _entry(findOrAdd({name, key_hash::ofText(name)})).isRecording = true;
+    _longestRecording = std::max(_longestRecording, name.size());
+  }
+}
+
+DecompositionMemo::Id DecompositionMemo::recordingWithoutBrackets(std::string_view key) {
+  _stripped.clear();
+  if (!appendWithoutBrackets(_stripped, key, _longestRecording)) return 0;
+  if (_stripped.size() == key.size()) return 0;  // no bracket in it
+  const Id id = find({_stripped, key_hash::ofText(_stripped)});
+  return isRecording(id) ? id : 0;
 }
 
 std::uint32_t DecompositionMemo::_tag(std::uint64_t hash) {
@@ -31,13 +67,12 @@ std::uint32_t DecompositionMemo::_tag(std::uint64_t hash) {
   return static_cast<std::uint32_t>((hash * 0xd6e8feb86659fd93u) >> 32);
 }
 
-std::size_t DecompositionMemo::_slotOf(const Key& key) const {
-  const std::uint32_t tag = _tag(key.hash);
+std::size_t DecompositionMemo::_slotOf(std::string_view key, std::uint32_t tag) const {
   const std::size_t mask = _slots.size() - 1;
   for (std::size_t at = tag & mask;; at = (at + 1) & mask) {
     const Slot& slot = _slots[at];
     if (slot.id == 0) return at;
-    if (slot.tag == tag && text(slot.id) == key.text) return at;
+    if (slot.tag == tag && text(slot.id) == key) return at;
   }
 }
 
@@ -46,36 +81,60 @@ DecompositionMemo::Id DecompositionMemo::find(const Key& key) const {
 }
 
 DecompositionMemo::Id DecompositionMemo::findOrAdd(const Key& key) {
-  std::size_t at = _slotOf(key);
-  if (_slots[at].id != 0) return _slots[at].id;
-  if (3 * (_used + 1) > 2 * _slots.size()) {
-    _grow();
-    at = _slotOf(key);
+  _makeRoomFor(1);
+  const std::size_t at = _slotOf(key);
+  return _slots[at].id != 0 ? _slots[at].id : _addAt(at, key.text, _tag(key.hash));
+}
+
+void DecompositionMemo::findOrAdd(std::span<const Key> keys, Id* ids) {
+  _makeRoomFor(keys.size());
+  const std::size_t mask = _slots.size() - 1;
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const std::uint32_t tag = _tag(keys[i].hash);
+    prefetch(&_slots[tag & mask]);
+    ids[i] = tag;  // until the second round
   }
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const std::uint32_t tag = ids[i];
+    const std::size_t at = _slotOf(keys[i].text, tag);
+    ids[i] = _slots[at].id != 0 ? _slots[at].id : _addAt(at, keys[i].text, tag);
+  }
+}
+
+DecompositionMemo::Id DecompositionMemo::_addAt(std::size_t slot, std::string_view text,
+                                                std::uint32_t tag) {
   Entry entry;
-  entry.text = key.text.data();
-  entry.length = checked<std::uint32_t>(key.text.size());
+  entry.text = text.data();
+  entry.length = checked(text.size(), kMostText);
   const Id id = _add(entry);
-  _slots[at] = {_tag(key.hash), id};
+  _slots[slot] = {tag, id};
   ++_used;
   return id;
 }
 
 DecompositionMemo::Id DecompositionMemo::_add(const Entry& entry) {
-  const Id id = checked<Id>(_entryCount);
+  const Id id = checked(_entryCount, kMostEntries);
   if (id / kBlock == _blocks.size()) _blocks.push_back(std::make_unique<Entry[]>(kBlock));
   _entry(id) = entry;
   ++_entryCount;
   return id;
 }
 
-void DecompositionMemo::_grow() {
-  std::vector<Slot> slots(2 * _slots.size());
+void DecompositionMemo::_makeRoomFor(std::size_t keys) {
+  if (2 * (_used + keys) <= _slots.size()) [[likely]]
+    return;
+  std::vector<Slot> slots(std::bit_ceil(2 * (_used + keys)));
+  // The used ones are moved together first: whether a slot is used is anybody's guess.
+  std::size_t used = 0;
   for (const Slot& slot : _slots) {
-    if (slot.id == 0) continue;
-    std::size_t at = slot.tag & (slots.size() - 1);
-    while (slots[at].id != 0) at = (at + 1) & (slots.size() - 1);
-    slots[at] = slot;
+    _slots[used] = slot;
+    used += slot.id != 0;
+  }
+  const std::size_t mask = slots.size() - 1;
+  for (std::size_t i = 0; i < used; ++i) {
+    std::size_t at = _slots[i].tag & mask;
+    while (slots[at].id != 0) at = (at + 1) & mask;
+    slots[at] = _slots[i];
   }
   _slots = std::move(slots);
 }
@@ -95,45 +154,28 @@ const char* DecompositionMemo::keep(std::string_view text) {
 }
 
 DecompositionMemo::Id DecompositionMemo::rememberFailure(Id id, const Key& key) {
-  Entry answer;
-  answer.state = State::failed;
-  return _remember(id, key, answer);
+  return _remember(id, key, _answer(State::failed));
 }
 
 DecompositionMemo::Id DecompositionMemo::rememberRecording(Id id, const Key& key, Id recording) {
-  Entry answer;
-  answer.state = State::recorded;
-  answer.fileCount = 1;
-  answer.first = recording;
-  return _remember(id, key, answer);
+  return _remember(id, key, _answer(State::recorded, 1, recording));
 }
 
 DecompositionMemo::Id DecompositionMemo::rememberSplit(Id id, const Key& key, Id first, Id second) {
-  Entry answer;
-  answer.state = State::split;
-  answer.fileCount = fileCount(first) + fileCount(second);
-  answer.first = first;
-  answer.second = second;
-  return _remember(id, key, answer);
+  const std::size_t files = std::size_t{fileCount(first)} + fileCount(second);
+  return _remember(id, key, _answer(State::split, checked(files, kMostFiles), first, second));
 }
 
 DecompositionMemo::Id DecompositionMemo::rememberGiven(Id id, const Key& key, Decomposition files) {
-  Entry answer;
-  answer.state = State::given;
-  answer.fileCount = checked<std::uint32_t>(files->size());
-  answer.list = checked<std::uint32_t>(_lists.size());
-  _lists.push_back(std::move(files));
-  return _remember(id, key, answer);
+  const std::uint32_t count = checked(files->size(), kMostFiles);
+  const Id place = checked(_given.size(), kMostEntries);
+  _given.push_back(std::move(files));
+  return _remember(id, key, _answer(State::given, count, place));
 }
 
 DecompositionMemo::Id DecompositionMemo::_remember(Id id, const Key& key, const Entry& answer) {
-  Entry& entry = _entry(id);
-  if (entry.state != State::open) return _supersede(key, answer);
-  entry.fileCount = answer.fileCount;
-  entry.first = answer.first;
-  entry.second = answer.second;
-  entry.list = answer.list;
-  entry.state = answer.state;
+  if (state(id) != State::open) return _supersede(key, answer);
+  _setAnswer(_entry(id), answer);
   return id;
 }
 
@@ -142,15 +184,12 @@ DecompositionMemo::Id DecompositionMemo::_supersede(const Key& key, const Entry&
   const std::size_t at = _slotOf(key);
   const Id earlier = _slots[at].id;
   Entry entry = _entry(earlier);
-  const bool bothFail = entry.state == State::failed && answer.state == State::failed;
-  const bool bothSay = entry.state != State::failed && answer.state != State::failed;
-  if (bothFail || (bothSay && _files(entry) == _files(answer))) return earlier;
+  const bool wasSaid = state(earlier) != State::failed;
+  const bool isSaid = answer.state != static_cast<std::uint32_t>(State::failed);
+  if (wasSaid == isSaid && (!isSaid || _files(entry) == _files(answer))) return earlier;
 
-  entry.fileCount = answer.fileCount;
-  entry.first = answer.first;
-  entry.second = answer.second;
-  entry.list = answer.list;
-  entry.state = answer.state;
+  _setAnswer(entry, answer);
+  _superseded.reserve(_superseded.size() + 1);
   const Id id = _add(entry);
   _slots[at].id = id;
   _superseded.push_back(earlier);
@@ -164,26 +203,30 @@ std::vector<std::string> DecompositionMemo::_files(const Entry& answer) const {
   while (!pending.empty()) {
     const Entry& entry = *pending.back();
     pending.pop_back();
-    if (entry.list != 0) {
-      files.insert(files.end(), _lists[entry.list]->begin(), _lists[entry.list]->end());
-    } else if (entry.state == State::recorded) {
-      files.emplace_back(text(entry.first));
-    } else {
-      pending.push_back(&_entry(entry.second));
-      pending.push_back(&_entry(entry.first));
+    switch (static_cast<State>(entry.state)) {
+      case State::given: {
+        const std::vector<std::string>& given = *_given[entry.first];
+        files.insert(files.end(), given.begin(), given.end());
+        break;
+      }
+      case State::recorded:
+        files.emplace_back(text(entry.first));
+        break;
+      default:
+        pending.push_back(&_entry(entry.second));
+        pending.push_back(&_entry(entry.first));
     }
   }
   return files;
 }
 
-const Decomposition& DecompositionMemo::decomposition(Id id) {
-  Entry& entry = _entry(id);
-  if (entry.list == 0 && entry.state != State::failed) {
-    const std::uint32_t list = checked<std::uint32_t>(_lists.size());
-    _lists.push_back(std::make_shared<const std::vector<std::string>>(_files(entry)));
-    entry.list = list;
-  }
-  return _lists[entry.list];
+Decomposition DecompositionMemo::decomposition(Id id) {
+  const Entry& entry = _entry(id);
+  if (state(id) == State::failed) return nullptr;
+  if (state(id) == State::given) return _given[entry.first];
+  Decomposition& files = _handedOut[id];
+  if (!files) files = std::make_shared<const std::vector<std::string>>(_files(entry));
+  return files;
 }
 
 void DecompositionMemo::forEachRemembered(

@@ -47,17 +47,26 @@ char* appendWord(char* to, std::string_view word) {
   return to;
 }
 
+bool isPlain(std::string_view word) {
+  return !word.empty() && word[0] != '[' && word.find_first_of(" _") == std::string_view::npos;
+}
+
 // Most words are short and without any mark; they are one piece, copied and hashed in one go.
-char* appendAndRead(char* to, const std::string& word, key_hash::Reader& reader) {
+// Gives up `plain` where the word is not.
+char* appendAndRead(char* to, const std::string& word, key_hash::Reader& reader, bool& plain) {
   if (word.size() <= kShort) {
     const key_hash::Bytes bytes = key_hash::loadShort(word.data(), word.size());
     if (!hasMark(bytes.first) && !hasMark(bytes.last)) [[likely]] {
-      if (word.empty()) return to;
+      if (word.empty()) {
+        plain = false;
+        return to;
+      }
       copyShort(to, word.data(), word.size());
       reader.addPiece(word.data(), word.size());
       return to + word.size();
     }
   }
+  plain = plain && isPlain(word);
   char* const end = appendWord(to, word);
   reader.addText({to, static_cast<std::size_t>(end - to)});
   return end;
@@ -75,6 +84,7 @@ void JoinedKey::_makeRoomFor(std::span<const std::string> words) {
 void JoinedKey::join(std::span<const std::string> words) {
   _makeRoomFor(words);
   key_hash::Reader reader;
+  _isPlain = true;
   char* const begin = _text.data();
   char* end = begin;
   Word* next = _words.data();
@@ -87,7 +97,7 @@ void JoinedKey::join(std::span<const std::string> words) {
     next->begin = static_cast<std::size_t>(end - begin);
     next->hashAtBegin = reader.hash;
     next->piecesAtBegin = reader.pieces;
-    end = appendAndRead(end, word, reader);
+    end = appendAndRead(end, word, reader, _isPlain);
     next->end = static_cast<std::size_t>(end - begin);
     next->hashAtEnd = reader.hash;
     next->piecesAtEnd = reader.pieces;

@@ -24,6 +24,12 @@ class JoinedKey {
   std::string_view text() const { return {_text.data(), _size}; }
   std::uint64_t hash() const { return _hash; }
 
+  // Whether the key tells which words it is of: none is empty, holds " " or "_" or begins with "[".
+  bool isPlain() const { return _isPlain; }
+  bool hasBrackets() const {
+    return text().find('[') != std::string_view::npos || text().find(']') != std::string_view::npos;
+  }
+
   // The rest speaks of the stretch [from, to) of words, counted from 0. REQUIRES: from < to, and
   // for `hash` that `prepareSlices` was called after `join`.
   void prepareSlices();
@@ -54,6 +60,7 @@ class JoinedKey {
   std::size_t _size = 0;
   std::uint64_t _hash = 0;
   std::uint32_t _pieces = 0;
+  bool _isPlain = true;
   std::vector<Word> _words;
   std::vector<std::uint64_t> _powers;  // of the hash's base
 };

@@ -18,24 +18,11 @@ constexpr std::int32_t kNotReached = -(1 << 30);
 
 constexpr std::size_t kCellsWorthKeeping = 1 << 16;
 
-// Appends `key` without what stands between "[" and "]", and without these; no more than `limit`
-// bytes of it. Whether it ended within the limit.
-bool appendWithoutBrackets(std::string& text, std::string_view key, std::size_t limit) {
-  bool inside = false;
-  for (const char c : key) {
-    if (c == '[' || c == ']') {
-      inside = c == '[';
-    } else if (!inside) {
-      if (text.size() == limit) return false;
-      text.push_back(c);
-    }
-  }
-  return true;
-}
-
 }  // namespace
 
-bool SplitSearch::isWorthKeeping() const { return _idsByBegin.capacity() <= kCellsWorthKeeping; }
+bool SplitSearch::isWorthKeeping() const {
+  return _idsByBegin.capacity() <= kCellsWorthKeeping && _sweep.isWorthKeeping();
+}
 
 DecompositionMemo::Id SplitSearch::run(std::span<const std::string> words, JoinedKey& key,
                                        bool isSubsetOfWhole) {
@@ -57,15 +44,28 @@ DecompositionMemo::Id SplitSearch::_run(std::span<const std::string> words, bool
     id = _memo.findOrAdd(whole);
   }
   _text = _memo.text(id).data();
-  _hasBrackets = whole.text.find_first_of("[]") != std::string_view::npos;
+  _hasBrackets = _key.hasBrackets();
 
   _answer = _answerWithoutSplit(0, words.size(), id, isSubsetOfWhole);
   if (_answer != 0) return _answer;
   _key.prepareSlices();
+  if (_isUnwatched(id)) {
+    _sweep.run(_key, _text, words.size(), id);
+    _decomposer._countCalls(_sweep.calls());
+    return id;
+  }
   _makeTables();
   _search(0, words.size(), id);
   while (!_frames.empty()) _callOrFinish();
   return _answer;
+}
+
+// Whether nobody can tell the order of the calls. A delegate that is no more may have had the
+// phrase answered before it went.
+bool SplitSearch::_isUnwatched(Id whole) const {
+  return _key.isPlain() && _words.size() <= StretchSweep::kMostWords && !_decomposer._debugging &&
+         _decomposer._delegate.expired() && _memo.state(whole) == DecompositionMemo::State::open &&
+         !TQUtils::isWantedForDefault(ZKPlistNotificationDefault);
 }
 
 DecompositionMemo::Key SplitSearch::_keyOf(std::size_t from, std::size_t to) const {
@@ -88,7 +88,7 @@ DecompositionMemo::Id SplitSearch::_answerWithoutSplit(std::size_t from, std::si
   }
   if (_memo.isRecording(id)) return _memo.rememberRecording(id, key, id);
   if (_hasBrackets) {
-    const Id recording = _recordingWithoutBrackets(key.text);
+    const Id recording = _memo.recordingWithoutBrackets(key.text);
     if (recording != 0) return _memo.rememberRecording(id, key, recording);
   }
   return count <= 1 ? _memo.rememberFailure(id, key) : 0;
@@ -108,14 +108,6 @@ DecompositionMemo::Id SplitSearch::_answerFromDelegate(const DecompositionMemo::
 bool SplitSearch::_isRecordedWord(const std::string& word, Id id) const {
   if (word == _memo.text(id)) return _memo.isRecording(id);
   return _memo.isRecording(_memo.find({word, key_hash::ofText(word)}));
-}
-
-DecompositionMemo::Id SplitSearch::_recordingWithoutBrackets(std::string_view key) {
-  _stripped.clear();
-  if (!appendWithoutBrackets(_stripped, key, _memo.longestRecording())) return 0;
-  if (_stripped.size() == key.size()) return 0;  // no bracket in it
-  const Id id = _memo.find({_stripped, key_hash::ofText(_stripped)});
-  return _memo.isRecording(id) ? id : 0;
 }
 
 void SplitSearch::_makeTables() {

@@ -10,22 +10,24 @@
 
 #include "marlune/decompose/decomposition_memo.h"
 #include "marlune/decompose/joined_key.h"
+#include "marlune/decompose/stretch_sweep.h"
 
 namespace marlune {
 
 class Decomposer;
 
-// The work on one phrase that the memo does not know. It does what the plain recursion does (ask
-// the worker for both halves of every split, from left to right, and keep the last of the
-// shortest answers), with the same calls counted and the same questions and lines in the same
-// order, but makes a call only where it would reach a stretch for the first time.
+// The work on one phrase that the memo does not know. Mostly a StretchSweep does it. Where the
+// order of calls can be told, this does what the plain recursion does (ask the worker for both
+// halves of every split, from left to right, and keep the last of the shortest answers), with the
+// same calls counted and the same questions and lines in the same order, but makes a call only
+// where it would reach a stretch for the first time.
 //
 // Stretches [from, to) of words are looked up once each; after that their file counts stand in two
 // tables, by first word and by last, so that the splits of a stretch are two runs of numbers.
 class SplitSearch {
  public:
   SplitSearch(Decomposer& decomposer, DecompositionMemo& memo)
-      : _decomposer(decomposer), _memo(memo) {}
+      : _decomposer(decomposer), _memo(memo), _sweep(memo) {}
 
   // The entry that answers `words`; `key` is their key, and is exchanged for another, worn-out one.
   // REQUIRES: the call for the whole is already counted, and the memo was asked for it in vain.
@@ -48,11 +50,11 @@ class SplitSearch {
   };
 
   DecompositionMemo::Id _run(std::span<const std::string> words, bool isSubsetOfWhole);
+  bool _isUnwatched(Id whole) const;
   DecompositionMemo::Key _keyOf(std::size_t from, std::size_t to) const;
   Id _answerWithoutSplit(std::size_t from, std::size_t to, Id id, bool isSubsetOfWhole);
   Id _answerFromDelegate(const DecompositionMemo::Key& key, Id id, bool isSubsetOfWhole);
   bool _isRecordedWord(const std::string& word, Id id) const;
-  Id _recordingWithoutBrackets(std::string_view key);
 
   void _makeTables();
   void _open(std::size_t from, std::size_t to);
@@ -72,6 +74,7 @@ class SplitSearch {
 
   Decomposer& _decomposer;
   DecompositionMemo& _memo;
+  StretchSweep _sweep;
   std::span<const std::string> _words;
   JoinedKey _key;
   const char* _text = nullptr;  // the key's, where the memo keeps it
@@ -82,7 +85,6 @@ class SplitSearch {
   std::vector<Id> _idsByBegin;
   std::vector<Frame> _frames;
   std::size_t _supersededSeen = 0;
-  std::string _stripped;
 };
 
 }  // namespace marlune

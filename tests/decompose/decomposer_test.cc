@@ -221,6 +221,23 @@ TEST_F(DecomposerTest, ADelegateMayReenter) {
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"b", "c"})), "<x><y>");
 }
 
+TEST_F(DecomposerTest, ASearchGoesOnAfterADelegateThatAnsweredItselfAndWent) {
+  preferences->set(ZKPlistNotificationDefault, Value::boolean(false));
+  const auto decomposer = decomposerWith({"a", "b"});
+  bool isInner = false;
+  std::shared_ptr<DecomposerOverrides> delegate =
+      std::make_shared<FunctionDelegate>([&](Decomposer& asking, const std::string&, bool) {
+        if (isInner) return list({"x"});
+        isInner = true;
+        EXPECT_EQ(shown(asking.optimalDecompositionOf({"a", "b"})), "<x>");
+        delegate.reset();
+        return Decomposition();
+      });
+  decomposer->setDelegate(delegate);
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<a><b>");
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<a><b>");
+}
+
 TEST_F(DecomposerTest, ADelegateThatThrowsLeavesNoAnswerBehind) {
   const auto decomposer = decomposerWith({"a", "b"});
   const auto delegate = std::make_shared<FunctionDelegate>(
