@@ -71,11 +71,22 @@ Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>*
 Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>& words,
                                                  bool isSubsetOfWhole) {
   _countCalls(1);
+  _forgetSuperseded();
+  if (const Decomposition* const files = _phrases.find(words)) return *files;
   _key.join(words);
   DecompositionMemo::Id id = _memo->find({_key.text(), _key.hash()});
   const bool isRemembered = id != 0 && _memo->state(id) != DecompositionMemo::State::open;
   if (!isRemembered) id = _search(words, isSubsetOfWhole);
-  return _memo->decomposition(id);
+  const Decomposition files = _memo->decomposition(id);
+  _phrases.add(words, files);
+  return files;
+}
+
+// Which phrases are said otherwise now is not known here.
+void Decomposer::_forgetSuperseded() {
+  if (_memo->superseded().size() == _supersededSeen) return;
+  _phrases.clear();
+  _supersededSeen = _memo->superseded().size();
 }
 
 // A delegate may ask this decomposer while it is being asked; that inner question then finds no

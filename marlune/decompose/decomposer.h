@@ -13,6 +13,7 @@
 #include "marlune/decompose/decomposer_overrides.h"
 #include "marlune/decompose/decomposition.h"
 #include "marlune/decompose/joined_key.h"
+#include "marlune/decompose/phrase_memo.h"
 #include "marlune/platform/resource_bundle.h"
 
 namespace marlune {
@@ -73,11 +74,14 @@ class Decomposer {
   Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle);
 
   void _countCalls(std::size_t calls);
+  void _forgetSuperseded();
   std::uint32_t _search(std::span<const std::string> words, bool isSubsetOfWhole);
 
   std::vector<std::string> _availableSoundFiles;
   std::shared_ptr<const ResourceBundle> _bundle;
   std::unique_ptr<DecompositionMemo> _memo;
+  PhraseMemo _phrases;                       // the memo's answers once more
+  std::size_t _supersededSeen = 0;           // of the memo's, when the phrases were last right
   JoinedKey _key;                            // of the phrase being looked up
   std::unique_ptr<SplitSearch> _idleSearch;  // kept for its tables; null while it is at work
   std::weak_ptr<DecomposerOverrides> _delegate;

@@ -153,6 +153,35 @@ TEST_F(DecomposerTest, HandsOutTheSameListFromTheSecondTimeOn) {
   EXPECT_EQ(decomposer->optimalDecompositionOf(words), decomposer->optimalDecompositionOf(words));
 }
 
+// Phrases that have much in common, down to their bytes, each with a recording of its own.
+TEST_F(DecomposerTest, TellsRememberedPhrasesApart) {
+  using namespace std::string_literals;
+  const std::vector<Words> phrases{{"a"},
+                                   {"a\0"s},
+                                   {"a", ""},
+                                   {"", "a"},
+                                   {"ab", "c"},
+                                   {"a", "bc"},
+                                   {"abcdefg"},
+                                   {"abcdefgh"},
+                                   {"abcdefg", "h"},
+                                   {"abcdefghijklmnop"},
+                                   {"abcdefgh", ""},
+                                   {"abcdefgh\0"s},
+                                   {"aaaaaaaaa"},
+                                   {"aaaaaaaaaa"},
+                                   {"a", "a", "a", "a"},
+                                   {"\xff\xff\xff\xff\xff\xff\xff"}};
+  Words files;
+  for (const Words& phrase : phrases) files.push_back(decompositionKey(phrase));
+  const auto decomposer = decomposerWith(files);
+  for (int round = 0; round < 2; ++round) {
+    for (std::size_t i = 0; i < phrases.size(); ++i) {
+      EXPECT_EQ(shown(decomposer->optimalDecompositionOf(phrases[i])), "<" + files[i] + ">") << i;
+    }
+  }
+}
+
 TEST_F(DecomposerTest, TheDelegateGoesBeforeAnyRecordingAndIsFinal) {
   const auto decomposer = decomposerWith({"w", "x_y", "a_b"});
   const auto delegate = DecomposerDelegate::initWithWholeOverrides(
