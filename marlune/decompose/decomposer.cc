@@ -47,11 +47,17 @@ std::unique_ptr<Decomposer> Decomposer::initWithDirectory(
 
 Decomposer::Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle)
     : _bundle(std::move(bundle)), _memo(std::make_unique<DecompositionMemo>()) {
+  _readRecordings(directory);
+  // Not before the paths are given back: what the allocator makes of so many small pieces it does
+  // here, and not when the first phrase asks for a large one.
+  _memo->addRecordings(_availableSoundFiles);
+}
+
+void Decomposer::_readRecordings(std::string_view directory) {
   std::vector<std::string> paths;
   if (_bundle) paths = _bundle->pathsForResourcesOfType("aif", directory);
   _availableSoundFiles.reserve(paths.size());
   for (const std::string& path : paths) _availableSoundFiles.push_back(nameOfRecording(path));
-  _memo->addRecordings(_availableSoundFiles);
   TQUtils::forDefaultLog(ZKPlistNotificationDefault, "available sound files from '%@': %@", paths,
                          _availableSoundFiles);
 }

@@ -73,6 +73,7 @@ class Decomposer {
 
   Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle);
 
+  void _readRecordings(std::string_view directory);
   void _countCalls(std::size_t calls);
   void _forgetSuperseded();
   std::uint32_t _search(std::span<const std::string> words, bool isSubsetOfWhole);

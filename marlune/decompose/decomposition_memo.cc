@@ -48,6 +48,7 @@ constexpr std::size_t kMostText = std::numeric_limits<std::uint32_t>::max();
 
 void DecompositionMemo::addRecordings(std::span<const std::string> names) {
   _makeRoomFor(2 * names.size());
+  _makeTextBlock(kTextBlock);
   for (const std::string& name : names) {
     _entry(findOrAdd({name, key_hash::ofText(name)})).isRecording = true;
     _longestRecording = std::max(_longestRecording, name.size());
@@ -139,13 +140,14 @@ void DecompositionMemo::_makeRoomFor(std::size_t keys) {
   _slots = std::move(slots);
 }
 
+void DecompositionMemo::_makeTextBlock(std::size_t size) {
+  _texts.push_back(std::make_unique<char[]>(size));
+  _freeText = _texts.back().get();
+  _freeTextSize = size;  // not before there is such a block
+}
+
 const char* DecompositionMemo::keep(std::string_view text) {
-  if (text.size() > _freeTextSize) {
-    const std::size_t size = std::max(text.size(), kTextBlock);
-    _texts.push_back(std::make_unique<char[]>(size));
-    _freeText = _texts.back().get();
-    _freeTextSize = size;  // not before there is such a block
-  }
+  if (text.size() > _freeTextSize) _makeTextBlock(std::max(text.size(), kTextBlock));
   char* const kept = _freeText;
   if (!text.empty()) std::memcpy(kept, text.data(), text.size());
   _freeText += text.size();

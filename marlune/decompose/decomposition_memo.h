@@ -118,6 +118,7 @@ class DecompositionMemo {
   std::size_t _slotOf(const Key& key) const { return _slotOf(key.text, _tag(key.hash)); }
   Id _addAt(std::size_t slot, std::string_view text, std::uint32_t tag);
   void _makeRoomFor(std::size_t keys);
+  void _makeTextBlock(std::size_t size);
   static Entry _answer(State state, std::uint32_t files = 0, Id first = 0, Id second = 0) {
     Entry answer;
     answer.first = first;
