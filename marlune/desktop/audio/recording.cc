@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 namespace marlune {
 
@@ -14,6 +13,8 @@ constexpr int kMinSampleRate = 4'000;
 constexpr int kMaxSampleRate = 384'000;
 constexpr int kMaxChannels = 8;
 constexpr sf_count_t kMaxFramesPerByte = 16;  // more than any encoding of an AIFF file packs
+
+constexpr float kLoudest = 1e6f;  // full scale is 1
 
 // Looked at here so that nothing else ever reaches the library's readers of other formats.
 bool isAiff(BufferedFile& file) {
@@ -66,9 +67,10 @@ std::size_t Recording::read(float* frames, std::size_t count) {
   const sf_count_t done = sf_readf_float(_sound.get(), frames, static_cast<sf_count_t>(count));
   if (done <= 0) return 0;
   const auto samples = static_cast<std::size_t>(done) * static_cast<std::size_t>(_format.channels);
-  // A float encoding can hold anything, and one "not a number" would silence a resampler for good.
+  // A float encoding can hold anything, and one "not a number" would silence a resampler for good,
+  // as would numbers whose sum is infinite.
   std::transform(frames, frames + samples, frames, [](float value) {
-    return std::fabs(value) <= std::numeric_limits<float>::max() ? value : 0.0f;
+    return std::isfinite(value) ? std::clamp(value, -kLoudest, kLoudest) : 0.0f;
   });
   return static_cast<std::size_t>(done);
 }
