@@ -207,6 +207,16 @@ TEST_F(DecomposerTest, ASplitNeverHasMoreFilesThanWords) {
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "d"})), "<1><2>");
 }
 
+// "[x] b" alone takes more files than words; behind an empty word, which leaves no trace in the
+// key, it does not. What is asked for the key from then on gets that answer.
+TEST_F(DecomposerTest, AKeyThatComesAgainIsAnsweredByTheLastAnswer) {
+  const auto decomposer = decomposerWith({"a", "b"});
+  const auto delegate = DecomposerDelegate::initWithWholeOverrides(
+      {}, {{"[x]", {"1", "2"}}, {"a_", {"3"}}, {"a_[x]", Words(9, "long")}});
+  decomposer->setDelegate(delegate);
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "", "[x]", "b"})), "<3><1><2><b>");
+}
+
 TEST_F(DecomposerTest, CountsEveryCallOfThePlainRecursion) {
   const auto decomposer = decomposerWith({"a", "b"});
   decomposer->_setDebugging(true);
