@@ -35,19 +35,42 @@ function(marlune_limit_exports target)
     return()
   endif()
   set(map ${PROJECT_SOURCE_DIR}/cmake/marlune.map)
-  target_link_options(${target} PRIVATE -Wl,--version-script=${map})
+  target_link_options(${target} PRIVATE -Wl,--version-script=${map}
+    $<$<CONFIG:Release>:-Wl,-Bsymbolic-functions,-z,noseparate-code,--gc-sections>)
   if(NOT MARLUNE_SANITIZE)
     target_link_options(${target} PRIVATE -Wl,--no-undefined)
   endif()
   set_target_properties(${target} PROPERTIES LINK_DEPENDS ${map})
 endfunction()
 
+# A release is to be small where its speed does not matter: the core is compiled for size, but for
+# the sources that work for every phrase. Of these the `warm` ones are compiled with less zeal: they
+# drive the `hot` ones. `internal` ones define nothing that a client calls, so that a shared library
+# need not name what they define.
+function(marlune_shrink_release target)
+  cmake_parse_arguments(SHRINK "" "" "HOT;WARM;INTERNAL" ${ARGN})
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    return()
+  endif()
+  target_compile_options(${target} PRIVATE
+    "$<$<CONFIG:Release>:-Os;-ffunction-sections;-fdata-sections;-fvisibility-inlines-hidden>")
+  set_property(SOURCE ${SHRINK_HOT} APPEND PROPERTY
+    COMPILE_OPTIONS "$<$<CONFIG:Release>:-O3>")
+  set_property(SOURCE ${SHRINK_WARM} APPEND PROPERTY
+    COMPILE_OPTIONS "$<$<CONFIG:Release>:-O2>")
+  set_property(SOURCE ${SHRINK_INTERNAL} APPEND PROPERTY
+    COMPILE_OPTIONS "$<$<CONFIG:Release>:-fvisibility=hidden>")
+endfunction()
+
 # A room of the core: an object library of its own, so that a test can link the rooms it needs and
-# an upward call shows at the link. marlune_room(NAME SOURCES ... ROOMS below...)
+# an upward call shows at the link. marlune_room(NAME SOURCES ... HOT ... WARM ... INTERNAL ...
+# ROOMS below...); HOT, WARM and INTERNAL name some of the sources, see marlune_shrink_release.
 function(marlune_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;ROOMS" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "SOURCES;HOT;WARM;INTERNAL;ROOMS" ${ARGN})
   add_library(marlune_${name} OBJECT ${ROOM_SOURCES})
   marlune_target_defaults(marlune_${name})
+  marlune_shrink_release(marlune_${name} HOT ${ROOM_HOT} WARM ${ROOM_WARM}
+    INTERNAL ${ROOM_INTERNAL})
   if(NOT MARLUNE_RTTI)
     target_compile_options(marlune_${name} PRIVATE -fno-rtti)
   endif()

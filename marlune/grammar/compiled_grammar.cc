@@ -41,9 +41,10 @@ class CompiledGrammar::Borrowed {
   std::unique_ptr<Work> _work;
 };
 
-std::unique_ptr<CompiledGrammar> CompiledGrammar::initFromFile(GrammarFile& file,
-                                                               std::string_view name,
-                                                               bool isTraced) {
+// Done once a grammar, in a source that is compiled to be fast: to be small, for its part.
+[[gnu::cold]] std::unique_ptr<CompiledGrammar> CompiledGrammar::initFromFile(GrammarFile& file,
+                                                                             std::string_view name,
+                                                                             bool isTraced) {
   std::shared_ptr<GrammarPart> root;
   std::optional<TQUtils::Silence> silence;
   if (isTraced) {

@@ -11,7 +11,7 @@ namespace marlune {
 
 // Why a grammar cannot be loaded: a place in the file and what was found there. The only exception
 // that leaves the loading of a grammar.
-class GrammarError : public std::runtime_error {
+class [[gnu::visibility("default")]] GrammarError : public std::runtime_error {
  public:
   // `place` is a path such as "Main.Units._rhs[1]": keys joined by ".", positions in arrays from 0.
   // It may be empty while the error is on its way through `within`.

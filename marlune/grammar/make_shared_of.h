@@ -7,9 +7,10 @@
 namespace marlune {
 
 // std::make_shared for the classes here, whose constructors are protected because clients make
-// their objects with the named factories. One allocation holds the object and its counts.
+// their objects with the named factories. One allocation holds the object and its counts. Of no
+// use to clients, so that a shared library need not name what is made of this.
 template <typename Class, typename... Arguments>
-std::shared_ptr<Class> makeSharedOf(Arguments&&... arguments) {
+[[gnu::visibility("hidden")]] std::shared_ptr<Class> makeSharedOf(Arguments&&... arguments) {
   struct Made : Class {
     explicit Made(Arguments&&... given) : Class(std::forward<Arguments>(given)...) {}
   };
