@@ -8,6 +8,7 @@
 #include "marlune/grammar/compiled_result.h"
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/grammar/grammar_loader.h"
+#include "marlune/grammar/rule.h"
 #include "marlune/grammar/simple_slot_sequence.h"
 #include "marlune/grammar/special_characters.h"
 #include "marlune/util/tq_utils.h"
@@ -159,11 +160,14 @@ CompiledGrammar::Outcome CompiledGrammar::_apply(std::uint32_t number, Work& wor
 
 // False when the rule is better left to its object. A rule that would never end runs out of passes
 // here, wherever its object notices the circle: the phrase before a pass matches the one behind it
-// at the same pass either way.
+// at the same pass either way. Nor is there as much work here as an object may have.
 bool CompiledGrammar::_repeat(std::uint32_t number, Work& work) const {
   CompiledPhrase& phrase = work.phrase;
+  std::size_t slotsSquared = 0;
   for (int pass = 0; pass < kMostCompiledPasses; ++pass) {
     work.before = phrase.slots();
+    slotsSquared += work.before.size() * work.before.size();
+    if (pass > 0 && slotsSquared > Rule::kMostWork / 2) return false;
     if (!_rewrite(number, work)) return false;
     phrase.pad();
     if (phrase.matches(work.before)) return true;

@@ -78,8 +78,10 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
                          _leftHandSide);
   auto current = paddedCopy(phrase);
   std::unordered_set<PhraseDigest, PhraseDigest::Hash> earlier;
+  std::size_t work = 0;
   for (int passes = 1;; ++passes) {
     const auto before = paddedCopy(current->pad());
+    work += before->count() * before->count();
     current = before->sequenceByReplacingOccurencesOfSlotsInContext(_leftHandSide.get(),
                                                                     _rightHandSide.get());
     if (!_repeat) return current;
@@ -93,7 +95,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
           name() ? FormatArgument(*name()) : FormatArgument(nullptr), passes);
       return current;
     }
-    if (passes == kMostPasses) {
+    if (passes == kMostPasses || work + current->count() * current->count() > kMostWork) {
       TQUtils::log(
           "ERROR: The repeating rule '%@' stopped after %i passes, although each had "
           "changed the phrase.",

@@ -1,6 +1,7 @@
 #ifndef MARLUNE_GRAMMAR_RULE_H_
 #define MARLUNE_GRAMMAR_RULE_H_
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -15,8 +16,11 @@ namespace marlune {
 // pass after pass until one changes nothing.
 class Rule : public GrammarPart {
  public:
-  // How many passes a repeating rule may take.
+  // How many passes a repeating rule may take, and how much work they may be. A pattern with
+  // repetitions looks, from each slot, at all behind it, so the work of a pass is taken to be the
+  // square of the phrase's slots.
   static constexpr int kMostPasses = 10000;
+  static constexpr std::size_t kMostWork = 10000000;
 
   // From a dictionary with "_lhs", "_rhs" (an array: a NewProduction, a dictionary: a
   // ConditionalProduction, anything else: none) and perhaps "_repeat", read as an integer. A
@@ -42,7 +46,8 @@ class Rule : public GrammarPart {
   // The result of the last pass. A repeating rule stops when the phrase before a pass, taken as a
   // pattern, matches the phrase after it; a pass that only adds attributes is thus no change. One
   // that would never stop is stopped, with an unconditional line, as soon as the phrase is one
-  // that it has been before or kMostPasses have run, and answers the phrase as it stands.
+  // that it has been before, kMostPasses have run or the next one would be more than kMostWork
+  // with those before, and answers the phrase as it stands.
   std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase) const override;
 
   std::string description() const override;

@@ -99,10 +99,23 @@ TEST_F(RewritingTest, ARuleThatNeverEndsIsStopped) {
       "had been."));
 }
 
+// Long before it would have had all the passes it may take, on a phrase that each makes longer.
+TEST_F(RewritingTest, ARuleThatMakesMoreAndMoreWorkIsStopped) {
+  const auto phrase =
+      GrammarPart::instanceFromPlist(
+          plist("{__name=Grow; _lhs={_significantSlots=[a]}; _rhs=[a, b]; _repeat=#1}"))
+          ->appliedTo(*SimpleSlotSequence::slotSequenceWithStrings({"a"}));
+  EXPECT_EQ(phrase->count(), 311u);
+  EXPECT_TRUE(log->contains(
+      "ERROR: The repeating rule 'Grow' stopped after 308 passes, although each had changed the "
+      "phrase."));
+}
+
 TEST_F(RewritingTest, APhraseStopsGrowing) {
-  const auto phrase = GrammarPart::instanceFromPlist(
-                          plist("{_lhs={_significantSlots=[a]}; _rhs=[a, a]; _repeat=#1}"))
-                          ->appliedTo(*SimpleSlotSequence::slotSequenceWithStrings({"a"}));
+  const auto phrase =
+      GrammarPart::instanceFromPlist(plist("{_lhs={_significantSlots=[a]}; _rhs=[a, a]}"))
+          ->appliedTo(
+              *SimpleSlotSequence::slotSequenceWithStrings(std::vector<std::string>(6000, "a")));
   EXPECT_LE(phrase->count(), SimpleSlotSequence::kLongestPhrase);
   EXPECT_TRUE(log->contains("ERROR: The phrase would grow past 10000 words and is left as it is."));
 }
