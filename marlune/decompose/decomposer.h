@@ -30,6 +30,10 @@ class SplitSearch;
 // does not. Every answer, "cannot be said" included, is remembered under its key for the
 // decomposer's lifetime, for parts and whole phrases alike.
 //
+// Where memory runs out, std::bad_alloc leaves to the caller: no decomposer was made, or the one at
+// hand is as good as before. What it has remembered by then is right and stays; the same call may
+// be made again, and goes on from there. What a delegate throws leaves in the same way.
+//
 // Lines go under ZKPlistNotificationDefault. Used from one thread at a time.
 class Decomposer {
  public:

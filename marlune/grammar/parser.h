@@ -20,6 +20,10 @@ class GrammarFile;
 // The rewriting grammar as an app uses it: one grammar of a grammar file, made ready; words in,
 // rewritten words out. A file is read once in a process; all parsers on it share its tree, into
 // which building a grammar writes. One thread at a time.
+//
+// Where memory runs out, std::bad_alloc leaves to the caller: no parser was made, the one at hand
+// keeps its grammar, and the same call may be made again. While a file is being read it does not
+// leave: the file then counts as one that cannot be read, until it is read again.
 class Parser {
  public:
   ~Parser();

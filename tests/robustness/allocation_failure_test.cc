@@ -1,8 +1,11 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <new>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,7 +17,9 @@
 #include "marlune/grammar/parser.h"
 #include "marlune/platform/platform.h"
 #include "marlune/util/tq_utils.h"
+#include "reference/reference_decomposer.h"
 #include "robustness/failing_allocation.h"
+#include "support/binary_list.h"
 #include "support/plist_notation.h"
 #include "support/temporary_directory.h"
 
@@ -61,10 +66,12 @@ class AllocationFailureTest : public testing::Test {
   }
   void TearDown() override { Platform::shared() = _formerPlatform; }
 
-  std::string grammarFile(const std::string& name) {
-    const std::string path = folder.path(name);
-    std::ofstream(path) << *writePropertyListXml(PlistNotation::parse(kGrammar));
-    return path;
+  std::string grammarFile(const std::string& name, bool isBinary = false) {
+    const Value grammar = PlistNotation::parse(kGrammar);
+    if (!isBinary) return folder.write(name, *writePropertyListXml(grammar));
+    BinaryList list;
+    const std::size_t root = list.addValue(grammar);
+    return folder.write(name, list.file(root));
   }
 
   // Has the first, the second, ... allocation of `attempt` fail until none does; an attempt must
@@ -102,32 +109,81 @@ class AllocationFailureTest : public testing::Test {
 };
 
 TEST_F(AllocationFailureTest, AGrammarLoadsAfterALoadThatFailed) {
-  const Words expected = rewritten(*Parser::initWithPlistAtPath(grammarFile("whole"), "Main"));
-  ASSERT_EQ(expected, (Words{"run", "on", "five", "more", "kilometers", "x"}));
-  std::string path;
-  std::unique_ptr<Parser> parser;
-  const std::size_t count =
-      sweep([&](std::size_t number) { path = grammarFile(std::to_string(number)); },
-            [&] { parser = Parser::initWithPlistAtPath(path, "Main"); },
-            [&] {
-              EXPECT_EQ(rewritten(*Parser::initWithPlistAtPath(path, "Main")), expected);
-              std::filesystem::remove(path);
-            });
-  EXPECT_GT(count, 100u);
+  for (const bool isBinary : {false, true}) {
+    SCOPED_TRACE(isBinary ? "binary" : "XML");
+    const std::string kind = isBinary ? "binary" : "xml";
+    const Words expected = rewritten(*Parser::initWithPlistAtPath(grammarFile(kind), "Main"));
+    ASSERT_EQ(expected, (Words{"run", "on", "five", "more", "kilometers", "x"}));
+    std::string path;
+    std::unique_ptr<Parser> parser;
+    const std::size_t count = sweep(
+        [&](std::size_t number) { path = grammarFile(kind + std::to_string(number), isBinary); },
+        [&] { parser = Parser::initWithPlistAtPath(path, "Main"); },
+        [&] {
+          EXPECT_EQ(rewritten(*Parser::initWithPlistAtPath(path, "Main")), expected);
+          std::filesystem::remove(path);
+        });
+    EXPECT_GT(count, 100u);
+  }
 }
 
+// The reader never throws, whichever library it is that gets no memory.
+TEST_F(AllocationFailureTest, AListIsReadOrRefusedInOneSentence) {
+  const PropertyListFile reader;
+  for (const bool isBinary : {false, true}) {
+    const std::string path = grammarFile(isBinary ? "binary" : "xml", isBinary);
+    const std::string expected = *writePropertyListXml(reader.readFile(path).root);
+    PropertyListReader::Result result;
+    const std::size_t count =
+        sweep([](std::size_t) {}, [&] { result = reader.readFile(path); },
+              [&] {
+                if (result.root.isAbsent()) {
+                  EXPECT_THAT(result.error, testing::ContainsRegex("out of memory|no more memory"));
+                } else {
+                  EXPECT_EQ(*writePropertyListXml(result.root), expected);
+                }
+              });
+    EXPECT_GT(count, 50u);
+    EXPECT_EQ(result.error, "");
+  }
+}
+
+// With a parser of its own each time: what a trace looks at is made when it is first asked for.
 TEST_F(AllocationFailureTest, APhraseIsRewrittenAfterOneThatWasNot) {
+  const std::string path = grammarFile("phrase");
+  const Words expected = rewritten(*Parser::initWithPlistAtPath(path, "Main"));
   for (const bool isTraced : {false, true}) {
     SCOPED_TRACE(isTraced ? "traced" : "not traced");
-    preferences->set(std::string(ZKPlistNotificationDefault), Value::boolean(isTraced));
-    const auto parser = Parser::initWithPlistAtPath(grammarFile("phrase"), "Main");
-    const Words expected = rewritten(*parser);
+    std::unique_ptr<Parser> parser;
     Words result;
-    const std::size_t count = sweep([](std::size_t) {}, [&] { result = rewritten(*parser); },
-                                    [&] { EXPECT_EQ(rewritten(*parser), expected); });
+    const auto prepare = [&](std::size_t) {
+      preferences->set(ZKPlistNotificationDefault, Value::boolean(false));
+      parser = Parser::initWithPlistAtPath(path, "Main");
+      preferences->set(ZKPlistNotificationDefault, Value::boolean(isTraced));
+    };
+    const std::size_t count = sweep(
+        prepare, [&] { result = rewritten(*parser); },
+        [&] { EXPECT_EQ(rewritten(*parser), expected); });
     EXPECT_EQ(result, expected);
     EXPECT_GT(count, 10u);
   }
+}
+
+TEST_F(AllocationFailureTest, AParserKeepsItsGrammarWhenItCannotSwitch) {
+  const auto parser = Parser::initWithPlistAtPath(grammarFile("switched"), "Main");
+  const Words expected = rewritten(*parser);
+  const Words other = {"run", "five", "six", "kilometers", "x"};  // by the shared rule alone
+  bool isSwitched = false;
+  const auto prepare = [&](std::size_t) { parser->setGrammar("Main"); };
+  const auto attempt = [&] {
+    isSwitched = false;
+    parser->setGrammar("Shared");
+    isSwitched = true;
+  };
+  const std::size_t count = sweep(
+      prepare, attempt, [&] { EXPECT_EQ(rewritten(*parser), isSwitched ? other : expected); });
+  EXPECT_TRUE(isSwitched);
+  EXPECT_GT(count, 10u);
 }
 
 TEST_F(AllocationFailureTest, ADecomposerAnswersAfterAFailureAndRemembersNothingWrong) {
@@ -153,6 +209,77 @@ TEST_F(AllocationFailureTest, ADecomposerAnswersAfterAFailureAndRemembersNothing
   EXPECT_GT(sweep([](std::size_t) {},
                   [&] { decomposer = Decomposer::initWithDirectory("Sounds", bundle); }, [] {}),
             10u);
+}
+
+// Asks the decomposer for the very phrase that it is asked for, which is then remembered, and gives
+// another answer.
+class AskingDelegate : public DecomposerOverrides {
+ public:
+  Decomposition decompositionOf(Decomposer& decomposer, std::string_view key, bool) override {
+    return _answer(key,
+                   [&] {
+                     decomposer.optimalDecompositionOf({"a", "b"});
+                   })
+               ? std::make_shared<const Words>(Words{"other"})
+               : nullptr;
+  }
+  ReferenceDecomposer::Delegate forReference(ReferenceDecomposer& reference) {
+    return [this, &reference](const std::string& key, bool) {
+      const bool isAnswered = _answer(key, [&] { reference.optimalDecompositionOf({"a", "b"}); });
+      return isAnswered ? ReferenceDecomposer::Answer({"other"}) : std::nullopt;
+    };
+  }
+
+ private:
+  template <typename Ask>
+  bool _answer(std::string_view key, Ask ask) {
+    if (_isAsking || key != "a_b") return false;
+    _isAsking = true;
+    try {
+      ask();
+    } catch (...) {
+      _isAsking = false;
+      throw;
+    }
+    _isAsking = false;
+    return true;
+  }
+  bool _isAsking = false;
+};
+
+// Whatever was remembered before the failure counts; from there on all is as the plain recursion
+// has it.
+TEST_F(AllocationFailureTest, AnAnswerThatAnotherSupersedesIsWholeOrNotThere) {
+  const Words files = {"a", "b", "c"}, phrase = {"c", "a", "b", "c"};
+  const auto bundle = std::make_shared<FakeResourceBundle>(files);
+  const auto delegate = std::make_shared<AskingDelegate>();
+  const auto rememberedBy = [](const Decomposer& decomposer) {
+    std::map<std::string, ReferenceDecomposer::Answer> cache;
+    for (const auto& [key, answer] : decomposer._cache()) {
+      cache[key] = answer ? ReferenceDecomposer::Answer(*answer) : std::nullopt;
+    }
+    return cache;
+  };
+  std::unique_ptr<Decomposer> decomposer;
+  std::set<Words> answers;
+  const auto prepare = [&](std::size_t) {
+    decomposer = Decomposer::initWithDirectory("Sounds", bundle);
+    decomposer->setDelegate(delegate);
+  };
+  const auto check = [&] {
+    ReferenceDecomposer reference(files);
+    reference.delegate = delegate->forReference(reference);
+    reference.cache = rememberedBy(*decomposer);
+    const Decomposition answer = decomposer->optimalDecompositionOf(phrase);
+    ASSERT_NE(answer, nullptr);
+    EXPECT_EQ(*answer, reference.optimalDecompositionOf(phrase));
+    EXPECT_EQ(rememberedBy(*decomposer), reference.cache);
+    answers.insert(*answer);
+  };
+  const std::size_t count = sweep(
+      prepare, [&] { decomposer->optimalDecompositionOf(phrase); }, check);
+  EXPECT_GT(count, 10u);
+  EXPECT_EQ(answers, (std::set<Words>{{"c", "a", "b", "c"}, {"c", "other", "c"}}));
 }
 
 // Many keys, so that the dictionary is hashed: on the way the hash table and the entries both grow.

@@ -5,8 +5,9 @@
 
 namespace marlune {
 
-// While one stands, the allocation of its number on this thread, counted from 0, throws
-// std::bad_alloc. Linking its source replaces operator new.
+// While one stands, the allocation of its number on this thread, counted from 0, fails: operator
+// new throws std::bad_alloc, malloc returns nullptr. Linking its source replaces operator new;
+// malloc needs the linker's option --wrap=malloc.
 class FailingAllocation {
  public:
   explicit FailingAllocation(std::size_t number);
