@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -97,6 +98,24 @@ TEST_F(RewritingTest, ARuleThatNeverEndsIsStopped) {
   EXPECT_TRUE(log->contains(
       "ERROR: The repeating rule 'Flip' stopped after 2 passes: the phrase came back to what it "
       "had been."));
+}
+
+// Counts up: each pass adds one to the binary number behind "t", lowest digit first, "c" being the
+// digit 0 with one to carry.
+TEST_F(RewritingTest, ARuleThatTakesTooManyPassesIsStopped) {
+  const auto rule = plist(
+      "{__name=Count; _lhs={_significantSlots=['?', '?']}; _repeat=#1; _rhs={"
+      "_signature=[{_index=#0; _attribute=content}, {_index=#1; _attribute=content}]; "
+      "_expansions={'t 0'=[t, 1]; 't 1'=[t, c]; 'c 0'=[0, 1]; 'c 1'=[0, c]}}}");
+  std::vector<std::string> words(15, "0");
+  words.front() = "t";
+  const auto phrase = GrammarPart::instanceFromPlist(rule)->appliedTo(
+      *SimpleSlotSequence::slotSequenceWithStrings(words));
+  EXPECT_THAT(phrase->stringArray(), testing::ElementsAre("t", "0", "0", "0", "0", "1", "0", "0",
+                                                          "0", "1", "1", "1", "0", "0", "1"));
+  EXPECT_TRUE(log->contains(
+      "ERROR: The repeating rule 'Count' stopped after 10000 passes, although each had changed the "
+      "phrase."));
 }
 
 // Long before it would have had all the passes it may take, on a phrase that each makes longer.
