@@ -6,22 +6,23 @@
 
 namespace marlune::tool {
 
-CapturedLog::CapturedLog() : _former(Platform::shared().systemLog) {
+namespace {
+
+bool isOfComparison(std::string_view line) {
+  return line.starts_with("Prefix! ") || line.starts_with("Suffix! ") || line.starts_with("MATCH!");
+}
+
+}  // namespace
+
+CapturedLog::CapturedLog(Kept kept)
+    : _lines(std::make_shared<Lines>(kept)), _former(Platform::shared().systemLog) {
   Platform::shared().systemLog = _lines;
 }
 
 CapturedLog::~CapturedLog() { Platform::shared().systemLog = _former; }
 
-std::vector<std::string> CapturedLog::messages() const {
-  std::vector<std::string> messages = lines();
-  std::erase_if(messages, [](const std::string& line) {
-    return line.starts_with("Prefix! ") || line.starts_with("Suffix! ") ||
-           line.starts_with("MATCH!");
-  });
-  return messages;
-}
-
 void CapturedLog::Lines::write(std::string_view message) noexcept {
+  if (_which == Kept::messages && isOfComparison(message)) return;
   try {
     kept.emplace_back(message);
   } catch (const std::exception&) {

@@ -14,25 +14,29 @@ namespace marlune::tool {
 // time, and only while nothing else is at work in the process.
 class CapturedLog {
  public:
-  CapturedLog();
+  // Messages are what is left without the two lines of each comparison by a prefix or suffix key:
+  // those can be millions.
+  enum class Kept { messages, everything };
+
+  explicit CapturedLog(Kept kept = Kept::messages);
   ~CapturedLog();  // what logged before logs again; what was kept is gone
   CapturedLog(const CapturedLog&) = delete;
   CapturedLog& operator=(const CapturedLog&) = delete;
 
   const std::vector<std::string>& lines() const { return _lines->kept; }
 
-  // The same without the two lines of each comparison by a prefix or suffix key: they are many,
-  // and the raw trace shows them.
-  std::vector<std::string> messages() const;
-
  private:
   class Lines : public SystemLog {
    public:
+    explicit Lines(Kept which) : _which(which) {}
     void write(std::string_view message) noexcept override;
     std::vector<std::string> kept;
+
+   private:
+    const Kept _which;
   };
 
-  const std::shared_ptr<Lines> _lines = std::make_shared<Lines>();
+  const std::shared_ptr<Lines> _lines;
   const std::shared_ptr<SystemLog> _former;
 };
 

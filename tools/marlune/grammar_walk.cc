@@ -60,7 +60,7 @@ void GrammarWalk::_applyRule(const Rule& rule, const std::string& path) {
   const PhrasePointer before = padded(*_current);
   const PhrasePointer after = rule.appliedTo(*before);
   _current = arePhrasesEqual(*before, *after) ? before : after;
-  _turns.push_back({path, &rule, before, _current, log.messages()});
+  _turns.push_back({path, &rule, before, _current, log.lines()});
 }
 
 }  // namespace marlune::tool

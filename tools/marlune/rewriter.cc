@@ -48,7 +48,7 @@ Rewriter::Rewriter(const std::string& path, const std::string& name) {
     } catch (const GrammarError& error) {
       throw InputError(path + ": " + error.what());
     }
-    messages = log.messages();
+    messages = log.lines();
   }
   if (!_parser->hasGrammar()) {
     const std::string cause = causeAmong(messages);
@@ -63,7 +63,7 @@ Words Rewriter::rewritten(const Words& words) const {
   {
     const CapturedLog log;
     result = _parser->resultOfRulesAppliedToStrings(words)->stringArray();
-    messages = log.messages();
+    messages = log.lines();
   }
   show(messages);
   return result;
@@ -74,7 +74,7 @@ GrammarWalk Rewriter::walkOf(const Words& words) const {
 }
 
 std::string Rewriter::rawTraceOf(const Words& words) const {
-  const CapturedLog log;
+  const CapturedLog log(CapturedLog::Kept::everything);
   const auto former = Platform::shared().preferences;
   Platform::shared().preferences = std::make_shared<TracePreferences>();
   _parser->resultOfRulesAppliedToStrings(words);
