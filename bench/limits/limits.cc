@@ -4,12 +4,15 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "limits/reference_load.h"
+#include "limits/refused_inputs.h"
 #include "marlune/desktop/plist/property_list_file.h"
+#include "marlune/grammar/grammar_error.h"
 #include "marlune/platform/platform.h"
 #include "support/counted_allocation.h"
 #include "support/element_count.h"
@@ -140,18 +143,18 @@ void measureGrammarMemory(std::size_t rules, const char* name) {
   row(name, "%.0f", bytes / static_cast<double>(rules));
 }
 
-// A rule with these slots, on 200 words of which only the first is another.
-double repetitions(Value slots) {
+// A rule with these slots, on words of which only the first is another; in milliseconds.
+double repetitions(Value slots, std::size_t count) {
   auto lhs = std::make_shared<Dictionary>();
   lhs->setValueForKey(std::move(slots), "_significantSlots");
   auto rule = std::make_shared<Dictionary>();
   rule->setValueForKey(Value::dictionary(lhs), "_lhs");
   rule->setValueForKey(Value::array(std::make_shared<Array>()), "_rhs");
   const auto part = GrammarPart::instanceFromPlist(Value::dictionary(rule));
-  Words words(200, "a");
+  Words words(count, "a");
   words.front() = "c";
   const auto phrase = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words);
-  return microseconds([&] { part->appliedTo(*phrase); });
+  return microseconds([&] { part->appliedTo(*phrase); }) / 1000;
 }
 
 Value repeated(Value member) {
@@ -163,13 +166,14 @@ void measureWorst() {
   std::vector<Value> successive(20, repeated(Value::string("a")));
   successive.push_back(Value::string("c"));
   row("20 successive repetitions on 200 words, ms", "%.2f",
-      repetitions(Value::array(std::make_shared<Array>(successive))) / 1000);
+      repetitions(Value::array(std::make_shared<Array>(successive)), 200));
   Value nested = Value::string("a");
   for (int depth = 0; depth < 6; ++depth) nested = repeated(nested);
-  row("repetitions nested 6 deep on 200 words, ms", "%.2f",
-      repetitions(
-          Value::array(std::make_shared<Array>(std::vector<Value>{nested, Value::string("c")}))) /
-          1000);
+  const auto slots = Value::array(
+      std::make_shared<Array>(std::vector<Value>{std::move(nested), Value::string("c")}));
+  row("repetitions nested 6 deep on 200 words, ms", "%.2f", repetitions(slots, 200));
+  row("repetitions nested 6 deep on 1,000 words, ms", "%.2f", repetitions(slots, 1000));
+  row("repetitions nested 6 deep on 2,000 words, ms", "%.2f", repetitions(slots, 2000));
 }
 
 // Words that differ all, so that no stretch is met twice.
@@ -178,6 +182,70 @@ void measureLongPhrase(const ReferenceLoad& load, std::size_t count, const char*
   Words words;
   for (std::size_t i = 0; i < count; ++i) words.push_back("word" + std::to_string(i));
   row(name, "%.2f", microseconds([&] { decomposer->optimalDecompositionOf(words); }) / 1000);
+}
+
+void require(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "limits: %s\n", what);
+  std::exit(1);
+}
+
+// What a bound stops is measured only as long as it does.
+void measureEndless(const std::string& path, const char* grammar, const Words& words,
+                    const char* name) {
+  struct Log : SystemLog {
+    void write(std::string_view line) noexcept override {
+      hasStopped |= line.find("although each had changed") != std::string_view::npos;
+    }
+    bool hasStopped = false;
+  };
+  const auto parser = Parser::initWithPlistAtPath(path, grammar);
+  const auto log = std::make_shared<Log>();
+  Platform::shared().systemLog = log;
+  const double time = microseconds([&] { parser->resultOfRulesAppliedToStrings(words); });
+  Platform::shared().systemLog = nullptr;
+  require(log->hasStopped, "a rule comes to an end by itself");
+  row(name, "%.0f", time / 1000);
+}
+
+void measureInserts(const std::string& path) {
+  bool isRefused = false;
+  const double time = microseconds([&] {
+    try {
+      Parser::initWithPlistAtPath(path, "Main");
+    } catch (const GrammarError&) {
+      isRefused = true;
+    }
+  });
+  require(isRefused, "the exploding inserts are loaded");
+  row("inserts that explode, until they are refused, ms", "%.0f", time / 1000);
+}
+
+void measureLargestList(std::string_view element, bool isRefused, const char* name) {
+  const std::string list = largestListOf(element);
+  PropertyListReader::Result result;
+  const double time = microseconds([&] { result = PropertyListFile().readBytes(list, ""); });
+  require(result.root.isAbsent() == isRefused, "a list of 64 MiB is not refused, or is");
+  row(name, "%.2f", time / 1e6);
+}
+
+void measureRefused() {
+  const std::string folder = std::filesystem::temp_directory_path();
+  const std::string rules = folder + "/marlune_limits_rules.plist";
+  const std::string inserts = folder + "/marlune_limits_inserts.plist";
+  std::ofstream(rules, std::ios::binary) << endlessRules();
+  std::ofstream(inserts, std::ios::binary) << explodingInserts();
+  Words number(15, "0"), growing(300, "a");
+  number.front() = "t";
+  growing[0] = "b", growing[1] = "c";
+  measureEndless(rules, "Count", number, "10,000 passes over 17 slots, ms");
+  measureEndless(rules, "Grow", growing, "a phrase that grows under nested repetitions, ms");
+  measureEndless(rules, "GrowAndTell", growing, "the same, each comparison written down, ms");
+  measureInserts(inserts);
+  std::filesystem::remove(rules);
+  std::filesystem::remove(inserts);
+  measureLargestList("<true/>", false, "a list of 64 MiB, read, s");
+  measureLargestList("<array/>", true, "a list of 64 MiB that would take too much memory, s");
 }
 
 void measureAll() {
@@ -191,6 +259,7 @@ void measureAll() {
   measureWorst();
   measureLongPhrase(load, 80, "80 words that nothing says, decomposed, ms");
   measureLongPhrase(load, 500, "500 words that nothing says, decomposed, ms");
+  measureRefused();
 }
 
 }  // namespace
