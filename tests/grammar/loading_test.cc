@@ -127,6 +127,12 @@ TEST_F(LoadingTest, InsertsCopyOneLevelAndTakeTheirOrder) {
   };
   EXPECT_EQ(nested("Main.A.n"), nested("S.A.n"));
   EXPECT_NE(nested("Main.A"), nested("S.A"));
+  const std::vector<std::string> keys = {"Main", "A", "n"};
+  EXPECT_EQ(Parser::retrievePlistForPathArray(keys, tree).asDictionary(), nested("Main.A.n"));
+  EXPECT_EQ(Parser::retrievePlistForPathArray(std::nullopt, tree).asDictionary(),
+            tree.asDictionary());
+  EXPECT_THROW(Parser::retrievePlistForPathArray(std::vector<std::string>(), tree),
+               std::out_of_range);
 }
 
 TEST_F(LoadingTest, AFileIsReadOnceAndABrokenOneAgain) {

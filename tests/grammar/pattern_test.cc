@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -5,8 +6,12 @@
 #include <vector>
 
 #include "marlune/grammar/cell.h"
+#include "marlune/grammar/compound_slot.h"
+#include "marlune/grammar/disjunction_slot.h"
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/grammar/kleene_slot.h"
+#include "marlune/grammar/negation_slot.h"
+#include "marlune/grammar/rule.h"
 #include "marlune/grammar/simple_slot.h"
 #include "marlune/grammar/simple_slot_sequence.h"
 #include "marlune/grammar/slots_in_context.h"
@@ -160,6 +165,56 @@ TEST_F(PatternTest, SequencesAreReversedAndPrinted) {
   EXPECT_EQ(pattern->reversed()->slots().back(), pattern->first());
   EXPECT_EQ(Slot::instanceFromPlist(plist("[?]")), nullptr);
   EXPECT_THROW(Slot::instanceFromPlist(plist("[]")), GrammarError);
+}
+
+TEST_F(PatternTest, PartsMadeByHandDoWhatThoseOfAFileDo) {
+  const auto word = [](std::string text) {
+    return SimpleSlot::simpleSlotWithCell(Cell::cellWithContentString(std::move(text)));
+  };
+  const SlotArray slots = {DisjunctionSlot::disjunctionSlotWithArray({word("a"), word("b")}),
+                           NegationSlot::negationSlotWithArray({word("c")}),
+                           KleeneSlot::kleeneSlotWithArray({word("d")})};
+  EXPECT_EQ(SlotSequence::initWithArray(slots)->description(),
+            sequence("[[+, a, b], [~, c], [*, d]]")->description());
+  const auto rule = Rule::initWithLeftHandSide(
+      SlotsInContext::initWithArraysForSignificantSlots({slots[0]}, std::nullopt,
+                                                        SlotArray{slots[1]}),
+      SimpleSlotSequence::slotSequenceWithStrings({"x"}),
+      std::make_shared<NewProduction::Indices>(NewProduction::Indices{-1}));
+  const auto phrase = SimpleSlotSequence::slotSequenceWithStrings({"a", "c", "b", "d"});
+  EXPECT_EQ(rule->appliedTo(*phrase)->description(), "_E.([a]).([c]).([x]).([d])._E");
+}
+
+TEST_F(PatternTest, AbstractPartsTellThatTheyWereAsked) {
+  struct BareSlot : Slot {};
+  struct BareCompound : CompoundSlot {
+    BareCompound() : CompoundSlot(SlotSequence::initWithArray({})) {}
+  };
+  struct BarePart : GrammarPart {};
+  const auto target = SimpleSlotSequence::slotSequenceWithStrings({"a"});
+  BareCompound compound;
+  EXPECT_EQ(Slot::initFromPlist(Value::string("a")), nullptr);
+  EXPECT_FALSE(BareSlot().matches(*target));
+  EXPECT_FALSE(compound.matches(*target));
+  EXPECT_EQ(compound.description(), "");
+  EXPECT_EQ(compound.reversed(), nullptr);
+  EXPECT_FALSE(KleeneSlot::kleeneSlotWithArray({})->matches(*target));
+  EXPECT_EQ(GenericProduction::initFromPlist(Value()), nullptr);
+  EXPECT_EQ(GenericProduction::instanceFromPlist(Value()), nullptr);
+  EXPECT_EQ(BarePart().appliedTo(*target), nullptr);
+  EXPECT_THAT(
+      log->lines(),
+      testing::ElementsAre(
+          "ERROR: 'initFromPlist' method called on Slot which is an Abstract Class. Try using "
+          "'instanceFromPlist' instead.",
+          "ERROR: 'matches' method called on Slot which is an Abstract Class.",
+          "ERROR: 'matches' method called on CompoundSlot, which is an abstract class.",
+          "ERROR: 'description' method called on CompoundSlot, which is an abstract class.",
+          "ERROR: 'reversed' method called on CompoundSlot, which is an abstract class.",
+          "ERROR: 'matches' method called on KleeneSlot.",
+          "ERROR: 'initFromPlist' method called on CompoundSlot, which is an abstract class.",
+          "ERROR: 'instanceFromPlist' method called on CompoundSlot, which is an abstract class.",
+          "ERROR: Method 'appliedTo:' called on abstract class GrammarPart."));
 }
 
 TEST_F(PatternTest, PortionsEndWhereTheSequenceEnds) {

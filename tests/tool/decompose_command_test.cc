@@ -18,7 +18,7 @@ class DecomposeCommandTest : public testing::Test {
  protected:
   DecomposeCommandTest() {
     for (const char* name :
-         {"at", "finish", "finish[x]", "at_the", "the_finish", "go", "good_job"}) {
+         {"at", "finish", "finish[x]", "at_the", "the_finish", "go", "good_job", "job_done"}) {
       folder.write(std::string(name) + ".aif", "");
     }
   }
@@ -67,6 +67,12 @@ TEST_F(DecomposeCommandTest, AnswersALineForALine) {
        "\n",
        "marlune: \"good job flib\": no recording of \"flib\"\n",
        1},
+      {"words that recordings cover which do not go together",
+       {"good job done"},
+       "",
+       "\n",
+       "marlune: \"good job done\": no recording of its own for \"good\", \"job\", \"done\"\n",
+       1},
       {"nothing to say", {}, "\n", "\n", "marlune: line 1: \"\": there is nothing to say\n", 1},
       {"no phrase at all", {}, "", "", "", 0},
   };
@@ -93,6 +99,14 @@ TEST_F(DecomposeCommandTest, AsksTheOverridesFirst) {
             "marlune: line 4: \"go go\": the overrides name recordings that do not exist: "
             "\"missing\"\n");
   EXPECT_EQ(run.status, 1);
+}
+
+TEST_F(DecomposeCommandTest, TellsWhenTheOverridesAreTooLong) {
+  const std::string overrides = overridesOf(
+      "<dict><key>parts</key><dict>"
+      "<key>at</key><array><string>go</string><string>at</string></array></dict></dict>");
+  EXPECT_EQ(decompose({"--overrides", overrides, "at go"}).err,
+            "marlune: \"at go\": the overrides take more recordings than there are words\n");
 }
 
 TEST_F(DecomposeCommandTest, RefusesOverridesThatMakeNoSenseInOneSentence) {

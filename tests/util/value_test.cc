@@ -22,6 +22,7 @@ TEST(ValueTest, ReadsAsNumberAndBoolean) {
       {"not a number", Value::real(std::numeric_limits<double>::quiet_NaN()), 0, true},
       {"a real beyond the range", Value::real(-1e300), INT32_MIN, true},
       {"an integer beyond the range", Value::integer(INT64_C(1) << 32), INT32_MAX, true},
+      {"a negative one", Value::integer(INT64_MIN), INT32_MIN, true},
       {"a boolean", Value::boolean(true), 1, true},
       {"text gives its leading digits", Value::string(" \t-12ab"), -12, false},
       {"one sign only", Value::string("+-3"), 0, false},
