@@ -21,10 +21,22 @@ CapturedLog::CapturedLog(Kept kept)
 
 CapturedLog::~CapturedLog() { Platform::shared().systemLog = _former; }
 
+std::vector<std::string> CapturedLog::lines() const {
+  std::vector<std::string> lines = _lines->kept;
+  if (_lines->left > 0) {
+    lines.push_back("... and " + std::to_string(_lines->left) + " more lines");
+  }
+  return lines;
+}
+
 void CapturedLog::Lines::write(std::string_view message) noexcept {
   if (_which == Kept::messages && isOfComparison(message)) return;
   try {
-    kept.emplace_back(message);
+    if (kept.size() < kMostLines) {
+      kept.emplace_back(message);
+    } else {
+      ++left;
+    }
   } catch (const std::exception&) {
     // A line that cannot be kept is lost, like one that cannot be written.
   }
