@@ -21,10 +21,7 @@ constexpr std::uint32_t kMostRequirements = CompiledPhrase::kMaxAttributes;
 bool isIdle(const Rule& rule) {
   const SlotsInContext* const lhs = rule.leftHandSide().get();
   if (!lhs || !lhs->significantSlots()) return true;
-  if (lhs->significantSlots()->_writesLines() || lhs->preContextReversed()->_writesLines() ||
-      lhs->postContext()->_writesLines()) {
-    return false;
-  }
+  if (lhs->_writesLines()) return false;
   return !rule.rightHandSide() || rule.rightHandSide()->kind() == GenericProduction::Kind::other;
 }
 

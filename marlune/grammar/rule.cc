@@ -1,11 +1,13 @@
 #include "marlune/grammar/rule.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "marlune/grammar/conditional_production.h"
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/grammar/make_shared_of.h"
 #include "marlune/grammar/phrase_digest.h"
+#include "marlune/grammar/sequence_matcher.h"
 #include "marlune/grammar/special_characters.h"
 #include "marlune/util/tq_utils.h"
 
@@ -81,7 +83,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
   std::size_t work = 0;
   for (int passes = 1;; ++passes) {
     const auto before = paddedCopy(current->pad());
-    work += before->count() * before->count();
+    work += _workOfPassOver(*before);
     current = before->sequenceByReplacingOccurencesOfSlotsInContext(_leftHandSide.get(),
                                                                     _rightHandSide.get());
     if (!_repeat) return current;
@@ -95,7 +97,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
           name() ? FormatArgument(*name()) : FormatArgument(nullptr), passes);
       return current;
     }
-    if (passes == kMostPasses || work + current->count() * current->count() > kMostWork) {
+    if (passes == kMostPasses || work + _workOfPassOver(*current) > kMostWork) {
       TQUtils::log(
           "ERROR: The repeating rule '%@' stopped after %i passes, although each had "
           "changed the phrase.",
@@ -103,6 +105,11 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
       return current;
     }
   }
+}
+
+std::size_t Rule::_workOfPassOver(const SlotSequence& phrase) const {
+  const bool writesLines = _leftHandSide && _leftHandSide->_writesLines();
+  return std::max(phrase.count() * phrase.count(), writesLines ? SequenceMatcher::kMostSteps : 0);
 }
 
 std::string Rule::description() const { return GrammarPart::description() + "RULE"; }

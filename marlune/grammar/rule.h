@@ -18,7 +18,8 @@ class Rule : public GrammarPart {
  public:
   // How many passes a repeating rule may take, and how much work they may be. A pattern with
   // repetitions looks, from each slot, at all behind it, so the work of a pass is taken to be the
-  // square of the phrase's slots.
+  // square of the phrase's slots. Patterns that write lines are matched step by step, so a pass of
+  // theirs is at least as much as the steps they may take.
   static constexpr int kMostPasses = 10000;
   static constexpr std::size_t kMostWork = 10000000;
 
@@ -61,6 +62,7 @@ class Rule : public GrammarPart {
 
  private:
   static std::shared_ptr<GenericProduction> _productionFromPlist(const Value& plist);
+  std::size_t _workOfPassOver(const SlotSequence& phrase) const;
 
   std::shared_ptr<SlotsInContext> _leftHandSide;
   std::shared_ptr<GenericProduction> _rightHandSide;

@@ -31,9 +31,12 @@ namespace marlune {
 // When asking a slot can write lines, how often and in which order it is asked can be observed.
 // Such a pattern is matched in the order of the recursion, with positions instead of copies and
 // with its open choices in an array instead of on the stack. A pattern that takes more than
-// kMostSteps that way is one that would not come to an end: KleeneMatcher then answers.
+// kMostSteps that way, whatever the starts, is one that would not come to an end: KleeneMatcher
+// then answers.
 class SequenceMatcher {
  public:
+  static constexpr std::size_t kMostSteps = 100000;
+
   // Both must stay as they are while the matcher is used.
   SequenceMatcher(const SlotArray& pattern, SlotRun target);
 
@@ -42,7 +45,6 @@ class SequenceMatcher {
 
  private:
   enum class Way : unsigned char { straight, inOrder, sets };
-  static constexpr long kMostSteps = 500000;
 
   // What is left of a pattern in the middle of its matching: slots from `index` on, those slots
   // `copies` times more, then what `next` says. Lives in _continuations.
@@ -72,7 +74,7 @@ class SequenceMatcher {
   std::vector<char> _matches;  // by start, when found by sets
   std::vector<Continuation> _continuations;
   std::vector<Choice> _choices;
-  long _steps = 0;  // of matching in order
+  std::size_t _steps = 0;  // of matching in order
 };
 
 }  // namespace marlune

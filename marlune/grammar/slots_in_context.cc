@@ -85,6 +85,11 @@ std::vector<std::int32_t> SlotsInContext::indicesOfOccurrencesInTarget(
   return indices;
 }
 
+bool SlotsInContext::_writesLines() const {
+  return _significantSlots && (_significantSlots->_writesLines() ||
+                               _preContextReversed->_writesLines() || _postContext->_writesLines());
+}
+
 std::string SlotsInContext::description() const {
   return formatted("\n  preContext: %@ \n significant: %@ \n postContext: %@",
                    {_preContext, _significantSlots, _postContext});

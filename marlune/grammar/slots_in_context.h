@@ -36,6 +36,9 @@ class SlotsInContext : public Describable {
   // are no significant slots.
   std::vector<std::int32_t> indicesOfOccurrencesInTarget(const SimpleSlotSequence& phrase) const;
 
+  // Whether looking for occurrences can write lines.
+  bool _writesLines() const;
+
   const std::shared_ptr<SimpleSlotSequence>& significantSlots() const { return _significantSlots; }
   const std::shared_ptr<SlotSequence>& preContext() const { return _preContext; }
   const std::shared_ptr<SlotSequence>& preContextReversed() const { return _preContextReversed; }
