@@ -89,15 +89,7 @@ foreach(name IN ITEMS RUNTIME DESKTOP)
     ${PROJECT_BINARY_DIR}/none/postinst ${PROJECT_BINARY_DIR}/none/postrm)
 endforeach()
 
-# The licence as Debian's form has it: indented, with a dot where a line is empty.
-file(READ LICENSE licence)
-string(REGEX MATCH "Copyright [^\n]*" MARLUNE_COPYRIGHT "${licence}")
-string(REPLACE "Copyright (c)" "Copyright:" MARLUNE_COPYRIGHT "${MARLUNE_COPYRIGHT}")
-string(REGEX REPLACE "^.*Copyright [^\n]*\n\n" "" licence "${licence}")
-string(REGEX REPLACE "\n$" "" licence "${licence}")
-string(REPLACE "\n" "\n " MARLUNE_LICENCE " ${licence}")
-string(REPLACE "\n \n" "\n .\n" MARLUNE_LICENCE "${MARLUNE_LICENCE}")
-configure_file(cmake/packages/copyright.in ${PROJECT_BINARY_DIR}/copyright @ONLY)
+configure_file(LICENSE ${PROJECT_BINARY_DIR}/copyright COPYONLY)
 
 file(READ cmake/packages/changelog changelog)
 if(NOT changelog MATCHES "^marlune \\(${PROJECT_VERSION}-${MARLUNE_DEBIAN_REVISION}\\) ")
