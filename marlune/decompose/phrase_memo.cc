@@ -102,7 +102,7 @@ void PhraseMemo::clear() {
 // Where the packed phrase is, or the free slot where it belongs.
 std::size_t PhraseMemo::_slotOf(std::uint64_t hash) const {
   const std::size_t mask = _slots.size() - 1;
-  std::size_t at = hash & mask;
+  std::size_t at = static_cast<std::size_t>(hash) & mask;
   for (; _slots[at] != kNone; at = (at + 1) & mask) {
     const Phrase& phrase = _phrases[_slots[at]];
     if (phrase.hash == hash && phrase.size == _packedSize &&
@@ -117,7 +117,7 @@ void PhraseMemo::_grow() {
   std::vector<std::uint32_t> slots(2 * _slots.size(), kNone);
   const std::size_t mask = slots.size() - 1;
   for (std::size_t i = 0; i < _phrases.size(); ++i) {
-    std::size_t at = _phrases[i].hash & mask;
+    std::size_t at = static_cast<std::size_t>(_phrases[i].hash) & mask;
     while (slots[at] != kNone) at = (at + 1) & mask;
     slots[at] = static_cast<std::uint32_t>(i);
   }
