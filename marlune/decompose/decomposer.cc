@@ -83,7 +83,7 @@ Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>&
   DecompositionMemo::Id id = _memo->find({_key.text(), _key.hash()});
   const bool isRemembered = id != 0 && _memo->state(id) != DecompositionMemo::State::open;
   if (!isRemembered) id = _search(words, isSubsetOfWhole);
-  const Decomposition files = _memo->decomposition(id);
+  Decomposition files = _memo->decomposition(id);
   _phrases.add(words, files);
   return files;
 }
