@@ -19,6 +19,7 @@ void prefetch([[maybe_unused]] const void* memory) {
 #endif
 }
 
+constexpr std::size_t kSmallTable = std::size_t{8} * 1024;  // slots
 constexpr std::size_t kTextBlock = std::size_t{16} * 1024;
 
 // Appends `key` without what stands between "[" and "]", and without these; no more than `limit`
@@ -124,7 +125,9 @@ DecompositionMemo::Id DecompositionMemo::_add(const Entry& entry) {
 void DecompositionMemo::_makeRoomFor(std::size_t keys) {
   if (2 * (_used + keys) <= _slots.size()) [[likely]]
     return;
-  std::vector<Slot> slots(std::bit_ceil(2 * (_used + keys)));
+  // A small table grows in larger steps: that costs little memory, and saves moving most of it.
+  const std::size_t room = _slots.size() <= kSmallTable ? 4 : 2;
+  std::vector<Slot> slots(std::bit_ceil(room * (_used + keys)));
   // The used ones are moved together first: whether a slot is used is anybody's guess.
   std::size_t used = 0;
   for (const Slot& slot : _slots) {
@@ -222,13 +225,11 @@ std::vector<std::string> DecompositionMemo::_files(const Entry& answer) const {
   return files;
 }
 
-Decomposition DecompositionMemo::decomposition(Id id) {
+Decomposition DecompositionMemo::decomposition(Id id) const {
   const Entry& entry = _entry(id);
   if (state(id) == State::failed) return nullptr;
   if (state(id) == State::given) return _given[entry.first];
-  Decomposition& files = _handedOut[id];
-  if (!files) files = std::make_shared<const std::vector<std::string>>(_files(entry));
-  return files;
+  return std::make_shared<const std::vector<std::string>>(_files(entry));
 }
 
 void DecompositionMemo::forEachRemembered(

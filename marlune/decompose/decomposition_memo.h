@@ -8,7 +8,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "marlune/decompose/decomposition.h"
@@ -19,7 +18,7 @@ namespace marlune {
 // worked out for them, failures included. Only grows.
 //
 // An entry is a few numbers. Its key lies in a text that is shared with the other stretches of the
-// phrase; a found split is the two entries of its halves. Lists are built when handed out, once.
+// phrase; a found split is the two entries of its halves. Lists are built when handed out.
 class DecompositionMemo {
  public:
   // An entry, good for the memo's lifetime; 0 is none.
@@ -82,9 +81,9 @@ class DecompositionMemo {
   Id rememberGiven(Id id, const Key& key, Decomposition files);
   const std::vector<Id>& superseded() const { return _superseded; }
 
-  // The remembered answer; null when failed. Builds the list at the first time only.
+  // The remembered answer; null when failed. A list that was not given from outside is built anew.
   // REQUIRES: the entry is not open.
-  Decomposition decomposition(Id id);
+  Decomposition decomposition(Id id) const;
 
   // Calls back with every remembered key and its entry, in no particular order.
   void forEachRemembered(const std::function<void(std::string_view key, Id id)>& visit) const;
@@ -142,7 +141,6 @@ class DecompositionMemo {
   std::vector<Slot> _slots = std::vector<Slot>(16);  // a power of two, at most half used
   std::size_t _used = 0;
   std::vector<Decomposition> _given;
-  std::unordered_map<Id, Decomposition> _handedOut;
   std::vector<Id> _superseded;
   std::vector<std::unique_ptr<char[]>> _texts;
   char* _freeText = nullptr;

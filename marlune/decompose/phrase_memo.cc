@@ -51,8 +51,9 @@ std::uint64_t hashOf(const std::uint64_t* numbers, std::size_t count) {
     for (std::size_t lane = 0; lane < 4; ++lane) mix(lanes[lane], numbers[i + lane]);
   }
   for (; i < count; ++i) mix(lanes[i % 4], numbers[i]);
-  std::uint64_t hash = lanes[0];
-  for (std::size_t lane = 1; lane < 4; ++lane) mix(hash, lanes[lane]);
+  std::uint64_t hash =
+      lanes[0] ^ std::rotl(lanes[1], 16) ^ std::rotl(lanes[2], 32) ^ std::rotl(lanes[3], 48);
+  mix(hash, hash >> 32);
   return hash ^ hash >> 32;
 }
 

@@ -40,9 +40,15 @@ void StretchSweep::run(const JoinedKey& key, const char* text, std::size_t wordC
 void StretchSweep::_makeTables() {
   _stride = _wordCount + 1 + std::size_t{kLanes};
   const std::size_t cells = (_wordCount + 1) * _stride;
-  _countsByBegin.assign(cells, kCannotBeSaid);
-  _countsByEnd.assign(cells, kCannotBeSaid);
-  _ids.resize(cells);
+  if (cells > _ids.size()) {
+    _countsByBegin.resize(cells);
+    _countsByEnd.resize(cells);
+    _ids.resize(cells);
+  }
+  // Cells are set before they are read, but for those behind a run.
+  for (std::size_t to = 0; to <= _wordCount; ++to) {
+    std::fill_n(&_countsByEnd[to * _stride + to], std::size_t{kLanes}, kCannotBeSaid);
+  }
   _isBeginReached.assign(_wordCount + 1, 0);
   _isEndReached.assign(_wordCount + 1, 0);
   _searched.clear();
