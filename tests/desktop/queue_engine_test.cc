@@ -294,9 +294,47 @@ TEST_F(QueueEngineTest, SilenceInPlaceOfLateSoundIsReported) {
   queue->removeObserver(&holder, QueuePlayer::kCurrentItemKeyPath);
 }
 
-TEST_F(QueueEngineTest, AQueueThatEndsWithItemsSaysSo) {
-  rig.append(*queue, record(20));
+TEST_F(QueueEngineTest, AnItemsFateCanBeReadAfterItHasLeftTheQueue) {
+  using Kind = ItemFate::Kind;
+  rig.session.setActive(true);
+  queue->play();
+  const auto heard = rig.append(*queue, record(10));
+  const auto broken = rig.append(*queue, folder.writeBytes("empty.aif", {}));
+  EXPECT_EQ(FilePlayerItem("x.aif").fate().kind, Kind::pending);
+  rig.crank(*queue, 9);
+  EXPECT_EQ(heard->fate().kind, Kind::pending);
+  rig.crank(*queue, 1);
+  const auto removed = rig.append(*queue, record(10));
+  queue->removeAllItems();
+  const auto failed = rig.append(*queue, record(10));
+  rig.output->lose("It is gone.");
+  while (!queue->items().empty()) std::this_thread::yield();
+  const auto other = rig.makeQueue();
+  const auto ended = rig.append(*other, record(10));
+  EXPECT_EQ(ended->fate().kind, Kind::pending);
+  other->removeAllItems();
+  EXPECT_EQ(ended->fate().kind, Kind::dropped);
+  queue = rig.makeQueue();
+  queue->insert(ended, nullptr);
+  EXPECT_EQ(ended->fate().kind, Kind::pending) << "of the last insertion";
   queue.reset();
+  const struct {
+    const FilePlayerItem& item;
+    Kind kind;
+    std::string_view message;
+  } kCases[] = {
+      {*heard, Kind::heardWhole, ""},
+      {*broken, Kind::leftOut, "it is empty"},
+      {*removed, Kind::dropped, "it was removed from the queue"},
+      {*failed, Kind::dropped, "the play queue has failed: It is gone."},
+      {*ended, Kind::dropped, "its queue has ended"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.message);
+    EXPECT_EQ(c.item.fate().kind, c.kind);
+    EXPECT_EQ(c.item.fate().message, c.message);
+    EXPECT_FALSE(c.item.isQueued());
+  }
   EXPECT_TRUE(hasLineWith("1 of them were dropped"));
 }
 

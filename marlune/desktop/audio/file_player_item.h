@@ -2,14 +2,16 @@
 #define MARLUNE_DESKTOP_AUDIO_FILE_PLAYER_ITEM_H_
 
 #include <atomic>
+#include <mutex>
 #include <string>
 #include <utility>
 
+#include "marlune/desktop/audio/item_fate.h"
 #include "marlune/playback/queue_player.h"
 
 namespace marlune {
 
-// An item of the desktop's queue.
+// An item of the desktop's queue. Any thread may read it.
 class FilePlayerItem : public PlayerItem {
  public:
   explicit FilePlayerItem(std::string path) : _path(std::move(path)) {}
@@ -17,13 +19,36 @@ class FilePlayerItem : public PlayerItem {
   const std::string& path() const override { return _path; }
   std::string description() const override { return _path; }
 
-  // Whether some queue holds it. Kept by the queues.
+  // What became of the item; of one inserted several times, the last time. Once the item has left
+  // its queue, this is no longer pending.
+  ItemFate fate() const {
+    const std::lock_guard lock(_mutex);
+    return _fate;
+  }
+
+  // Whether some queue holds it.
   bool isQueued() const { return _isQueued.load(); }
-  void setQueued(bool isQueued) { _isQueued.store(isQueued); }
+
+  // For the queues.
+  void enterQueue() {
+    _setFate({});
+    _isQueued.store(true);
+  }
+  void leaveQueue(ItemFate fate) {
+    _setFate(std::move(fate));
+    _isQueued.store(false);
+  }
 
  private:
+  void _setFate(ItemFate fate) {
+    const std::lock_guard lock(_mutex);
+    _fate = std::move(fate);
+  }
+
   const std::string _path;
   std::atomic<bool> _isQueued = false;
+  mutable std::mutex _mutex;  // for _fate
+  ItemFate _fate;
 };
 
 }  // namespace marlune

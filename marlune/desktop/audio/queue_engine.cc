@@ -36,7 +36,7 @@ std::size_t QueueEngine::_positionAfter(const PlayerItem* after) const {
 void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) {
   auto file = std::dynamic_pointer_cast<FilePlayerItem>(std::move(item));
   if (!file) return;  // not one of ours, which canInsert has refused
-  file->setQueued(true);
+  file->enterQueue();
   const Lock lock(_mutex);
   if (!_hasPlayed && after) _startOver();
   // The worker may have moved on since canInsert said yes.
@@ -67,14 +67,14 @@ void QueueEngine::setRate(float rate) {
 
 void QueueEngine::removeAllItems() {
   const Lock lock(_mutex);
-  _dropAllItems();
+  _dropAllItems(ItemFate::dropped("it was removed from the queue"));
   ++_orders;
   _requestWork();
 }
 
-void QueueEngine::_dropAllItems() {
+void QueueEngine::_dropAllItems(const ItemFate& fate) {
   const bool hadItems = !_items.empty();
-  for (const auto& item : _items) item->setQueued(false);
+  for (const auto& item : _items) item->leaveQueue(fate);
   _items.clear();
   _hasPlayed = _rate != 0;
   _startOver();
@@ -158,7 +158,8 @@ void QueueEngine::stop() {
     const Lock lock(_mutex);
     _isStopping = true;
     dropped = _items.size();
-    _dropAllItems();  // the worker may be in the middle of a round
+    // The worker may be in the middle of a round.
+    _dropAllItems(ItemFate::dropped("its queue has ended"));
     _wake.notify_one();
     _settled.notify_all();
   }

@@ -70,6 +70,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   struct Ending {
     std::uint32_t generation;
     std::uint64_t takenAt;  // in frames taken by the output
+    std::uint64_t missingFrames;
   };
 
   // With the lock held.
@@ -78,7 +79,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   bool _isSounding() const { return _rate != 0 && !_items.empty(); }
   void _setItemsChanged(bool isCurrentItemOther);
   void _setChanged(std::string_view keyPath);
-  void _dropAllItems();
+  void _dropAllItems(const ItemFate& fate);
   void _startOver();
 
   // The worker.

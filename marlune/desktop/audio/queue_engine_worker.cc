@@ -58,7 +58,8 @@ bool QueueEngine::_step() {
 
 void QueueEngine::_collectReturned() {
   while (SoundBlock* const block = _line.takeReturned()) {
-    if (block->endsItem) _endings.push_back({block->generation, block->finishedAt});
+    if (block->endsItem)
+      _endings.push_back({block->generation, block->finishedAt, block->missingFrames});
     _line.giveBack(block);
   }
 }
@@ -73,7 +74,7 @@ bool QueueEngine::_endHeardItems(const std::optional<AudioRoute::State>& state) 
     const Lock lock(_mutex);
     if (ending.generation == _generation) {
       if (state && taken < ending.takenAt + state->latencyFrames) break;
-      _items.front()->setQueued(false);
+      _items.front()->leaveQueue(ItemFate::heard(ending.missingFrames));
       _items.pop_front();
       --_sentItems;
       _setItemsChanged(/*isCurrentItemOther=*/true);
@@ -132,7 +133,7 @@ void QueueEngine::_fail(const std::string& reason, std::uint64_t orders, std::ui
     _setChanged(QueuePlayer::kStatusKeyPath);
     _rate = 0;
     _line.setRunning(false);
-    _dropAllItems();
+    _dropAllItems(ItemFate::dropped("the play queue has failed: " + reason));
   }
   TQUtils::log("ERROR: The play queue has failed: %@ Sound files dropped: %lu.", reason, dropped);
 }
@@ -207,7 +208,7 @@ void QueueEngine::_skip(const FilePlayerItem& item, const std::string& cause) {
   {
     const Lock lock(_mutex);
     if (_decoderGeneration != _generation) return;  // dropped meanwhile
-    _items[_sentItems]->setQueued(false);
+    _items[_sentItems]->leaveQueue(ItemFate::leftOut(cause));
     _items.erase(_items.begin() + static_cast<long>(_sentItems));
     _setItemsChanged(/*isCurrentItemOther=*/_sentItems == 0);
   }
@@ -223,6 +224,7 @@ void QueueEngine::_setReady() {
 
 void QueueEngine::_sendBlock(SoundBlock* block) {
   block->generation = _decoderGeneration;
+  block->missingFrames = _decoder->missingFrames();
   const Lock lock(_mutex);
   if (_decoderGeneration != _generation) {
     _line.giveBack(block);

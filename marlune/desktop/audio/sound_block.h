@@ -15,9 +15,10 @@ struct SoundBlock {
   std::vector<float> samples;  // interleaved; only the worker changes its size
   std::size_t frames = 0;
   int channels = 0;
-  std::uint32_t generation = 0;  // of the queue's content; an older one is no longer wanted
-  bool endsItem = false;         // the last of its recording
-  std::uint64_t finishedAt = 0;  // set by the callback: frames the output had taken by then
+  std::uint32_t generation = 0;     // of the queue's content; an older one is no longer wanted
+  bool endsItem = false;            // the last of its recording
+  std::uint64_t missingFrames = 0;  // of its recording, as far as it has been read
+  std::uint64_t finishedAt = 0;     // set by the callback: frames the output had taken by then
 };
 
 }  // namespace marlune
