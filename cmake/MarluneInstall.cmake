@@ -40,7 +40,7 @@ marlune_install_pkgconfig(marlune.pc)
 if(MARLUNE_DESKTOP)
   # What a static marlune::desktop makes its user link, beside expat: names of pkg-config, whose
   # imported targets are these in capitals.
-  set(MARLUNE_DESKTOP_PKGCONFIG sndfile)
+  set(MARLUNE_DESKTOP_PKGCONFIG sndfile libutf8proc)
   list(JOIN MARLUNE_DESKTOP_PKGCONFIG " " MARLUNE_DESKTOP_PKGCONFIG)
   # Not "Requires.private" for a static library: `pkg-config --static` would go on to what the
   # system's own libraries need for static linking, which is seldom installed.

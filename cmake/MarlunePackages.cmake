@@ -68,7 +68,7 @@ Binds the core library to a Linux desktop: property lists, preferences, a run
 loop, recordings read from files, sound on a device or rendered into a file.")
 
 # What the CMake package looks for, and the headers of the libraries that ours show.
-set(needed "libexpat1-dev, libsndfile1-dev, pkgconf | pkg-config")
+set(needed "libexpat1-dev, libsndfile1-dev, libutf8proc-dev, pkgconf | pkg-config")
 marlune_package(development libmarlune-dev SECTION libdevel
   DEPENDS "${core} ${exactly}, ${desktop} ${exactly}, ${needed}" DESCRIPTION
 "speaks phrases from recordings, headers

@@ -3,7 +3,7 @@
 
 # Packages by purpose, as Debian 12 names them.
 readonly build_packages=(g++ cmake ninja-build pkg-config libexpat1-dev libsndfile1-dev libsoxr-dev
-                         libsdl2-dev libcli11-dev)
+                         libutf8proc-dev libsdl2-dev libcli11-dev)
 readonly test_packages=(libgtest-dev libgmock-dev)
 readonly bench_packages=(libbenchmark-dev)
 readonly clang_packages=(clang libclang-rt-14-dev)
