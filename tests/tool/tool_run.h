@@ -15,6 +15,13 @@ inline ToolRun runTool(const std::vector<std::string>& arguments, const std::str
   return runProgram(MARLUNE_TOOL_PATH, arguments, input);
 }
 
+// Runs `marlune` from a shell's script, in which "$@" is the program with these arguments.
+inline ToolRun runToolIn(const std::string& script, const std::vector<std::string>& arguments) {
+  std::vector<std::string> all{"-c", script, "sh", MARLUNE_TOOL_PATH};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  return runProgram("/bin/sh", all);
+}
+
 }  // namespace marlune
 
 #endif  // MARLUNE_TESTS_TOOL_TOOL_RUN_H_

@@ -2,12 +2,10 @@
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
-#include <iostream>
 #include <memory>
 
-#include "tools/marlune/help_texts.h"
-#include "tools/marlune/phrase_input.h"
-#include "tools/marlune/report.h"
+#include "tools/marlune/options.h"
+#include "tools/marlune/phrase_command.h"
 #include "tools/marlune/voice.h"
 
 namespace marlune::tool {
@@ -20,19 +18,24 @@ struct Options {
   std::vector<std::string> phrases;
 };
 
-ExitStatus decompose(const Options& options) {
-  Voice voice(options.sounds, options.overrides);
-  PhraseInput input(options.phrases, std::cin);
-  ExitStatus status = kEverythingSaid;
-  while (const std::optional<Phrase> phrase = input.next()) {
-    const Voice::Answer answer = voice.filesFor(phrase->words);
-    if (!answer.files) {
-      complainAbout(*phrase, answer.reason);
-      status = kSomethingNotSaid;
-    }
-    std::cout << (answer.files ? joined(*answer.files) : "") << std::endl;
+class DecomposeCommand : public PhraseCommand {
+ public:
+  explicit DecomposeCommand(const Options& options) : _voice(options.sounds, options.overrides) {}
+
+ protected:
+  std::string answerTo(const Phrase& phrase) override {
+    const Voice::Answer answer = _voice.filesFor(phrase.words);
+    if (!answer.files) throw PhraseError(answer.reason);
+    return joined(*answer.files);
   }
-  return status;
+
+ private:
+  Voice _voice;
+};
+
+ExitStatus decompose(const Options& options) {
+  PhraseInput input(options.phrases);
+  return DecomposeCommand(options).answerAll(input);
 }
 
 }  // namespace
@@ -40,9 +43,9 @@ ExitStatus decompose(const Options& options) {
 void addDecomposeCommand(CLI::App& program, ExitStatus& status) {
   CLI::App* command = program.add_subcommand("decompose", "Print the recordings that say a phrase");
   const auto options = std::make_shared<Options>();
-  command->add_option("--sounds", options->sounds, kSoundsHelp)->required();
-  command->add_option("--overrides", options->overrides, kOverridesHelp);
-  command->add_option("PHRASE", options->phrases, kPhrasesHelp);
+  addSoundsOption(*command, options->sounds)->required();
+  addOverridesOption(*command, options->overrides);
+  addPhrases(*command, options->phrases);
   command->callback([options, &status] { status = decompose(*options); });
 }
 

@@ -5,14 +5,23 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <cstring>
 #include <exception>
 #include <iostream>
+#include <sstream>
 
+#include "marlune/platform/platform.h"
+#include "tools/marlune/answers.h"
 #include "tools/marlune/decompose_command.h"
 #include "tools/marlune/exit_status.h"
+#include "tools/marlune/input_error.h"
+#include "tools/marlune/options.h"
 #include "tools/marlune/report.h"
 #include "tools/marlune/rewrite_command.h"
 #include "tools/marlune/say_command.h"
+#include "tools/marlune/shown_log.h"
+#include "tools/marlune/shown_text.h"
+#include "tools/marlune/standard_descriptors.h"
 
 namespace marlune::tool {
 
@@ -24,19 +33,35 @@ constexpr const char* kFooter =
     "and standard error tells why.\n"
     "Exit status: 0 all could be said, 1 some could not, 2 bad usage or unreadable input.";
 
-int run(int argc, char** argv) {
+// An error message quotes the arguments.
+std::string failureMessage(const CLI::App* command, const CLI::Error& error) {
+  return shown(error.what()) +
+         CLI::FailureMessage::simple(command, error).substr(std::strlen(error.what()));
+}
+
+ExitStatus finish(const CLI::App& program, const CLI::ParseError& error) {
+  std::ostringstream text;
+  const bool isFailure = program.exit(error, text, std::cerr) != 0;
+  writeText(text.str());
+  return isFailure ? kUnusable : kEverythingSaid;
+}
+
+ExitStatus run(int argc, char** argv) {
   CLI::App program("Speaks phrases from recordings.", "marlune");
   program.footer(kFooter);
   program.require_subcommand(0, 1);
+  program.failure_message(failureMessage);
   program.set_version_flag("--version", "marlune " MARLUNE_VERSION);
   ExitStatus status = kEverythingSaid;
   addRewriteCommand(program, status);
   addDecomposeCommand(program, status);
   addSayCommand(program, status);
+  const std::string option = optionWithoutValue(argc, argv);
+  if (!option.empty()) throw InputError(option + ": " + kEmptyValue);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? kEverythingSaid : kUnusable;
+    return finish(program, error);
   }
   if (program.get_subcommands().empty()) {
     complain("a command is needed; --help lists them");
@@ -55,8 +80,12 @@ int main(int argc, char** argv) {
   // start on fresh pages of its own.
   ::mallopt(M_ARENA_MAX, 1);
 #endif
+  marlune::tool::occupyStandardDescriptors();
   try {
+    marlune::Platform::shared().systemLog = std::make_shared<marlune::tool::ShownLog>();
     return marlune::tool::run(argc, argv);
+  } catch (const marlune::tool::NobodyReads&) {
+    marlune::tool::endByBrokenPipe();
   } catch (const std::exception& error) {
     marlune::tool::complain(error.what());
     return marlune::tool::kUnusable;

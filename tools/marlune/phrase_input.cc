@@ -1,22 +1,53 @@
 #include "tools/marlune/phrase_input.h"
 
+#include <new>
+#include <utility>
+
+#include "tools/marlune/phrase_limits.h"
+
 namespace marlune::tool {
 
-std::optional<Phrase> PhraseInput::next() {
-  Phrase phrase;
-  if (!_arguments.empty()) {
-    if (_count == _arguments.size()) return std::nullopt;
-    phrase.text = _arguments[_count++];
-  } else {
-    if (!std::getline(_lines, phrase.text)) return std::nullopt;
-    phrase.line = ++_count;
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+// Counted before any word is made: a line of the longest kind has eight million.
+bool hasTooManyWords(std::string_view line) {
+  std::size_t count = 0;
+  bool isInWord = false;
+  for (const char c : line) {
+    const bool wasInWord = std::exchange(isInWord, kBlanks.find(c) == std::string_view::npos);
+    if (isInWord && !wasInWord && ++count > kMostWords) return true;
   }
-  phrase.words = wordsOf(phrase.text);
+  return false;
+}
+
+}  // namespace
+
+std::optional<Phrase> PhraseInput::next() {
+  const std::optional<LineReader::Line> line = _nextLine();
+  if (!line) return std::nullopt;
+  ++_count;
+  Phrase phrase;
+  if (_readsLines) phrase.line = _count;
+  phrase.fault = line->fault;
+  if (phrase.fault.empty() && hasTooManyWords(line->text)) phrase.fault = kTooManyWords;
+  if (!phrase.fault.empty()) return phrase;
+  try {
+    phrase.words = wordsOf(line->text);
+  } catch (const std::bad_alloc&) {
+    phrase.fault = kOutOfMemory;
+  }
   return phrase;
 }
 
+std::optional<LineReader::Line> PhraseInput::_nextLine() {
+  if (_readsLines) return _lines.next();
+  if (_count == _arguments.size()) return std::nullopt;
+  return LineReader::Line{std::move(_arguments[_count])};
+}
+
 Words wordsOf(std::string_view line) {
-  constexpr std::string_view kBlanks = " \t\r\n";
   Words words;
   std::size_t start = line.find_first_not_of(kBlanks);
   while (start != std::string_view::npos) {

@@ -2,11 +2,12 @@
 #define MARLUNE_TOOLS_MARLUNE_PHRASE_INPUT_H_
 
 #include <cstddef>
-#include <istream>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tools/marlune/line_reader.h"
 
 namespace marlune::tool {
 
@@ -14,25 +15,28 @@ using Words = std::vector<std::string>;
 
 // A phrase to work on, and where it came from.
 struct Phrase {
-  std::string text;  // as given, for messages
   Words words;
-  std::size_t line = 0;  // in standard input, from 1; 0 for an argument
+  std::size_t line = 0;      // in standard input, from 1; 0 for an argument
+  std::string_view fault{};  // which limit it exceeds, and so has no words; else empty
 };
 
 // The phrases of a run, one after the other: the arguments, one phrase each, or without any the
-// lines of a stream, each read only when it is asked for.
+// lines of standard input, each read only when it is asked for.
 class PhraseInput {
  public:
-  // `lines` is used while there are no arguments, and must outlive this.
-  PhraseInput(std::vector<std::string> arguments, std::istream& lines)
-      : _arguments(std::move(arguments)), _lines(lines) {}
+  explicit PhraseInput(std::vector<std::string> arguments)
+      : _arguments(std::move(arguments)), _readsLines(_arguments.empty()) {}
 
-  // The next phrase; nothing at the end. An empty line is a phrase without words.
+  // The next phrase; nothing at the end. An empty line is a phrase without words. Throws InputError
+  // when standard input cannot be read.
   std::optional<Phrase> next();
 
  private:
+  std::optional<LineReader::Line> _nextLine();
+
   std::vector<std::string> _arguments;
-  std::istream& _lines;
+  const bool _readsLines;
+  LineReader _lines;
   std::size_t _count = 0;
 };
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iostream>
 
+#include "tools/marlune/shown_text.h"
+
 namespace marlune::tool {
 
 ProgressLine::ProgressLine(const Playlist& playlist)
@@ -27,7 +29,7 @@ std::string progressText(const Playlist& playlist, double seconds) {
                      std::string(static_cast<std::size_t>(kBarLength - bars), '-') + "] ";
   text += secondsText(heard) + " of " + secondsText(total) + " s";
   const PlaylistEntry* entry = playlist.entryAt(heard);
-  return entry ? text + "  " + entry->name : text;
+  return entry ? text + "  " + shown(entry->name) : text;
 }
 
 }  // namespace marlune::tool

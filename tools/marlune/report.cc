@@ -1,29 +1,49 @@
 #include "tools/marlune/report.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <iostream>
+
+#include "tools/marlune/shown_text.h"
 
 namespace marlune::tool {
 
+namespace {
+
+// The words, or as many of the first as a message has room for.
+std::string excerptOf(const Words& words) {
+  constexpr std::size_t kMostBytes = 2000;
+  std::string text;
+  for (const std::string& word : words) {
+    if (!text.empty()) text += ' ';
+    if (text.size() + word.size() > kMostBytes) return text + "...";
+    text += word;
+  }
+  return text;
+}
+
+}  // namespace
+
 void complain(std::string_view sentence) {
   // In one piece, so that it stays whole beside what the library logs.
-  std::cerr << "marlune: " + std::string(sentence) + "\n" << std::flush;
+  std::cerr << "marlune: " + shownLine(sentence) << std::flush;
 }
 
 void complainAbout(const Phrase& phrase, std::string_view reason) {
   std::string sentence;
   if (phrase.line != 0) sentence += "line " + std::to_string(phrase.line) + ": ";
-  sentence += "\"" + joined(phrase.words) + "\": ";
+  if (phrase.fault.empty()) sentence += "\"" + excerptOf(phrase.words) + "\": ";
   sentence += reason;
   complain(sentence);
 }
 
 std::string quoted(const Words& names) {
   std::string row;
-  for (const std::string& name : names) {
-    if (!row.empty()) row += ", ";
-    row += '"' + name + '"';
+  for (std::size_t i = 0; i < std::min(names.size(), kMostQuoted); ++i) {
+    if (i > 0) row += ", ";
+    row += '"' + excerptOf({names[i]}) + '"';
   }
-  return row;
+  return names.size() > kMostQuoted ? row + " and others" : row;
 }
 
 }  // namespace marlune::tool

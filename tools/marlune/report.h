@@ -8,13 +8,17 @@
 
 namespace marlune::tool {
 
-// Writes "marlune: <sentence>" and a line feed to standard error.
+// Writes "marlune: <sentence>" and a line feed to standard error, control characters as `shown`
+// prints them.
 void complain(std::string_view sentence);
 
-// Says why a phrase came to nothing, with its text and its line in standard input.
+// Reports why a phrase came to nothing, with its text (the start of a long one) and its line in
+// standard input.
 void complainAbout(const Phrase& phrase, std::string_view reason);
 
-// Names in a row, in quotes: "one", "two".
+// Names in a row, in quotes: "one", "two". Behind the first kMostQuoted, " and others" stands for
+// those that follow.
+inline constexpr std::size_t kMostQuoted = 50;
 std::string quoted(const Words& names);
 
 }  // namespace marlune::tool

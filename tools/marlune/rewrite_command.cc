@@ -7,9 +7,9 @@
 #include <memory>
 #include <optional>
 
-#include "tools/marlune/help_texts.h"
 #include "tools/marlune/input_error.h"
-#include "tools/marlune/phrase_input.h"
+#include "tools/marlune/options.h"
+#include "tools/marlune/phrase_command.h"
 #include "tools/marlune/rewriter.h"
 #include "tools/marlune/trace.h"
 #include "tools/marlune/why.h"
@@ -34,33 +34,41 @@ struct Options {
   std::vector<std::string> phrases;
 };
 
-// With the rules' trace the walk's own result, since rewriting once more would repeat its messages.
-Words answerTo(const Words& words, const Rewriter& rewriter, const Options& options) {
-  if (options.why) {
-    std::cerr << whyText(rewriter.walkOf(words), {*options.why, options.name}) << std::flush;
+class RewriteCommand : public PhraseCommand {
+ public:
+  explicit RewriteCommand(const Options& options)
+      : _options(options), _rewriter(options.grammar, options.name) {
+    if (!options.why || !_why({}).empty()) return;
+    throw InputError(options.grammar + ": " + options.name + " has no rule named " + *options.why);
   }
-  if (options.trace == "rules") {
-    const GrammarWalk walk = rewriter.walkOf(words);
-    std::cerr << readableTrace(walk) << std::flush;
-    return walk.after()->stringArray();
-  }
-  if (options.trace == "raw") std::cerr << rewriter.rawTraceOf(words) << std::flush;
-  return rewriter.rewritten(words);
-}
 
-void requireRule(const Rewriter& rewriter, const Options& options) {
-  if (!whyText(rewriter.walkOf({}), {*options.why, options.name}).empty()) return;
-  throw InputError(options.grammar + ": " + options.name + " has no rule named " + *options.why);
-}
+ protected:
+  std::string answerTo(const Phrase& phrase) override { return joined(_rewritten(phrase.words)); }
+
+ private:
+  std::string _why(const Words& words) const {
+    return whyText(_rewriter.walkOf(words), {*_options.why, _options.name});
+  }
+
+  // With the rules' trace the walk's own result: to rewrite once more would repeat its messages.
+  Words _rewritten(const Words& words) const {
+    if (_options.why) std::cerr << _why(words) << std::flush;
+    if (_options.trace == "rules") {
+      const GrammarWalk walk = _rewriter.walkOf(words);
+      std::cerr << readableTrace(walk) << std::flush;
+      return walk.after()->stringArray();
+    }
+    if (_options.trace == "raw") std::cerr << _rewriter.rawTraceOf(words) << std::flush;
+    return _rewriter.rewritten(words);
+  }
+
+  const Options& _options;
+  const Rewriter _rewriter;
+};
 
 ExitStatus rewrite(const Options& options) {
-  const Rewriter rewriter(options.grammar, options.name);
-  if (options.why) requireRule(rewriter, options);
-  PhraseInput input(options.phrases, std::cin);
-  while (const std::optional<Phrase> phrase = input.next()) {
-    std::cout << joined(answerTo(phrase->words, rewriter, options)) << std::endl;
-  }
-  return kEverythingSaid;
+  PhraseInput input(options.phrases);
+  return RewriteCommand(options).answerAll(input);
 }
 
 }  // namespace
@@ -68,12 +76,12 @@ ExitStatus rewrite(const Options& options) {
 void addRewriteCommand(CLI::App& program, ExitStatus& status) {
   CLI::App* command = program.add_subcommand("rewrite", "Print a phrase as a grammar rewrites it");
   const auto options = std::make_shared<Options>();
-  command->add_option("--grammar", options->grammar, kGrammarHelp)->required();
-  command->add_option("--name", options->name, kNameHelp)->required();
+  addGrammarOption(*command, options->grammar)->required();
+  addNameOption(*command, options->name)->required();
   command->add_flag("--trace{rules}", options->trace, kTraceHelp)
       ->check(CLI::IsMember({"rules", "raw"}));
   command->add_option("--why", options->why, kWhyHelp)->type_name("RULE");
-  command->add_option("PHRASE", options->phrases, kPhrasesHelp);
+  addPhrases(*command, options->phrases);
   command->callback([options, &status] { status = rewrite(*options); });
 }
 

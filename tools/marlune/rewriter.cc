@@ -8,6 +8,7 @@
 #include "marlune/util/tq_utils.h"
 #include "tools/marlune/captured_log.h"
 #include "tools/marlune/input_error.h"
+#include "tools/marlune/shown_text.h"
 
 namespace marlune::tool {
 
@@ -21,6 +22,19 @@ class TracePreferences : public Preferences {
   }
   void setValueForKey(const Value&, std::string_view, std::string_view) override {}
   bool synchronize(std::string_view) override { return true; }
+};
+
+class TraceSwitchedOn {
+ public:
+  TraceSwitchedOn() : _former(Platform::shared().preferences) {
+    Platform::shared().preferences = std::make_shared<TracePreferences>();
+  }
+  ~TraceSwitchedOn() { Platform::shared().preferences = _former; }
+  TraceSwitchedOn(const TraceSwitchedOn&) = delete;
+  TraceSwitchedOn& operator=(const TraceSwitchedOn&) = delete;
+
+ private:
+  const std::shared_ptr<Preferences> _former;
 };
 
 // What the library says of a file that it cannot read.
@@ -75,12 +89,10 @@ GrammarWalk Rewriter::walkOf(const Words& words) const {
 
 std::string Rewriter::rawTraceOf(const Words& words) const {
   const CapturedLog log(CapturedLog::Kept::everything);
-  const auto former = Platform::shared().preferences;
-  Platform::shared().preferences = std::make_shared<TracePreferences>();
+  const TraceSwitchedOn trace;
   _parser->resultOfRulesAppliedToStrings(words);
-  Platform::shared().preferences = former;
   std::string text;
-  for (const std::string& line : log.lines()) text += line + "\n";
+  for (const std::string& line : log.lines()) text += shownLayout(line) + "\n";
   return text;
 }
 

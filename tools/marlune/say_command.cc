@@ -2,13 +2,11 @@
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
-#include <iostream>
 #include <memory>
 
-#include "tools/marlune/help_texts.h"
-#include "tools/marlune/phrase_input.h"
+#include "tools/marlune/options.h"
+#include "tools/marlune/phrase_command.h"
 #include "tools/marlune/playlist.h"
-#include "tools/marlune/report.h"
 #include "tools/marlune/rewriter.h"
 #include "tools/marlune/speaker.h"
 #include "tools/marlune/voice.h"
@@ -27,7 +25,7 @@ struct Options {
 };
 
 // The three stages in a row, as an app chains them.
-class SayCommand {
+class SayCommand : public PhraseCommand {
  public:
   explicit SayCommand(const Options& options)
       : _voice(options.sounds, options.overrides), _speaker(_voice.bundle(), options.output) {
@@ -36,40 +34,34 @@ class SayCommand {
     }
   }
 
-  // Whether the phrase could be said. Answers it with a line: its words as they are said, and
-  // the recordings with their lengths in seconds.
-  bool say(const Phrase& phrase) {
-    const Words words = _rewriter ? _rewriter->rewritten(phrase.words) : phrase.words;
-    const Voice::Answer answer = _voice.filesFor(words);
-    if (!answer.files) return _refuse(phrase, answer.reason);
-    const Playlist playlist(*answer.files, *_voice.bundle());
-    if (!playlist.faults().empty()) return _refuse(phrase, playlist.faults());
-    std::cout << joined(words) + " | " + playlist.text() << std::endl;
-    _speaker.say(*answer.files, playlist);
-    return true;
-  }
-
   void finish() { _speaker.finish(); }
 
- private:
-  static bool _refuse(const Phrase& phrase, const std::string& reason) {
-    complainAbout(phrase, reason);
-    std::cout << std::endl;
-    return false;
+ protected:
+  // The phrase's words as they are said, and the recordings with their lengths in seconds.
+  std::string answerTo(const Phrase& phrase) override {
+    const Words words = _rewriter ? _rewriter->rewritten(phrase.words) : phrase.words;
+    const Voice::Answer answer = _voice.filesFor(words);
+    if (!answer.files) throw PhraseError(answer.reason);
+    _files = answer.files;
+    _playlist = std::make_unique<Playlist>(*_files, *_voice.bundle());
+    if (!_playlist->faults().empty()) throw PhraseError(_playlist->faults());
+    return joined(words) + " | " + _playlist->text();
   }
 
+  void followAnswer() override { _speaker.say(*_files, *_playlist); }
+
+ private:
   Voice _voice;
   Speaker _speaker;
   std::unique_ptr<Rewriter> _rewriter;
+  std::shared_ptr<const Words> _files;  // of the phrase answered last
+  std::unique_ptr<Playlist> _playlist;
 };
 
 ExitStatus say(const Options& options) {
   SayCommand command(options);
-  PhraseInput input(options.phrases, std::cin);
-  ExitStatus status = kEverythingSaid;
-  while (const std::optional<Phrase> phrase = input.next()) {
-    if (!command.say(*phrase)) status = kSomethingNotSaid;
-  }
+  PhraseInput input(options.phrases);
+  const ExitStatus status = command.answerAll(input);
   command.finish();
   return status;
 }
@@ -79,15 +71,15 @@ ExitStatus say(const Options& options) {
 void addSayCommand(CLI::App& program, ExitStatus& status) {
   CLI::App* command = program.add_subcommand("say", "Say a phrase with recordings");
   const auto options = std::make_shared<Options>();
-  command->add_option("--sounds", options->sounds, kSoundsHelp)->required();
-  CLI::Option* grammar = command->add_option("--grammar", options->grammar, kGrammarHelp);
-  CLI::Option* name = command->add_option("--name", options->name, kNameHelp);
+  addSoundsOption(*command, options->sounds)->required();
+  CLI::Option* grammar = addGrammarOption(*command, options->grammar);
+  CLI::Option* name = addNameOption(*command, options->name);
   grammar->needs(name);
   name->needs(grammar);
-  command->add_option("--overrides", options->overrides, kOverridesHelp);
-  command->add_option("--output", options->output,
-                      "A file *.wav or *.aif to make instead of playing; all phrases in a row");
-  command->add_option("PHRASE", options->phrases, kPhrasesHelp);
+  addOverridesOption(*command, options->overrides);
+  addTextOption(*command, "--output", options->output,
+                "A file *.wav or *.aif to make instead of playing; all phrases in a row");
+  addPhrases(*command, options->phrases);
   command->callback([options, &status] { status = say(*options); });
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "tools/marlune/shown_text.h"
 #include "tools/marlune/slot_text.h"
 
 namespace marlune::tool {
@@ -27,15 +28,15 @@ std::string nameOf(const Turn& turn) {
 }
 
 std::string readableTrace(const GrammarWalk& walk) {
-  std::string text = textOf(walk.before().get()) + "\n";
+  std::string text = shownLine(textOf(walk.before().get()));
   std::size_t changes = 0;
   for (const Turn& turn : walk.turns()) {
     const bool changed = turn.after != turn.before;
     if (!changed && turn.messages.empty()) continue;
-    text += "  " + headingOf(turn) + "\n";
-    for (const std::string& message : turn.messages) text += "    " + message + "\n";
+    text += shownLine("  " + headingOf(turn));
+    for (const std::string& message : turn.messages) text += shownLine("    " + message);
     if (!changed) continue;
-    text += "    " + textOf(turn.after.get()) + "\n";
+    text += shownLine("    " + textOf(turn.after.get()));
     ++changes;
   }
   const std::size_t rules = walk.turns().size();

@@ -53,10 +53,13 @@ Voice::Answer Voice::filesFor(const Words& words) {
 std::string Voice::_reasonAgainst(const Words& words) {
   if (words.empty()) return "there is nothing to say";
   Words missing, dependent;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    if (_canSay(words, i, i + 1)) continue;
+  const auto isIn = [](const Words& names, const std::string& word) {
+    return std::find(names.begin(), names.end(), word) != names.end();
+  };
+  for (std::size_t i = 0; i < words.size() && missing.size() <= kMostQuoted; ++i) {
+    if (isIn(missing, words[i]) || _canSay(words, i, i + 1)) continue;
     Words& names = _isCovered(words, i) ? dependent : missing;
-    if (std::find(names.begin(), names.end(), words[i]) == names.end()) names.push_back(words[i]);
+    if (names.size() <= kMostQuoted && !isIn(names, words[i])) names.push_back(words[i]);
   }
   if (!missing.empty()) return "no recording of " + quoted(missing);
   if (!dependent.empty()) return "no recording of its own for " + quoted(dependent);

@@ -9,6 +9,7 @@
 
 #include "marlune/grammar/conditional_production.h"
 #include "tools/marlune/captured_log.h"
+#include "tools/marlune/shown_text.h"
 #include "tools/marlune/slot_text.h"
 #include "tools/marlune/trace.h"
 
@@ -157,9 +158,9 @@ std::string whyText(const GrammarWalk& walk, const RuleName& name) {
   const std::span<const Turn> turns(walk.turns());
   for (std::size_t i = 0; i < turns.size(); ++i) {
     if (!name.isOf(turns[i])) continue;
-    text += nameOf(turns[i]) + " at its turn: " + textOf(turns[i].before.get()) + "\n";
+    text += shownLine(nameOf(turns[i]) + " at its turn: " + textOf(turns[i].before.get()));
     for (const std::string& line : linesAbout(turns[i], turns.subspan(i + 1))) {
-      text += "  " + line + "\n";
+      text += shownLine("  " + line);
     }
   }
   return text;

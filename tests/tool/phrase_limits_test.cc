@@ -1,0 +1,49 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tool/tool_run.h"
+
+namespace marlune {
+
+namespace {
+
+constexpr std::size_t kMostBytes = 16U << 20U;
+
+ToolRun decompose(const std::string& input) {
+  return runTool({"decompose", "--sounds", MARLUNE_VOICE_FOLDER}, input);
+}
+
+TEST(PhraseLimitsTest, ALineThatIsTooLongFailsAlone) {
+  std::string words;
+  for (int i = 0; i <= 1'000'000; ++i) words += "g ";
+  const std::string blanks(kMostBytes - 2, ' ');
+  const ToolRun run =
+      decompose("go\n" + words + "\n" + blanks + "go\n" + blanks + "go \ngo\n" + blanks + "  at");
+  EXPECT_EQ(run.out, "go\n\ngo\n\ngo\n\n");
+  EXPECT_EQ(run.err,
+            "marlune: line 2: it has more than 1,000,000 words\n"
+            "marlune: line 4: it is longer than 16 MiB\n"
+            "marlune: line 6: it is longer than 16 MiB\n");
+  EXPECT_EQ(run.status, 1);
+}
+
+// The reason quotes the phrase and the words that are missing.
+TEST(PhraseLimitsTest, AMessageAboutALongPhraseIsShort) {
+  std::string words;
+  for (int i = 0; i < 600; ++i) words += "w" + std::to_string(i) + " ";
+  const ToolRun run = decompose(words + "\n" + std::string(100'000, 'x') + "\n");
+  EXPECT_EQ(run.out, "\n\n");
+  EXPECT_THAT(run.err, testing::HasSubstr(" ...\": no recording of \"w0\", \"w1\", "));
+  EXPECT_LT(run.err.size(), 6'000U);
+}
+
+TEST(PhraseInputTest, AByteOrderMarkAtTheStartIsNoPartOfAWord) {
+  EXPECT_EQ(decompose("\xEF\xBB\xBFgo\n").out, "go\n");
+  EXPECT_EQ(decompose("go\n\xEF\xBB\xBFgo\n").status, 1);
+}
+
+}  // namespace
+
+}  // namespace marlune

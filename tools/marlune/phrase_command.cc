@@ -1,0 +1,49 @@
+#include "tools/marlune/phrase_command.h"
+
+#include <functional>
+#include <new>
+
+#include "tools/marlune/answers.h"
+#include "tools/marlune/phrase_limits.h"
+#include "tools/marlune/report.h"
+
+namespace marlune::tool {
+
+namespace {
+
+// Does a part of the work on a phrase. Whether it succeeded; where not, the reason is reported.
+bool tried(const Phrase& phrase, const std::function<void()>& work) {
+  try {
+    work();
+    return true;
+  } catch (const PhraseError& error) {
+    complainAbout(phrase, error.what());
+  } catch (const std::bad_alloc&) {
+    complainAbout(phrase, kOutOfMemory);
+  } catch (const std::length_error&) {
+    complainAbout(phrase, kOutOfMemory);
+  }
+  return false;
+}
+
+}  // namespace
+
+ExitStatus PhraseCommand::answerAll(PhraseInput& input) {
+  ExitStatus status = kEverythingSaid;
+  while (const std::optional<Phrase> phrase = input.next()) {
+    if (!_answer(*phrase)) status = kSomethingNotSaid;
+  }
+  return status;
+}
+
+bool PhraseCommand::_answer(const Phrase& phrase) {
+  std::string answer;
+  const bool hasAnswer = tried(phrase, [&] {
+    if (!phrase.fault.empty()) throw PhraseError(std::string(phrase.fault));
+    answer = answerTo(phrase);
+  });
+  writeAnswer(answer);
+  return hasAnswer && tried(phrase, [this] { followAnswer(); });
+}
+
+}  // namespace marlune::tool

@@ -1,0 +1,17 @@
+#include "tools/marlune/standard_descriptors.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace marlune::tool {
+
+// Each is opened for the wrong direction: the lowest free descriptor is the one that open returns.
+void occupyStandardDescriptors() {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    if (::fcntl(descriptor, F_GETFD) != -1) continue;
+    const int wrongWay = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    static_cast<void>(::open("/dev/null", wrongWay));
+  }
+}
+
+}  // namespace marlune::tool

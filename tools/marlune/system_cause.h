@@ -1,0 +1,13 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_SYSTEM_CAUSE_H_
+#define MARLUNE_TOOLS_MARLUNE_SYSTEM_CAUSE_H_
+
+#include <string>
+
+namespace marlune::tool {
+
+// What an errno means, as a part of a sentence: "no space left on device".
+std::string systemCause(int error);
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_SYSTEM_CAUSE_H_
