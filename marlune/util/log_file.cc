@@ -3,22 +3,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "marlune/platform/open_file.h"
 #include "marlune/platform/quiet_write.h"
 
 namespace marlune {
-
-namespace {
-
-// `descriptor` or, in place of a standard stream that is closed, one beyond them: what the process
-// prints must not end up in the log.
-int beyondStandardStreams(int descriptor) {
-  if (descriptor < 0 || descriptor > STDERR_FILENO) return descriptor;
-  const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  ::close(descriptor);
-  return moved;
-}
-
-}  // namespace
 
 std::shared_ptr<LogFile> LogFile::openAtPath(const std::string& path) {
   // O_NONBLOCK: a FIFO at the path would otherwise hold the caller until somebody reads it.
@@ -26,12 +14,13 @@ std::shared_ptr<LogFile> LogFile::openAtPath(const std::string& path) {
   // must not write over new lines.
   constexpr int kFlags =
       O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  // Not openFile, which moves 0 too: a descriptor of 0 counts as a failure here.
   const int descriptor = ::open(path.c_str(), kFlags, 0644);
   if (descriptor == 0) {
     ::close(descriptor);
     return nullptr;
   }
-  return std::shared_ptr<LogFile>(new LogFile(beyondStandardStreams(descriptor)));
+  return std::shared_ptr<LogFile>(new LogFile(aboveStandardStreams(descriptor)));
 }
 
 LogFile::~LogFile() {

@@ -134,6 +134,18 @@ TEST_F(SayCommandTest, TellsThatTheLastOfTheOutputCannotBeWritten) {
   EXPECT_EQ(run.status, 2);
 }
 
+TEST_F(SayCommandTest, WritesNoMessagesIntoTheOutputWhereStandardErrorIsClosed) {
+  const std::string input = "go\nflib\ngo\n";
+  say({}, input);
+  const std::string expected = TemporaryDirectory::contentOf(output);
+  const ToolRun run = runProgram("/bin/sh",
+                                 {"-c", "exec \"$0\" say --sounds \"$1\" --output \"$2\" 2>&-",
+                                  MARLUNE_TOOL_PATH, sounds, output},
+                                 input);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_TRUE(TemporaryDirectory::contentOf(output) == expected);
+}
+
 TEST_F(SayCommandTest, NeedsAGrammarAndItsNameTogether) {
   EXPECT_EQ(say({"--grammar", "x.plist", "go"}).status, 2);
   EXPECT_EQ(say({"--name", "Main", "go"}).status, 2);

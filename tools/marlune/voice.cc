@@ -1,12 +1,14 @@
 #include "tools/marlune/voice.h"
 
-#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
 
+#include "marlune/platform/open_file.h"
 #include "tools/marlune/input_error.h"
 #include "tools/marlune/overrides_file.h"
 #include "tools/marlune/report.h"
@@ -19,9 +21,9 @@ namespace {
 constexpr std::size_t kLongestPart = 10;
 
 void requireFolder(const std::string& folder) {
-  DIR* const entries = ::opendir(folder.c_str());
-  if (!entries) throw InputError(folder + ": " + std::strerror(errno));
-  ::closedir(entries);
+  const int descriptor = openFile(folder.c_str(), O_RDONLY | O_DIRECTORY);
+  if (descriptor < 0) throw InputError(folder + ": " + std::strerror(errno));
+  ::close(descriptor);
 }
 
 }  // namespace

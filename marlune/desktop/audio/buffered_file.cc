@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "marlune/platform/open_file.h"
+
 namespace marlune {
 
 namespace {
@@ -41,7 +43,7 @@ std::unique_ptr<BufferedFile> BufferedFile::openForWriting(const std::string& pa
 
 std::unique_ptr<BufferedFile> BufferedFile::_open(const std::string& path, int flags,
                                                   std::string& cause) {
-  const int descriptor = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
+  const int descriptor = openFile(path.c_str(), flags | O_NONBLOCK, 0666);
   if (descriptor < 0) {
     cause = std::strerror(errno);
     return nullptr;

@@ -9,6 +9,7 @@
 
 #include "marlune/desktop/plist/property_list_error.h"
 #include "marlune/desktop/plist/property_list_limits.h"
+#include "marlune/platform/open_file.h"
 
 namespace marlune {
 
@@ -18,7 +19,7 @@ class OpenFile {
  public:
   // Not blocking: opening a FIFO that nobody writes to would wait for ever otherwise.
   explicit OpenFile(const char* path)
-      : _descriptor(::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)) {
+      : _descriptor(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY)) {
     if (_descriptor < 0) _fail();
   }
   ~OpenFile() {

@@ -1,11 +1,15 @@
 #include "marlune/desktop/services/folder_bundle.h"
 
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <system_error>
+
+#include "marlune/platform/open_file.h"
 
 namespace marlune {
 
@@ -17,6 +21,13 @@ bool isRegularFile(const std::string& path) {
   return std::filesystem::is_regular_file(path, error);
 }
 
+DIR* openFolder(const std::string& folder) {
+  const int descriptor = openFile(folder.c_str(), O_RDONLY | O_DIRECTORY);
+  DIR* const entries = descriptor < 0 ? nullptr : ::fdopendir(descriptor);
+  if (!entries && descriptor >= 0) ::close(descriptor);
+  return entries;
+}
+
 }  // namespace
 
 // Not through std::filesystem, which makes a path of each entry and takes it to pieces: of a folder
@@ -26,7 +37,7 @@ std::vector<std::string> FolderBundle::pathsForResourcesOfType(std::string_view 
   const std::string extension = "." + std::string(type);
   std::string folder = _pathOfDirectory(directory);
   std::vector<std::string> paths;
-  const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), &::closedir);
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(openFolder(folder), &::closedir);
   if (!folder.ends_with('/')) folder += '/';
   while (const dirent* const entry = entries ? ::readdir(entries.get()) : nullptr) {
     const std::string_view name = entry->d_name;

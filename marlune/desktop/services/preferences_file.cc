@@ -19,6 +19,7 @@
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/regular_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
+#include "marlune/platform/open_file.h"
 #include "marlune/platform/quiet_write.h"
 
 namespace marlune {
@@ -40,7 +41,7 @@ constexpr std::chrono::milliseconds kLockPause{5};
 class Descriptor {
  public:
   Descriptor(const std::string& path, int flags, mode_t mode = 0)
-      : _descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, mode)) {
+      : _descriptor(openFile(path.c_str(), flags | O_NONBLOCK, mode)) {
     if (_descriptor < 0) fail("open", path);
   }
   ~Descriptor() { ::close(_descriptor); }

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "marlune/platform/open_file.h"
+
 namespace marlune {
 namespace {
 
@@ -164,7 +166,7 @@ void RunLoop::_giveUp(Wait& wait) {
 int RunLoop::fileDescriptor() {
   const Lock lock(_mutex);
   if (_timer < 0) {
-    _timer = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
+    _timer = aboveStandardStreams(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC));
     _armTimer();
   }
   return _timer;
