@@ -10,33 +10,40 @@ namespace marlune {
 
 namespace {
 
-bool isPending(int signal) {
-  sigset_t pending;
-  sigemptyset(&pending);
-  return sigpending(&pending) == 0 && sigismember(&pending, signal) == 1;
-}
+constexpr int kSignals[] = {SIGPIPE, SIGXFSZ};
 
-// Holds one signal back from the calling thread. At its end an instance that arrived meanwhile is
-// gone; one that was pending before stays, it is somebody else's.
-class HeldSignal {
+// Holds the signals of a failing write back from the calling thread.
+class HeldSignals {
  public:
-  explicit HeldSignal(int signal) : _signal(signal), _wasPending(isPending(signal)) {
+  HeldSignals() {
     sigemptyset(&_set);
-    sigaddset(&_set, signal);
+    for (const int signal : kSignals) sigaddset(&_set, signal);
+    sigemptyset(&_formerlyPending);
+    sigpending(&_formerlyPending);
     pthread_sigmask(SIG_BLOCK, &_set, &_formerMask);
   }
-  ~HeldSignal() {
-    int taken = 0;
-    if (!_wasPending && isPending(_signal)) sigwait(&_set, &taken);
-    pthread_sigmask(SIG_SETMASK, &_formerMask, nullptr);
+  ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &_formerMask, nullptr); }
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+
+  // Takes away what arrived meanwhile. What was pending before stays, it is somebody else's.
+  void drop() {
+    sigset_t pending;
+    if (sigpending(&pending) != 0) return;
+    for (const int signal : kSignals) {
+      if (sigismember(&pending, signal) != 1 || sigismember(&_formerlyPending, signal) == 1)
+        continue;
+      sigset_t one;
+      sigemptyset(&one);
+      sigaddset(&one, signal);
+      int taken = 0;
+      sigwait(&one, &taken);
+    }
   }
-  HeldSignal(const HeldSignal&) = delete;
-  HeldSignal& operator=(const HeldSignal&) = delete;
 
  private:
-  const int _signal;
-  const bool _wasPending;
   sigset_t _set;
+  sigset_t _formerlyPending;
   sigset_t _formerMask;
 };
 
@@ -51,14 +58,11 @@ ssize_t writeUninterrupted(int descriptor, std::string_view bytes) {
 }  // namespace
 
 ssize_t quietWrite(int descriptor, std::string_view bytes) noexcept {
-  ssize_t written = 0;
-  int error = 0;
-  {
-    const HeldSignal pipe(SIGPIPE);
-    const HeldSignal fileSize(SIGXFSZ);
-    written = writeUninterrupted(descriptor, bytes);
-    error = errno;
-  }
+  HeldSignals signals;
+  const ssize_t written = writeUninterrupted(descriptor, bytes);
+  const int error = errno;
+  // A whole write raises none.
+  if (written != static_cast<ssize_t>(bytes.size())) signals.drop();
   errno = error;
   return written;
 }
