@@ -1,8 +1,11 @@
 #include "marlune/desktop/audio/file_output.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <cmath>
+#include <thread>
 
 #include "support/engine_rig.h"
 #include "support/platform_fixture.h"
@@ -52,6 +55,57 @@ TEST_F(FileOutputTest, TakesTheFormatOfTheFirstRecordingAndKeepsEverySample) {
     expected.insert(expected.end(), all.begin(), all.end());
     EXPECT_EQ(sound.samples, expected);
   }
+}
+
+TEST_F(FileOutputTest, TheFileKeepsWhatItHeldUntilTheRenderingIsWhole) {
+  const auto clip = folder.write("clip.aif", countingSamples(500, 0), {22'050, 1});
+  const std::string path = folder.path("x.wav");
+  const std::string draft = path + ".partial";
+  folder.writeBytes("x.wav", {'o', 'l', 'd'});
+  ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+  // What lies in the draft's place may have another name: it must not be emptied.
+  std::filesystem::create_hard_link(clip, draft);
+  std::filesystem::create_symlink("x.wav", folder.path("link.wav"));
+
+  const auto output = std::make_shared<FileOutput>(folder.path("link.wav"));
+  output->keepDraftUntilFinished();
+  play(std::make_shared<AudioRoute>(output), {clip});
+  EXPECT_EQ(readBytes(path).size(), 3u);
+  EXPECT_EQ(output->draftPath(), draft);
+  EXPECT_EQ(readSound(draft).samples, countingSamples(500, 0));
+
+  EXPECT_EQ(output->finish(), std::nullopt);
+  EXPECT_EQ(readSound(path).samples, countingSamples(500, 0));
+  EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link.wav")));
+  EXPECT_FALSE(std::filesystem::exists(draft));
+  EXPECT_EQ(readSound(clip).samples, countingSamples(500, 0));
+}
+
+TEST_F(FileOutputTest, WritesDevicesAndPipesDirectly) {
+  const auto clip = folder.write("clip.aif", countingSamples(500, 0), {22'050, 1});
+  const std::string path = folder.path("x.wav");
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  std::vector<char> received;
+  std::thread reader([&] { received = readBytes(path); });
+  play(routeTo(path), {clip});
+  reader.join();
+  play(routeTo(folder.path("file.wav")), {clip});
+  const std::vector<char> whole = readBytes(folder.path("file.wav"));
+  ASSERT_EQ(received.size(), whole.size());
+  EXPECT_TRUE(std::equal(received.begin() + 44, received.end(), whole.begin() + 44));
+  EXPECT_EQ(std::string(received.begin() + 40, received.begin() + 44),
+            std::string("\0\xF0\xFF\x7F", 4))
+      << "no length is known";
+
+  std::filesystem::create_symlink("/dev/full", folder.path("full.wav"));
+  const auto route = routeTo(folder.path("full.wav"));
+  DesktopAudioSession session(route);
+  EXPECT_EQ(session.setActive(true).error, std::nullopt);
+  session.setActive(false);
+  EXPECT_EQ(route->output()->loss(), "The sound file \"" + folder.path("full.wav") +
+                                         "\" cannot be written any further: No space left on "
+                                         "device.");
 }
 
 TEST_F(FileOutputTest, FinerSamplesAreRoundedAndLouderOnesClipped) {

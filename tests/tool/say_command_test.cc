@@ -3,7 +3,9 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 #include "support/temporary_directory.h"
@@ -49,6 +51,15 @@ TEST_F(SayCommandTest, RendersAllPhrasesInARowAndShowsTheirFiles) {
                                     "good_job \\| good_job [0-9.]+: [0-9.]+ s\n"));
   EXPECT_EQ(both.err, "marlune: line 2: \"flib\": no recording of \"flib\"\n");
   EXPECT_EQ(both.status, 1);
+}
+
+TEST_F(SayCommandTest, AnAiffFileMayHaveTheLongEnding) {
+  output = folder.path("out.aif");
+  EXPECT_EQ(say({"go"}).status, 0);
+  const std::string expected = TemporaryDirectory::contentOf(output);
+  output = folder.path("out.aiff");
+  EXPECT_EQ(say({"go"}).err, "");
+  EXPECT_TRUE(TemporaryDirectory::contentOf(output) == expected);
 }
 
 TEST_F(SayCommandTest, RewritesBeforeItSays) {
@@ -126,12 +137,15 @@ TEST_F(SayCommandTest, TellsThatTheLastOfTheOutputCannotBeWritten) {
   ::getrlimit(RLIMIT_FSIZE, &former);
   const rlimit fewBytes = {8'000, former.rlim_max};  // the recording has 13,000
   ::setrlimit(RLIMIT_FSIZE, &fewBytes);
-  const auto formerHandler = ::signal(SIGXFSZ, SIG_IGN);
   const ToolRun run = say({"go"});
-  ::signal(SIGXFSZ, formerHandler);
   ::setrlimit(RLIMIT_FSIZE, &former);
-  EXPECT_THAT(run.err, HasSubstr("out.wav\" cannot be written any further."));
+  EXPECT_EQ(run.err, "marlune: The sound file \"" + output +
+                         "\" cannot be written any further: File too large. What was written until "
+                         "then is \"" +
+                         output + ".partial\".\n");
   EXPECT_EQ(run.status, 2);
+  EXPECT_FALSE(std::filesystem::exists(output));
+  EXPECT_EQ(std::filesystem::file_size(output + ".partial"), 8'000u);
 }
 
 TEST_F(SayCommandTest, WritesNoMessagesIntoTheOutputWhereStandardErrorIsClosed) {
@@ -144,6 +158,43 @@ TEST_F(SayCommandTest, WritesNoMessagesIntoTheOutputWhereStandardErrorIsClosed) 
                                  input);
   EXPECT_EQ(run.status, 1);
   EXPECT_TRUE(TemporaryDirectory::contentOf(output) == expected);
+}
+
+TEST_F(SayCommandTest, RefusesToReplaceARecordingOfTheVoice) {
+  sounds = folder.path();
+  const std::string recording = folder.path("go.aif");
+  std::filesystem::copy(std::string(MARLUNE_VOICE_FOLDER) + "/go.aif", recording);
+  const std::string content = TemporaryDirectory::contentOf(recording);
+  std::filesystem::create_symlink("go.aif", folder.path("symbolic.wav"));
+  std::filesystem::create_hard_link(recording, folder.path("hard.wav"));
+  for (const std::string name : {"go.aif", "symbolic.wav", "hard.wav"}) {
+    output = folder.path(name);
+    const ToolRun run = say({"go"});
+    EXPECT_EQ(run.status, 2) << name;
+    EXPECT_EQ(run.err,
+              "marlune: " + output + ": this is a recording of the voice, " + recording + "\n");
+    EXPECT_TRUE(TemporaryDirectory::contentOf(output) == content) << name;
+  }
+}
+
+TEST_F(SayCommandTest, KeepsAnInterruptedRenderingAsADraft) {
+  folder.write("out.wav", "former");
+  const ToolRun run = runProgram("/bin/sh", {"-c", R"(cd "$1" && mkfifo in answers
+        "$0" say --sounds "$2" --output out.wav <in >answers &
+        exec 3>in 4<answers
+        echo five_kilometers >&3; read -r line <&4
+        echo go >&3; read -r line <&4
+        kill -TERM $!; wait $!)",
+                                             MARLUNE_TOOL_PATH, folder.path(), sounds});
+  EXPECT_EQ(run.status, 128 + SIGTERM);
+  EXPECT_THAT(run.err, HasSubstr("marlune: interrupted; what was rendered until then is in "
+                                 "out.wav.partial\n"));
+  EXPECT_EQ(TemporaryDirectory::contentOf(output), "former");
+  const std::string draft = TemporaryDirectory::contentOf(output + ".partial");
+  ASSERT_GT(draft.size(), 40'000u) << "the first phrase is whole";
+  std::uint32_t claimed = 0;
+  std::memcpy(&claimed, draft.data() + 4, sizeof claimed);
+  EXPECT_EQ(claimed, draft.size() - 8);
 }
 
 TEST_F(SayCommandTest, NeedsAGrammarAndItsNameTogether) {

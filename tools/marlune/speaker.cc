@@ -1,18 +1,16 @@
 #include "tools/marlune/speaker.h"
 
-#include <unistd.h>
-
 #include <chrono>
-#include <filesystem>
 #include <utility>
 
 #include "marlune/desktop/audio/device_output.h"
-#include "marlune/desktop/audio/file_output.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/platform/platform.h"
 #include "marlune/playback/audio_session.h"
 #include "tools/marlune/input_error.h"
+#include "tools/marlune/output_file.h"
 #include "tools/marlune/progress_line.h"
+#include "tools/marlune/report.h"
 
 namespace marlune::tool {
 
@@ -21,41 +19,33 @@ namespace {
 // How often a signal is looked for, and the progress line moves.
 constexpr double kTickSeconds = 0.05;
 
-void requireWritable(const std::string& path) {
-  const std::filesystem::path file(path);
-  const std::string extension = file.extension().string();
-  if (extension != ".wav" && extension != ".aif") {
-    throw InputError(path + ": the output must be a file *.wav or *.aif");
-  }
-  const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
-  std::error_code error;
-  if (!std::filesystem::is_directory(folder, error)) {
-    throw InputError(path + ": there is no folder " + folder);
-  }
-  const bool exists = std::filesystem::exists(path, error);
-  if (access(exists ? path.c_str() : folder.c_str(), W_OK) != 0 ||
-      std::filesystem::is_directory(path, error)) {
-    throw InputError(path + ": cannot be written");
-  }
-}
-
-std::shared_ptr<AudioOutput> outputTo(const std::string& path) {
-  if (path.empty()) return makeDeviceOutput();
-  requireWritable(path);
-  return std::make_shared<FileOutput>(path);
+std::string interruptedText(const FileOutput& file) {
+  return "interrupted; what was rendered until then is in " + file.plannedDraftPath();
 }
 
 }  // namespace
 
-Speaker::Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::string& outputPath)
-    : _output(std::make_shared<WatchedOutput>(outputTo(outputPath))) {
+Speaker::Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::string& outputPath) {
+  if (!outputPath.empty()) {
+    requireUsableOutput(outputPath, *recordings);
+    _file = std::make_shared<FileOutput>(outputPath);
+    _file->keepDraftUntilFinished();
+  }
+  _output = std::make_shared<WatchedOutput>(_file ? _file : makeDeviceOutput());
   Platform::shared().mainThread = _loop;
   installDesktopAudio(_output);
   _player = Player::initWithDirectory("", std::move(recordings));
 }
 
+Speaker::~Speaker() {
+  if (_file && !_output->failure() && !_file->draftPath().empty()) {
+    complain("not all was rendered; what was is in " + _file->draftPath());
+  }
+}
+
 void Speaker::say(const Words& files, const Playlist& playlist) {
   if (files.empty()) return;  // an override may say nothing; the queue would wait for something
+  if (_file && !_lastWords) _lastWords.emplace(interruptedText(*_file));
   Interruption interruption;
   _player->playSoundFilesInSequence(files);
   _runUntilHeard(playlist, interruption);
@@ -69,6 +59,9 @@ void Speaker::say(const Words& files, const Playlist& playlist) {
 void Speaker::finish() {
   Platform::shared().audioSession->setActive(false);
   _throwFailure();
+  if (!_file) return;
+  if (const auto failure = _file->finish()) throw InputError(*failure);
+  _lastWords.reset();
 }
 
 void Speaker::_throwFailure() const {

@@ -2,11 +2,14 @@
 #define MARLUNE_TOOLS_MARLUNE_SPEAKER_H_
 
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "marlune/desktop/audio/file_output.h"
 #include "marlune/desktop/services/run_loop.h"
 #include "marlune/playback/player.h"
 #include "tools/marlune/interruption.h"
+#include "tools/marlune/last_words.h"
 #include "tools/marlune/playlist.h"
 #include "tools/marlune/watched_output.h"
 
@@ -16,17 +19,19 @@ namespace marlune::tool {
 // thread's loop meanwhile. One in a process.
 class Speaker {
  public:
-  // An empty `outputPath` is the sound device. Throws InputError when the path's extension is
-  // neither .wav nor .aif or its folder is not there to write to. Opens nothing yet.
+  // An empty `outputPath` is the sound device. Throws InputError when the path cannot be rendered
+  // to, see requireUsableOutput. Opens nothing yet.
   Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::string& outputPath);
+  // Writes where the draft lies when a file was begun and not finished.
+  ~Speaker();
 
   // Plays the recordings, and returns when the last one has been heard or written. Throws
   // InputError when the output cannot be opened or is lost. Ctrl-C silences it and ends the
   // process.
   void say(const Words& files, const Playlist& playlist);
 
-  // Closes the output. Throws InputError when it turns out to have been lost: what a file holds
-  // last is written only now.
+  // Closes the output, and gives a file its name. Throws InputError when it turns out to have been
+  // lost: what a file holds last is written only now.
   void finish();
 
  private:
@@ -35,7 +40,9 @@ class Speaker {
   void _throwFailure() const;
 
   const std::shared_ptr<RunLoop> _loop = std::make_shared<RunLoop>();
+  std::shared_ptr<FileOutput> _file;  // null for the sound device
   std::shared_ptr<WatchedOutput> _output;
+  std::optional<LastWords> _lastWords;  // once a file has been begun
   std::unique_ptr<Player> _player;
 };
 

@@ -22,28 +22,8 @@ BufferedFile& fileFrom(void* user) { return *static_cast<BufferedFile*>(user); }
 
 }  // namespace
 
-std::unique_ptr<BufferedFile> BufferedFile::openForReading(const std::string& path,
-                                                           std::string& cause) {
-  return _open(path, O_RDONLY, cause);
-}
-
-std::unique_ptr<BufferedFile> BufferedFile::openForWriting(const std::string& path,
-                                                           std::string& cause) {
-  std::unique_ptr<BufferedFile> file = _open(path, O_WRONLY | O_CREAT, cause);
-  // Emptied only now: by here it is known to be a regular file.
-  if (file && ::ftruncate(file->_descriptor, 0) != 0) {
-    cause = std::strerror(errno);
-    return nullptr;
-  }
-  if (!file) return nullptr;
-  file->_size = 0;
-  file->_buffer.reserve(kBufferBytes);
-  return file;
-}
-
-std::unique_ptr<BufferedFile> BufferedFile::_open(const std::string& path, int flags,
-                                                  std::string& cause) {
-  const int descriptor = openFile(path.c_str(), flags | O_NONBLOCK, 0666);
+std::unique_ptr<BufferedFile> BufferedFile::open(const std::string& path, std::string& cause) {
+  const int descriptor = openFile(path.c_str(), O_RDONLY | O_NONBLOCK);
   if (descriptor < 0) {
     cause = std::strerror(errno);
     return nullptr;
@@ -88,36 +68,6 @@ bool BufferedFile::_fill() {
   return count > 0;
 }
 
-sf_count_t BufferedFile::write(const void* bytes, sf_count_t count) {
-  const bool isFull = _buffer.size() + static_cast<std::size_t>(count) > kBufferBytes;
-  if (isFull || _position != _start + static_cast<sf_count_t>(_buffer.size())) {
-    flush();
-    _start = _position;
-  }
-  const auto* source = static_cast<const char*>(bytes);
-  _buffer.insert(_buffer.end(), source, source + count);
-  _position += count;
-  _size = std::max(_size, _position);
-  return _hasFailed ? 0 : count;
-}
-
-bool BufferedFile::flush() {
-  std::size_t done = 0;
-  while (done < _buffer.size()) {
-    const ssize_t count = ::pwrite(_descriptor, _buffer.data() + done, _buffer.size() - done,
-                                   _start + static_cast<off_t>(done));
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) {
-      _hasFailed = true;
-      break;
-    }
-    done += static_cast<std::size_t>(count);
-  }
-  _start += static_cast<sf_count_t>(_buffer.size());
-  _buffer.clear();
-  return !_hasFailed;
-}
-
 sf_count_t BufferedFile::seek(sf_count_t offset, int whence) {
   const sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? _position : _size;
   // A corrupt header can send the reader anywhere, past what can be added up included.
@@ -130,9 +80,7 @@ SF_VIRTUAL_IO& BufferedFile::operations() {
       [](void* user) { return fileFrom(user).size(); },
       [](sf_count_t offset, int whence, void* user) { return fileFrom(user).seek(offset, whence); },
       [](void* bytes, sf_count_t count, void* user) { return fileFrom(user).read(bytes, count); },
-      [](const void* bytes, sf_count_t count, void* user) {
-        return fileFrom(user).write(bytes, count);
-      },
+      [](const void*, sf_count_t, void*) { return sf_count_t{0}; },
       [](void* user) { return fileFrom(user).position(); }};
   return operations;
 }

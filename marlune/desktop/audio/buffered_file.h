@@ -15,11 +15,9 @@ namespace marlune {
 // buffer in between a short recording costs one read.
 class BufferedFile {
  public:
-  // Opens for reading, or makes the file anew for writing. Null when that fails or when the path
-  // leads to something other than a regular file, and then `cause` says why. Never blocks on a
-  // FIFO or a device.
-  static std::unique_ptr<BufferedFile> openForReading(const std::string& path, std::string& cause);
-  static std::unique_ptr<BufferedFile> openForWriting(const std::string& path, std::string& cause);
+  // Opens for reading. Null when that fails or when the path leads to something other than a
+  // regular file, and then `cause` says why. Never blocks on a FIFO or a device.
+  static std::unique_ptr<BufferedFile> open(const std::string& path, std::string& cause);
 
   ~BufferedFile();
   BufferedFile(const BufferedFile&) = delete;
@@ -27,30 +25,21 @@ class BufferedFile {
 
   sf_count_t size() const { return _size; }  // in bytes
   sf_count_t read(void* bytes, sf_count_t count);
-  sf_count_t write(const void* bytes, sf_count_t count);
   sf_count_t seek(sf_count_t offset, int whence);
   sf_count_t position() const { return _position; }
-
-  // Writes what is still in the buffer. False when anything since the opening could not be
-  // written (a full disk, say).
-  bool flush();
 
   // The operations above as libsndfile wants them; its user data is the BufferedFile.
   static SF_VIRTUAL_IO& operations();
 
  private:
   explicit BufferedFile(int descriptor) : _descriptor(descriptor) {}
-  static std::unique_ptr<BufferedFile> _open(const std::string& path, int flags,
-                                             std::string& cause);
   bool _fill();
 
   int _descriptor;
   sf_count_t _size = 0;
   sf_count_t _position = 0;
-  // Reading: the bytes of the file from _start on. Writing: those that are still to be written.
-  std::vector<char> _buffer;
+  std::vector<char> _buffer;  // the bytes of the file from _start on
   sf_count_t _start = 0;
-  bool _hasFailed = false;
 };
 
 }  // namespace marlune

@@ -1,15 +1,14 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_FILE_OUTPUT_H_
 #define MARLUNE_DESKTOP_AUDIO_FILE_OUTPUT_H_
 
-#include <sndfile.h>
-
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "marlune/desktop/audio/audio_output.h"
-#include "marlune/desktop/audio/buffered_file.h"
+#include "marlune/desktop/audio/sound_file_writer.h"
 
 namespace marlune {
 
@@ -17,13 +16,25 @@ namespace marlune {
 // between phrases is not written. The file takes the format of the first recording unless told
 // another, so recordings of one 16-bit format come out sample for sample; finer ones are rounded.
 //
-// The file is made anew at the first opening. Closing completes it as it stands, and what is
-// played after a later opening is appended. A loss can also show then: the last sound is written.
+// The first opening makes a draft, NAME.partial, beside the file; it is a valid sound file at any
+// time. Closing renames it: until then, and for good when something cannot be written, NAME keeps
+// what it held. What is played after a later opening is appended. With keepDraftUntilFinished()
+// the draft is renamed by finish() alone. A loss can also show at the closing, which writes the
+// last of the sound. See SoundFileWriter for links, and for devices and FIFOs as the target.
 class FileOutput : public AudioOutput {
  public:
   explicit FileOutput(std::string path, std::optional<AudioFormat> format = std::nullopt)
       : _path(std::move(path)), _format(format) {}
   ~FileOutput() override { close(); }
+
+  // Before the first opening. For programs that render several phrases into one file.
+  void keepDraftUntilFinished() { _keepsDraft = true; }
+  // Closes the output and renames the draft. Returns what went wrong, now or before, as a sentence.
+  std::optional<std::string> finish();
+  // Where the draft lies; empty when there is none. While the output is closed.
+  std::string draftPath() const { return _writer ? _writer->draftPath() : ""; }
+  // Where one would lie.
+  std::string plannedDraftPath() const { return SoundFileWriter::draftPathFor(_path); }
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;
   void close() override;
@@ -35,22 +46,17 @@ class FileOutput : public AudioOutput {
   std::size_t framesWritten() const { return _framesWritten; }
 
  private:
-  struct Closer {
-    void operator()(SNDFILE* file) const { sf_close(file); }
-  };
-  void _startSound();
-  void _write(const float* frames, std::size_t count);
+  std::size_t _take(std::size_t frames);
   void _setUnwritable();
 
   const std::string _path;
   std::optional<AudioFormat> _format;
-  std::unique_ptr<BufferedFile> _file;      // before _sound, which writes to it until it is closed
-  std::unique_ptr<SNDFILE, Closer> _sound;  // none until the format is settled
+  bool _keepsDraft = false;
+  std::unique_ptr<SoundFileWriter> _writer;
   AudioSource* _source = nullptr;
   std::optional<std::string> _loss;
   std::size_t _framesWritten = 0;
   std::vector<float> _frames;
-  std::vector<short> _samples;
 };
 
 }  // namespace marlune

@@ -41,7 +41,7 @@ std::optional<std::string> faultOf(const SF_INFO& info, sf_count_t fileBytes) {
 
 std::unique_ptr<Recording> Recording::open(const std::string& path, std::string& cause) {
   std::unique_ptr<Recording> recording(new Recording);
-  recording->_file = BufferedFile::openForReading(path, cause);
+  recording->_file = BufferedFile::open(path, cause);
   if (!recording->_file) return nullptr;
   if (auto fault = recording->_openSound()) {
     cause = *std::move(fault);
