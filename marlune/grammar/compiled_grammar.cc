@@ -1,6 +1,7 @@
 #include "marlune/grammar/compiled_grammar.h"
 
 #include <algorithm>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -46,6 +47,7 @@ class CompiledGrammar::Borrowed {
 [[gnu::cold]] std::unique_ptr<CompiledGrammar> CompiledGrammar::initFromFile(GrammarFile& file,
                                                                              std::string_view name,
                                                                              bool isTraced) {
+  const std::lock_guard making(GrammarFile::making());
   std::shared_ptr<GrammarPart> root;
   std::optional<TQUtils::Silence> silence;
   if (isTraced) {

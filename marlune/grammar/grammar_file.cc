@@ -8,13 +8,20 @@
 namespace marlune {
 
 GrammarFile* GrammarFile::atPath(const std::string& path) {
-  // Never destroyed, and a path's file never read again: parsers share it.
+  // Held while the file is read, so that parsers made at once read it once.
+  const std::lock_guard lock(making());
+  // Never destroyed, and a path's file is never read again: parsers share it.
   static auto* const kFiles = new std::map<std::string, GrammarFile>;
   const auto known = kFiles->find(path);
   if (known != kFiles->end()) return &known->second;
   Value tree = GrammarLoader::treeOfFile(path);
   if (tree.isAbsent()) return nullptr;
   return &kFiles->try_emplace(path, std::move(tree)).first->second;
+}
+
+std::recursive_mutex& GrammarFile::making() {
+  static auto* const kMutex = new std::recursive_mutex;  // never destroyed, as the files
+  return *kMutex;
 }
 
 const Value& GrammarFile::tree() {

@@ -20,12 +20,18 @@ class GrammarFile {
   // with a line straight to the system log, when it cannot be read; GrammarError when it is broken.
   static GrammarFile* atPath(const std::string& path);
 
+  // Held while a file is read and while a grammar is built, which writes into the file's tree: one
+  // at a time in a process. Recursive, since the lines of loading go to the app's log, which may
+  // make a parser itself.
+  static std::recursive_mutex& making();
+
   explicit GrammarFile(Value tree) : _tree(std::move(tree)) {}
 
   // The tree, for good. On any thread.
   const Value& tree();
 
-  // The tree, to build a grammar from, which writes into it. Holds until putAway().
+  // The tree, to build a grammar from, which writes into it. Holds until putAway(). REQUIRES: the
+  // caller holds making() until then.
   const Value& opened();
 
   // What the tree was packed to, and can be made of again. nullptr when it stays: it has been given

@@ -18,8 +18,13 @@ class CompiledGrammar;
 class GrammarFile;
 
 // The rewriting grammar as an app uses it: one grammar of a grammar file, made ready; words in,
-// rewritten words out. A file is read once in a process; all parsers on it share its tree, into
-// which building a grammar writes. One thread at a time.
+// rewritten words out. A file is read once in a process; all parsers on it share its tree.
+//
+// Threads: a parser is used by one thread at a time. Different parsers, on the same file too, may
+// be made and used by several threads at once, as may the static functions on trees of the caller's
+// own. The tree that grammarsPlist() and loadGrammarsFromPlistAtPath() give out is shared: reading
+// or changing it is not safe while another thread makes a parser on the same file or calls
+// setGrammar(), which write into it.
 //
 // Where memory runs out, std::bad_alloc leaves to the caller: no parser was made, the one at hand
 // keeps its grammar, and the same call may be made again. While a file is being read it does not
@@ -64,9 +69,10 @@ class Parser {
   std::shared_ptr<const std::vector<std::string>> productionRules() const { return nullptr; }
   bool debugging() const { return _debugging; }  // true; for callers
 
-  // The file's tree, and the root of the grammar's. Both take much memory, which is not spent
-  // before somebody looks at them, and is kept from then on. Whether there is a root, nullptr
-  // otherwise, hasGrammar() tells for nothing.
+  // The file's tree, and the root of the grammar's objects, nullptr without a grammar. Both take
+  // much memory, are made at the first call and kept from then on; hasGrammar() costs nothing. The
+  // objects are for reading: phrases are rewritten by a compiled copy of the grammar, so a change
+  // to an object shows only while the trace is on, or not at all.
   const Value& grammarsPlist() const;
   const std::shared_ptr<GrammarPart>& theGrammar() const;
   bool hasGrammar() const { return _compiled != nullptr; }

@@ -1,6 +1,7 @@
 #ifndef MARLUNE_TESTS_FAKES_FAKE_PROPERTY_LIST_READER_H_
 #define MARLUNE_TESTS_FAKES_FAKE_PROPERTY_LIST_READER_H_
 
+#include <atomic>
 #include <map>
 #include <string>
 
@@ -8,11 +9,12 @@
 
 namespace marlune {
 
-// Files in memory. As the real reader does, every read gives containers with one holder.
+// Files in memory, read by any thread. As the real reader does, every read gives containers with
+// one holder.
 class FakePropertyListReader : public PropertyListReader {
  public:
   std::map<std::string, Value> files;
-  mutable int reads = 0;
+  mutable std::atomic<int> reads = 0;
 
   Result readFile(const std::string& path) const noexcept override {
     ++reads;

@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <functional>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "fakes/fake_property_list_reader.h"
@@ -146,6 +149,41 @@ TEST_F(LoadingTest, AFileIsReadOnceAndABrokenOneAgain) {
   for (int i = 0; i < 2; ++i)
     EXPECT_THROW(Parser::loadGrammarsFromPlistAtPath(broken), GrammarError);
   EXPECT_EQ(reader->reads, 4);
+}
+
+// Different parsers need no lock of the caller's. The thread sanitizer shows what is missing.
+TEST_F(LoadingTest, ParsersAreMadeAndUsedOnSeveralThreadsAtOnce) {
+  constexpr int kThreads = 4, kRounds = 20;
+  const std::string shared = file(
+      "{Main={A='#insert Shared.Units 2'; R={_order=#1; _lhs="
+      "{_significantSlots=[{#xx-=te}]}; _rhs=[many]}}; Shared={Units=" +
+      std::string(kUnits) + "}}");
+  std::array<std::vector<std::string>, kThreads> own;
+  for (auto& paths : own) {
+    for (int i = 0; i < kRounds; ++i) paths.push_back(file("{Main=" + std::string(kUnits) + "}"));
+  }
+  const auto work = [&shared](const std::vector<std::string>& paths, int& right) {
+    for (const std::string& path : paths) {
+      const auto parser = Parser::initWithPlistAtPath(shared, "Main");
+      const auto other = Parser::initWithPlistAtPath(path, "Main");
+      const bool isAbsent =
+          Parser::initWithPlistAtPath("/nowhere", "Main")->theGrammar() == nullptr;
+      const Words ours = parser->resultOfRulesAppliedToStrings({"ten", "km"})->stringArray();
+      const Words theirs = other->resultOfRulesAppliedToStrings({"ten", "km"})->stringArray();
+      right += isAbsent && ours == Words{"many", "kilometers"} &&
+               theirs == Words{"ten", "kilometers"} &&
+               parser->theGrammar()->description() == "\nROOT: \n\tR: RULE\n\tA: RULE";
+    }
+  };
+  std::array<int, kThreads> right{};
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back(work, std::cref(own[static_cast<std::size_t>(i)]),
+                         std::ref(right[static_cast<std::size_t>(i)]));
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(right, testing::Each(kRounds));
+  EXPECT_EQ(reader->reads, 1 + kThreads * kRounds * 2) << "a file is read once";
 }
 
 TEST_F(LoadingTest, WithoutAGrammarTheAnswerIsAbsent) {
