@@ -83,9 +83,17 @@ Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>&
   DecompositionMemo::Id id = _memo->find({_key.text(), _key.hash()});
   const bool isRemembered = id != 0 && _memo->state(id) != DecompositionMemo::State::open;
   if (!isRemembered) id = _search(words, isSubsetOfWhole);
+  if (id == 0) return _refuse(words.size());
   Decomposition files = _memo->decomposition(id);
   _phrases.add(words, files);
   return files;
+}
+
+Decomposition Decomposer::_refuse(std::size_t words) {
+  TQUtils::log("ERROR: A phrase of %lu words and %lu bytes is too long to be decomposed.", words,
+               _key.text().size());
+  _key = JoinedKey();  // which has grown to the phrase's size
+  return nullptr;
 }
 
 // Which phrases are said otherwise now is not known here.

@@ -30,6 +30,12 @@ class SplitSearch;
 // does not. Every answer, "cannot be said" included, is remembered under its key for the
 // decomposer's lifetime, for parts and whole phrases alike.
 //
+// A phrase of more than 2,000 words, or of so much text that the square of its words times the
+// bytes of its key is more than 2^37 (128 GiB; 2,000 words of 16 bytes each are just allowed), is
+// not split: remembering all its stretches would take gigabytes, or minutes. It is answered by what
+// is remembered for it, the delegate, or a recording of the whole; otherwise the answer is null,
+// with an unconditional line each time, and nothing is remembered.
+//
 // Where memory runs out, std::bad_alloc leaves to the caller: no decomposer was made, or the one at
 // hand is as good as before. What it has remembered by then is right and stays; the same call may
 // be made again, and goes on from there. What a delegate throws leaves in the same way.
@@ -80,6 +86,7 @@ class Decomposer {
   void _readRecordings(std::string_view directory);
   void _countCalls(std::size_t calls);
   void _forgetSuperseded();
+  Decomposition _refuse(std::size_t words);
   std::uint32_t _search(std::span<const std::string> words, bool isSubsetOfWhole);
 
   std::vector<std::string> _availableSoundFiles;

@@ -37,17 +37,17 @@ DecompositionMemo::Id SplitSearch::run(std::span<const std::string> words, Joine
 DecompositionMemo::Id SplitSearch::_run(std::span<const std::string> words, bool isSubsetOfWhole) {
   _words = words;
   _supersededSeen = _memo.superseded().size();
+  _hasBrackets = _key.hasBrackets();
   DecompositionMemo::Key whole{_key.text(), _key.hash()};
   Id id = _memo.find(whole);
   if (id == 0) {
-    whole.text = {_memo.keep(whole.text), whole.text.size()};
-    id = _memo.findOrAdd(whole);
+    if (_isTooLong()) return _answerOfLongPhrase(isSubsetOfWhole);
+    id = _enter(whole);
   }
   _text = _memo.text(id).data();
-  _hasBrackets = _key.hasBrackets();
 
   _answer = _answerWithoutSplit(0, words.size(), id, isSubsetOfWhole);
-  if (_answer != 0) return _answer;
+  if (_answer != 0 || _isTooLong()) return _answer;
   _key.prepareSlices();
   if (_isUnwatched(id)) {
     _sweep.run(_key, _text, words.size(), id);
@@ -58,6 +58,29 @@ DecompositionMemo::Id SplitSearch::_run(std::span<const std::string> words, bool
   _search(0, words.size(), id);
   while (!_frames.empty()) _callOrFinish();
   return _answer;
+}
+
+// The entry of a key that has none yet; the key's text is then the one that the memo keeps.
+DecompositionMemo::Id SplitSearch::_enter(DecompositionMemo::Key& key) {
+  key.text = {_memo.keep(key.text), key.text.size()};
+  return _memo.findOrAdd(key);
+}
+
+bool SplitSearch::_isTooLong() const {
+  const std::uint64_t words = _words.size();
+  return words > kMostWords || words * words * _key.text().size() > kMostWork;
+}
+
+// Of a phrase whose key has no entry, and is not the name of a recording therefore. It gets one
+// only with an answer, since the entry would keep the text.
+DecompositionMemo::Id SplitSearch::_answerOfLongPhrase(bool isSubsetOfWhole) {
+  DecompositionMemo::Key whole{_key.text(), _key.hash()};
+  Decomposition given = _askDelegate(whole.text, isSubsetOfWhole);
+  const Id recording = given || !_hasBrackets ? 0 : _memo.recordingWithoutBrackets(whole.text);
+  if (!given && recording == 0) return 0;
+  const Id id = _enter(whole);
+  return given ? _memo.rememberGiven(id, whole, std::move(given))
+               : _memo.rememberRecording(id, whole, recording);
 }
 
 // Whether nobody can tell the order of the calls. A delegate that is no more may have had the
@@ -78,7 +101,9 @@ DecompositionMemo::Key SplitSearch::_keyOf(std::size_t from, std::size_t to) con
 DecompositionMemo::Id SplitSearch::_answerWithoutSplit(std::size_t from, std::size_t to, Id id,
                                                        bool isSubsetOfWhole) {
   const DecompositionMemo::Key key = _keyOf(from, to);
-  if (const Id given = _answerFromDelegate(key, id, isSubsetOfWhole)) return given;
+  if (Decomposition given = _askDelegate(key.text, isSubsetOfWhole)) {
+    return _memo.rememberGiven(id, key, std::move(given));
+  }
   const std::size_t count = to - from;
   if (count == 1 && !_isRecordedWord(_words[from], id)) {
     const Id failed = _memo.rememberFailure(id, key);
@@ -94,14 +119,16 @@ DecompositionMemo::Id SplitSearch::_answerWithoutSplit(std::size_t from, std::si
   return count <= 1 ? _memo.rememberFailure(id, key) : 0;
 }
 
-DecompositionMemo::Id SplitSearch::_answerFromDelegate(const DecompositionMemo::Key& key, Id id,
-                                                       bool isSubsetOfWhole) {
+// nullptr when there is no delegate, or it has no answer.
+Decomposition SplitSearch::_askDelegate(std::string_view key, bool isSubsetOfWhole) {
   const auto delegate = _decomposer._delegate.lock();
-  if (!delegate) return 0;
-  Decomposition answer = delegate->decompositionOf(_decomposer, key.text, isSubsetOfWhole);
-  if (!answer) return 0;
-  TQUtils::forDefaultLog(ZKPlistNotificationDefault, "delegateSpecifiedDecomposition: %@", *answer);
-  return _memo.rememberGiven(id, key, std::move(answer));
+  if (!delegate) return nullptr;
+  Decomposition answer = delegate->decompositionOf(_decomposer, key, isSubsetOfWhole);
+  if (answer) {
+    TQUtils::forDefaultLog(ZKPlistNotificationDefault, "delegateSpecifiedDecomposition: %@",
+                           *answer);
+  }
+  return answer;
 }
 
 // A recording must have the word's own name here: a word that holds a blank differs from its key.

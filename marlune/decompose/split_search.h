@@ -29,7 +29,14 @@ class SplitSearch {
   SplitSearch(Decomposer& decomposer, DecompositionMemo& memo)
       : _decomposer(decomposer), _memo(memo), _sweep(memo) {}
 
-  // The entry that answers `words`; `key` is their key, and is exchanged for another, worn-out one.
+  // A phrase is split only when it has at most so many words, and the square of the words times
+  // the bytes of its key is at most kMostWork. Every stretch of a phrase is remembered, about 57
+  // bytes each, and where words repeat, the keys of equal stretches are compared.
+  static constexpr std::size_t kMostWords = 2000;
+  static constexpr std::uint64_t kMostWork = std::uint64_t{1} << 37;
+
+  // The entry that answers `words`; 0 when the phrase would have to be split and is too long, of
+  // which nothing is remembered. `key` is their key, and is swapped for a reusable one.
   // REQUIRES: the call for the whole is already counted, and the memo was asked for it in vain.
   DecompositionMemo::Id run(std::span<const std::string> words, JoinedKey& key,
                             bool isSubsetOfWhole);
@@ -51,9 +58,12 @@ class SplitSearch {
 
   DecompositionMemo::Id _run(std::span<const std::string> words, bool isSubsetOfWhole);
   bool _isUnwatched(Id whole) const;
+  bool _isTooLong() const;
+  Id _answerOfLongPhrase(bool isSubsetOfWhole);
+  Id _enter(DecompositionMemo::Key& key);
   DecompositionMemo::Key _keyOf(std::size_t from, std::size_t to) const;
   Id _answerWithoutSplit(std::size_t from, std::size_t to, Id id, bool isSubsetOfWhole);
-  Id _answerFromDelegate(const DecompositionMemo::Key& key, Id id, bool isSubsetOfWhole);
+  Decomposition _askDelegate(std::string_view key, bool isSubsetOfWhole);
   bool _isRecordedWord(const std::string& word, Id id) const;
 
   void _makeTables();

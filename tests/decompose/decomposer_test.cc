@@ -291,6 +291,41 @@ TEST_F(DecomposerTest, ADelegateThatThrowsLeavesNoAnswerBehind) {
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<a><b>");
 }
 
+// Each would take gigabytes or minutes when its stretches were all remembered.
+TEST_F(DecomposerTest, ATooLongPhraseIsRefusedWithALineAndForgotten) {
+  Words same(20000, "w"), different, longWords(1000, std::string(1000, 'w'));
+  for (int i = 0; i < 20000; ++i) different.push_back("w" + std::to_string(i));
+  const auto decomposer = decomposerWith({"w", "w_w"});
+  preferences->set(ZKPlistNotificationDefault, Value::boolean(false));
+  for (const auto& [words, bytes] : {std::pair(same, 39999), std::pair(different, 128889),
+                                     std::pair(longWords, 1000999), std::pair(same, 39999)}) {
+    log->clear();
+    EXPECT_EQ(shown(decomposer->optimalDecompositionOf(words)), "cannot be said");
+    EXPECT_THAT(log->lines(),
+                ElementsAre(formatted("ERROR: A phrase of %lu words and %i bytes is too long to be "
+                                      "decomposed.",
+                                      {words.size(), bytes})));
+  }
+  EXPECT_EQ(decomposer->iterations(), 4);
+  EXPECT_THAT(decomposer->_cache(), IsEmpty());
+  EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"w", "w", "w"})), "<w_w><w>");
+  EXPECT_EQ(decomposer->optimalDecompositionOf(Words(2000, "w"))->size(), 1000u);
+}
+
+TEST_F(DecomposerTest, ATooLongPhraseIsSaidWithoutASplit) {
+  Words words(3000, "w");
+  const std::string key = decompositionKey(words);
+  const auto delegate = DecomposerDelegate::initWithWholeOverrides({{key, {"whole"}}}, {});
+  const auto overridden = decomposerWith({});
+  overridden->setDelegate(delegate);
+  EXPECT_EQ(shown(overridden->optimalDecompositionOf(words)), "<whole>");
+  EXPECT_EQ(shown(decomposerWith({key})->optimalDecompositionOf(words)), "<" + key + ">");
+  words.back() = "w[x]";
+  const auto stripping = decomposerWith({key});
+  EXPECT_EQ(shown(stripping->optimalDecompositionOf(words)), "<" + key + ">");
+  EXPECT_EQ(shown(stripping->optimalDecompositionOf(words)), "<" + key + ">");
+}
+
 TEST_F(DecomposerTest, LongPhrasesNeedNoDeepStack) {
   Words words(700, "w");
   words.push_back("end");
