@@ -30,6 +30,9 @@ class SplitSearch;
 // does not. Every answer, "cannot be said" included, is remembered under its key for the
 // decomposer's lifetime, for parts and whole phrases alike.
 //
+// Words are compared byte by byte with the names that the bundle reports. Pass words in Unicode's
+// normal form C (NFC), which is the form of the names that a bundle reports.
+//
 // A phrase of more than 2,000 words, or of so much text that the square of its words times the
 // bytes of its key is more than 2^37 (128 GiB; 2,000 words of 16 bytes each are just allowed), is
 // not split: remembering all its stretches would take gigabytes, or minutes. It is answered by what

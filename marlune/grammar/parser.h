@@ -26,6 +26,9 @@ class GrammarFile;
 // or changing it is not safe while another thread makes a parser on the same file or calls
 // setGrammar(), which write into it.
 //
+// Words are compared byte by byte, as the grammar file holds them. Pass words in Unicode's normal
+// form C (NFC), and write grammars in it: a letter with a separate mark is another word.
+//
 // Where memory runs out, std::bad_alloc leaves to the caller: no parser was made, the one at hand
 // keeps its grammar, and the same call may be made again. While a file is being read it does not
 // leave: the file then counts as one that cannot be read, until it is read again.

@@ -15,11 +15,14 @@ class ResourceBundle {
 
   // The full paths of all resources whose extension is `type` (without a dot), directly in the
   // sub-directory `directory` ("" is the bundle's root). In an order that is the same at every
-  // call. Empty when the directory does not exist.
+  // call. The last component of each is the resource's name and type, the name in Unicode's normal
+  // form C (NFC) whatever form the file system holds: the stages compare names exactly. Empty when
+  // the directory does not exist.
   virtual std::vector<std::string> pathsForResourcesOfType(std::string_view type,
                                                            std::string_view directory) const = 0;
 
-  // The full path of the resource `name`.`type` in `directory`; nothing when there is none.
+  // The full path of the resource `name`.`type` in `directory`, as the file can be opened; nothing
+  // when there is none. A name that pathsForResourcesOfType reports is found.
   virtual std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
                                                      std::string_view directory) const = 0;
 };

@@ -9,6 +9,7 @@
 #include <memory>
 #include <system_error>
 
+#include "marlune/desktop/text/normal_form.h"
 #include "marlune/platform/open_file.h"
 
 namespace marlune {
@@ -28,6 +29,15 @@ DIR* openFolder(const std::string& folder) {
   return entries;
 }
 
+// Calls `visit(entry)` for each entry of the folder until a call returns false.
+template <typename Visit>
+void visitEntries(const std::string& folder, const Visit& visit) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(openFolder(folder), &::closedir);
+  while (const dirent* const entry = entries ? ::readdir(entries.get()) : nullptr) {
+    if (!visit(*entry)) return;
+  }
+}
+
 }  // namespace
 
 // Not through std::filesystem, which makes a path of each entry and takes it to pieces: of a folder
@@ -36,16 +46,18 @@ std::vector<std::string> FolderBundle::pathsForResourcesOfType(std::string_view 
                                                                std::string_view directory) const {
   const std::string extension = "." + std::string(type);
   std::string folder = _pathOfDirectory(directory);
-  std::vector<std::string> paths;
-  const std::unique_ptr<DIR, int (*)(DIR*)> entries(openFolder(folder), &::closedir);
   if (!folder.ends_with('/')) folder += '/';
-  while (const dirent* const entry = entries ? ::readdir(entries.get()) : nullptr) {
-    const std::string_view name = entry->d_name;
-    if (!name.ends_with(extension)) continue;
-    std::string path = folder + entry->d_name;
-    if (entry->d_type == DT_REG || isRegularFile(path)) paths.push_back(std::move(path));
-  }
+  std::vector<std::string> paths;
+  visitEntries(folder, [&](const dirent& entry) {
+    const std::string_view name = entry.d_name;
+    if (name.ends_with(extension) &&
+        (entry.d_type == DT_REG || isRegularFile(folder + entry.d_name))) {
+      paths.push_back(folder + inNormalFormC(name));
+    }
+    return true;
+  });
   std::sort(paths.begin(), paths.end());
+  paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
   return paths;
 }
 
@@ -55,12 +67,26 @@ std::optional<std::string> FolderBundle::pathForResource(std::string_view name,
   if (name.find('/') != std::string_view::npos || name.find('\0') != std::string_view::npos) {
     return std::nullopt;
   }
-  std::string path = _pathOfDirectory(directory);
-  path += '/';
-  path += name;
-  path += '.';
-  path += type;
-  if (!isRegularFile(path)) return std::nullopt;
+  const std::string folder = _pathOfDirectory(directory) + '/';
+  std::string file(name);
+  file += '.';
+  file += type;
+  if (isRegularFile(folder + file)) return folder + file;
+  return _pathOfEquivalent(folder, file);
+}
+
+// The folder is searched, since a file system may hold a name in a form that is neither composed
+// nor decomposed throughout.
+std::optional<std::string> FolderBundle::_pathOfEquivalent(const std::string& folder,
+                                                           std::string_view file) {
+  const std::string composed = inNormalFormC(file);
+  std::optional<std::string> path;
+  visitEntries(folder, [&](const dirent& entry) {
+    if (inNormalFormC(entry.d_name) != composed) return true;
+    std::string found = folder + entry.d_name;
+    if (isRegularFile(found)) path = std::move(found);
+    return !path;
+  });
   return path;
 }
 
