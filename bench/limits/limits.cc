@@ -15,6 +15,7 @@
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/platform/platform.h"
 #include "support/counted_allocation.h"
+#include "support/dense_lists.h"
 #include "support/element_count.h"
 
 namespace marlune {
@@ -229,6 +230,15 @@ void measureLargestList(std::string_view element, bool isRefused, const char* na
   row(name, "%.2f", time / 1e6);
 }
 
+// Two lists in which no container stands twice, of some MiB each.
+void measureDenseList(const std::string& list, const char* name) {
+  const std::uint64_t before = allocationCount().bytesHeld;
+  const auto result = PropertyListFile().readBytes(list, "");
+  require(!result.root.isAbsent(), "a dense list is refused");
+  const auto bytes = static_cast<double>(allocationCount().bytesHeld - before);
+  row(name, "%.1f", bytes / static_cast<double>(list.size()));
+}
+
 void measureRefused() {
   const std::string folder = std::filesystem::temp_directory_path();
   const std::string rules = folder + "/marlune_limits_rules.plist";
@@ -246,6 +256,8 @@ void measureRefused() {
   std::filesystem::remove(inserts);
   measureLargestList("<true/>", false, "a list of 64 MiB, read, s");
   measureLargestList("<array/>", true, "a list of 64 MiB that would take too much memory, s");
+  measureDenseList(denseNumbers(8'000'000), "an array of one number, in times its binary file");
+  measureDenseList(denseRows(60'000, 17), "rows of 17 shared entries, in times their binary file");
 }
 
 void measureAll() {

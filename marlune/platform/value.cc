@@ -9,8 +9,6 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kLargestLinearDictionary = 16;
-
 const Value kAbsentValue;
 
 // The number cut to the range of Integer, toward zero.
@@ -280,8 +278,9 @@ void Dictionary::_append(Key key, Value value) {
   if (at == _entries.capacity()) _entries.reserve(std::max<std::size_t>(1, 2 * at));
   if (_index) _index->emplace(*key, at);
   _entries.emplace_back(std::move(key), std::move(value));
-  if (!_index && _entries.size() > kLargestLinearDictionary) {
+  if (!_index && _entries.size() > kLargestLinear) {
     auto index = std::make_unique<Index>();
+    index->reserve(_entries.capacity());
     for (std::size_t i = 0; i < _entries.size(); ++i) index->emplace(*_entries[i].first, i);
     _index = std::move(index);
   }

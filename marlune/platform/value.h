@@ -94,6 +94,9 @@ class Dictionary {
   using Key = std::shared_ptr<const std::string>;
   using Entry = std::pair<Key, Value>;  // the key is never null
 
+  // More entries are found by their hashes.
+  static constexpr std::size_t kLargestLinear = 16;
+
   // The value under `key`; the absent value when there is none. The reference holds until the
   // dictionary changes.
   const Value& valueForKey(std::string_view key) const;

@@ -6,6 +6,7 @@
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
 #include "support/binary_list.h"
+#include "support/dense_lists.h"
 #include "support/small_stack.h"
 
 namespace marlune {
@@ -150,6 +151,22 @@ TEST(PlistBinaryTest, ExponentialSharingIsRefused) {
   for (int level = 0; level < 60; ++level) object = list.addArray({object, object});
   EXPECT_NE(read(list.file(object)).error.find("the list would take far more memory"),
             std::string::npos);
+}
+
+// Of each file the one with the most memory a byte that a program would write: every container
+// stands once, and what is equal is one object.
+TEST(PlistBinaryTest, DenseListsThatShareNoContainerAreRead) {
+  const struct {
+    std::string why, file;
+  } kCases[] = {
+      {"13,000 rules, their words shared", denseRules(13'000)},
+      {"small dictionaries of a few shared words", denseRows(40'000, 2)},
+      {"tables of hashed rows", denseRows(3'000, 17)},
+      {"empty containers", denseRows(60'000, 0)},
+      {"texts that are all different, as keys", denseTexts(60'000)},
+      {"references of one byte to one number", denseNumbers(2'000'000)},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(read(c.file).error, "") << c.why;
 }
 
 TEST(PlistBinaryTest, ManyReferencesToOneLongTextShareIt) {

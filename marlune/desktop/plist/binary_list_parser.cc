@@ -13,9 +13,8 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 8;
 constexpr std::size_t kTrailerBytes = 32;
-constexpr std::size_t kIndexedFrom = 17;  // entries from which a dictionary is hashed
-constexpr std::size_t kLongText = 48;     // bytes in the file from which one is kept by object
-constexpr std::size_t kCostOfLongValue = 80;
+constexpr std::size_t kCostOfLongValue = 80;  // its place among the long values
+constexpr std::size_t kMostUtf8OfUnit = 3;    // bytes of UTF-8 that two bytes of UTF-16 become
 
 // The high half of an object's first byte.
 enum Kind : unsigned {
@@ -54,7 +53,7 @@ void appendUtf8(std::string& text, char32_t c) {
 }  // namespace
 
 BinaryListParser::BinaryListParser(std::string_view bytes)
-    : _bytes(bytes), _budget(bytes.size()), _pool(_budget) {}
+    : _bytes(bytes), _budget(MemoryBudget::besideFile(bytes.size())), _pool(_budget) {}
 
 Value BinaryListParser::parse() {
   try {
@@ -69,6 +68,7 @@ Value BinaryListParser::_parsed() {
     fail("expected \"bplist00\", found " + quotedExcerpt(_bytes.substr(0, kHeaderBytes)));
   }
   _readTrailer();
+  _budget.take(_objectCount / 8);
   _isOpen.resize(_objectCount);
   return _value(_rootObject);
 }
@@ -114,7 +114,6 @@ std::size_t BinaryListParser::_offsetOfObject(std::size_t object) {
 Value BinaryListParser::_value(std::size_t object) {
   const std::size_t offset = _offsetOfObject(object);
   const std::size_t outer = std::exchange(_place, offset);
-  _budget.take(MemoryBudget::kValue);
   Value value = _valueAt(offset, object);
   _place = outer;
   return value;
@@ -158,7 +157,6 @@ Value BinaryListParser::_container(std::size_t offset, std::size_t object) {
   }
   _isOpen[object] = true;
   ++_levels;
-  _budget.take(MemoryBudget::kContainer);
   Value value = _byte(offset) >> 4 == kArray ? _array(_content(offset, _referenceSize))
                                              : _dictionary(_content(offset, 2 * _referenceSize));
   --_levels;
@@ -168,7 +166,7 @@ Value BinaryListParser::_container(std::size_t offset, std::size_t object) {
 
 Value BinaryListParser::_array(Content references) {
   std::vector<Value> elements;
-  _budget.take(references.count * sizeof(Value));
+  _budget.take(MemoryBudget::costOfArray(references.count));
   elements.reserve(references.count);
   for (std::size_t i = 0; i < references.count; ++i) {
     elements.push_back(_value(_reference(references.offset + i * _referenceSize)));
@@ -178,8 +176,7 @@ Value BinaryListParser::_array(Content references) {
 
 Value BinaryListParser::_dictionary(Content references) {
   const std::size_t count = references.count;
-  _budget.take(count *
-               (MemoryBudget::kEntry + (count >= kIndexedFrom ? MemoryBudget::kIndexedEntry : 0)));
+  _budget.take(MemoryBudget::costOfDictionary(count));
   auto dictionary = std::make_shared<Dictionary>();
   dictionary->reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
@@ -201,7 +198,7 @@ Value BinaryListParser::_immutable(std::size_t offset, std::size_t object) {
   }
   Value value = _madeImmutable(offset);
   const std::string* text = value.asString() ? value.asString() : value.asData();
-  if (text->size() >= kLongText) {
+  if (!value.asString() || text->size() > TextPool::kLongestShared) {
     _budget.take(kCostOfLongValue);
     _longValues.emplace(object, value);
   }
@@ -232,8 +229,11 @@ Value BinaryListParser::_asciiString(Content content) {
 }
 
 Value BinaryListParser::_wideString(Content content) {
-  return Value::string(
-      _pool.textFor(_utf8FromWide(_objects.substr(content.offset, 2 * content.count))));
+  const std::size_t mostBytes = kMostUtf8OfUnit * content.count;
+  _budget.take(mostBytes);
+  auto text = _pool.textFor(_utf8FromWide(_objects.substr(content.offset, 2 * content.count)));
+  _budget.giveBack(mostBytes);
+  return Value::string(std::move(text));
 }
 
 std::string BinaryListParser::_utf8FromWide(std::string_view wide) const {
@@ -243,7 +243,7 @@ std::string BinaryListParser::_utf8FromWide(std::string_view wide) const {
                                  static_cast<unsigned char>(wide[i + 1]));
   };
   std::string text;
-  text.reserve(wide.size() / 2);
+  text.reserve(kMostUtf8OfUnit * wide.size() / 2);
   for (std::size_t i = 0; i < wide.size(); i += 2) {
     char32_t c = unitAt(i);
     const char32_t next = unitAt(i + 2);

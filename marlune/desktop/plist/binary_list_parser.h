@@ -68,7 +68,7 @@ class BinaryListParser {
 
   MemoryBudget _budget;
   TextPool _pool;
-  // Long texts and bytes by object, so that many references to one do not make it many times.
+  // Long texts and all bytes, by object: what the pool does not share is made once, too.
   std::unordered_map<std::size_t, Value> _longValues;
   std::vector<bool> _isOpen;  // objects that the one being read stands in
   std::size_t _levels = 0;

@@ -7,10 +7,10 @@
 
 namespace marlune {
 
-// Lets the XML library's own memory count against a file's budget: it remembers every attribute
-// name, and an element of a million attributes would take many times its length before any handler
-// hears of it. A parser made with the suite takes from the budget whose scope stands on the calling
-// thread; when that is used up the library gets no memory and says so.
+// Bounds the XML library's own memory: it remembers every attribute name, and an element of a
+// million attributes would take many times its length before any handler is called. A parser made
+// with the suite takes from the budget whose scope stands on the calling thread; when that is used
+// up the library gets no memory and says so.
 class ExpatMemory {
  public:
   ExpatMemory() = delete;

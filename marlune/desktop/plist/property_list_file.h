@@ -12,7 +12,8 @@ namespace marlune {
 //
 // A file of more than 64 MiB, one that is no regular file and one in the old-style text form are
 // refused; so are more than 256 levels of nesting, a key that stands twice in one dictionary, and
-// a list that would take more memory than ten times its file and 16 MiB. An error begins with the
+// a list that would take more memory than 26 times its file and 16 MiB, or than 656 MiB: one whose
+// objects hold each other again and again. An error begins with the
 // file's name and goes on with the place: "line 7, column 12" (both from 1, in characters) or
 // "byte 96" (from 0).
 class PropertyListFile : public PropertyListReader {

@@ -7,12 +7,8 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kLongestShared = 32;
-
 // A file made so that its texts collide loses sharing, not time.
 constexpr std::size_t kMostProbes = 24;
-
-constexpr std::size_t kCostOfSlot = 56;  // a slot's share of the table, while it grows as well
 
 }  // namespace
 
@@ -22,7 +18,6 @@ std::shared_ptr<const std::string> TextPool::textFor(std::string_view text) {
   Slot* slot = _slotFor(text, hash);
   if (!slot) return _made(text);
   if (slot->text) return slot->text;
-  _budget.take(kCostOfSlot);
   *slot = Slot{_made(text), hash};
   std::shared_ptr<const std::string> made = slot->text;
   if (++_used * 4 > _slots.size() * 3) _grow();
@@ -45,6 +40,8 @@ TextPool::Slot* TextPool::_slotFor(std::string_view text, std::size_t hash) {
 }
 
 void TextPool::_grow() {
+  const std::size_t formerBytes = _slots.size() * sizeof(Slot);
+  _budget.take(2 * formerBytes);
   std::vector<Slot> old = std::exchange(_slots, std::vector<Slot>(_slots.size() * 2));
   _used = 0;
   for (Slot& each : old) {
@@ -54,6 +51,7 @@ void TextPool::_grow() {
     *slot = std::move(each);
     ++_used;
   }
+  _budget.giveBack(formerBytes);
 }
 
 }  // namespace marlune

@@ -15,6 +15,8 @@ namespace marlune {
 // times. Lives as long as the parse; the texts live on with the values that share them.
 class TextPool {
  public:
+  static constexpr std::size_t kLongestShared = 32;  // bytes
+
   // `budget` pays for the texts and outlives the pool.
   explicit TextPool(MemoryBudget& budget) : _budget(budget) {}
 

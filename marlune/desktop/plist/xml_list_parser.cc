@@ -13,7 +13,12 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kIndexedFrom = 17;  // entries from which a dictionary is hashed
+// What the XML library may hold. It needs some KiB for a list; more is for a long comment, which it
+// keeps until it ends.
+constexpr std::size_t kMostLibraryBytes = std::size_t{8} << 20;
+
+// The library copies each piece that it is given.
+constexpr std::size_t kPieceBytes = std::size_t{256} << 10;
 
 bool isBlank(std::string_view text) {
   for (const char c : text) {
@@ -28,17 +33,25 @@ std::string endTag(std::string_view name) { return "</" + std::string(name) + '>
 }  // namespace
 
 XmlListParser::XmlListParser(std::string_view bytes)
-    : _bytes(bytes), _budget(bytes.size()), _pool(_budget) {
-  const ExpatMemory::Scope memory(_budget);
+    : _bytes(bytes),
+      _budget(MemoryBudget::besideFile(bytes.size())),
+      _libraryBudget(kMostLibraryBytes),
+      _pool(_budget) {
+  _budget.take(kMostLibraryBytes);
+  const ExpatMemory::Scope memory(_libraryBudget);
   _parser.reset(XML_ParserCreate_MM(nullptr, &ExpatMemory::suite(), nullptr));
   if (!_parser) throw std::bad_alloc();
   _installHandlers();
 }
 
 Value XmlListParser::parse() {
-  const ExpatMemory::Scope memory(_budget);
-  const XML_Status status = XML_Parse(_parser.get(), _bytes.data(), static_cast<int>(_bytes.size()),
-                                      /*isFinal=*/XML_TRUE);
+  const ExpatMemory::Scope memory(_libraryBudget);
+  XML_Status status = XML_STATUS_OK;
+  for (std::size_t at = 0; status == XML_STATUS_OK && at <= _bytes.size(); at += kPieceBytes) {
+    const std::string_view piece = _bytes.substr(at, kPieceBytes);
+    status = XML_Parse(_parser.get(), piece.data(), static_cast<int>(piece.size()),
+                       /*isFinal=*/at + kPieceBytes > _bytes.size());
+  }
   if (!_error.empty()) throw PropertyListError{_error};
   if (status != XML_STATUS_OK) throw PropertyListError{_brokenXml()};
   return std::move(_values.front());
@@ -188,14 +201,19 @@ void XmlListParser::_close() {
     _isComplete = true;
     return;
   }
-  _budget.take(MemoryBudget::kContainer + MemoryBudget::kValue);
   Value value = frame.element == Element::array ? _arrayOf(frame) : _dictionaryOf(frame);
   _values.resize(frame.firstValue);
   _keys.resize(frame.firstKey);
+  _push(std::move(value));
+}
+
+void XmlListParser::_push(Value value) {
+  _budget.makeRoom(_values, _values.size() + 1);
   _values.push_back(std::move(value));
 }
 
 Value XmlListParser::_arrayOf(const Frame& frame) {
+  _budget.take(MemoryBudget::costOfArray(_values.size() - frame.firstValue));
   const auto first = _values.begin() + static_cast<std::ptrdiff_t>(frame.firstValue);
   return Value::array(std::make_shared<Array>(
       std::vector<Value>(std::move_iterator(first), std::move_iterator(_values.end()))));
@@ -203,7 +221,7 @@ Value XmlListParser::_arrayOf(const Frame& frame) {
 
 Value XmlListParser::_dictionaryOf(const Frame& frame) {
   const std::size_t count = _keys.size() - frame.firstKey;
-  if (count >= kIndexedFrom) _budget.take(count * MemoryBudget::kIndexedEntry);
+  _budget.take(MemoryBudget::costOfDictionary(count));
   auto dictionary = std::make_shared<Dictionary>();
   dictionary->reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
@@ -218,11 +236,10 @@ Value XmlListParser::_dictionaryOf(const Frame& frame) {
 
 void XmlListParser::_finishLeaf() {
   if (_leaf == Element::key) {
-    _budget.take(MemoryBudget::kEntry - MemoryBudget::kValue);
+    _budget.makeRoom(_keys, _keys.size() + 1);
     _keys.push_back(_pool.textFor(_leafText));
   } else {
-    _budget.take(MemoryBudget::kValue);
-    _values.push_back(_leafValue());
+    _push(_leafValue());
   }
   _leaf = Element::none;
 }
@@ -248,6 +265,7 @@ Value XmlListParser::_leafValue() {
 void XmlListParser::_text(std::string_view text) {
   const bool holdsText = _leaf != Element::none && _leaf != Element::yes && _leaf != Element::no;
   if (holdsText) {
+    _budget.makeRoom(_leafText, _leafText.size() + text.size());
     _leafText += text;
   } else if (!isBlank(text)) {
     _failFinding("the text " + quotedExcerpt(text));
@@ -286,7 +304,7 @@ std::string XmlListParser::_brokenXml() const {
   const XML_Error code = XML_GetErrorCode(_parser.get());
   switch (code) {
     case XML_ERROR_NO_MEMORY:
-      return _placed("the XML library got no more memory for a file of this length");
+      return _placed("the XML library ran out of the memory that a list may take");
     case XML_ERROR_NO_ELEMENTS:
     case XML_ERROR_UNCLOSED_TOKEN:
     case XML_ERROR_UNCLOSED_CDATA_SECTION:

@@ -66,6 +66,7 @@ class XmlListParser {
   bool _awaitsKey(const Frame& dictionary) const;
   void _open(Element container);
   void _close();
+  void _push(Value value);
   void _finishLeaf();
   Value _leafValue();
   Value _dictionaryOf(const Frame& frame);
@@ -78,6 +79,7 @@ class XmlListParser {
 
   std::string_view _bytes;
   MemoryBudget _budget;
+  MemoryBudget _libraryBudget;  // a part of it
   std::unique_ptr<XML_ParserStruct, FreeParser> _parser;
   TextPool _pool;
   std::vector<Frame> _frames;
