@@ -25,6 +25,22 @@ function(marlune_install_headers)
     COMPONENT development FILES_MATCHING PATTERN "*.h")
 endfunction()
 
+# Relative to the file's own folder, so that the installation may be moved, or go to another prefix
+# than the one that was configured. Folders that were given as absolute stay so.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(MARLUNE_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+else()
+  file(RELATIVE_PATH up "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /prefix)
+  string(REGEX REPLACE "/$" "" up "${up}")
+  set(MARLUNE_PC_PREFIX "\${pcfiledir}/${up}")
+endif()
+foreach(folder IN ITEMS LIBDIR INCLUDEDIR)
+  set(MARLUNE_PC_${folder} "${CMAKE_INSTALL_${folder}}")
+  if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
+    string(PREPEND MARLUNE_PC_${folder} "\${prefix}/")
+  endif()
+endforeach()
+
 function(marlune_install_pkgconfig file)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${file}.in ${PROJECT_BINARY_DIR}/${file} @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${file}
