@@ -4,14 +4,10 @@
 #include <cmath>
 #include <utility>
 
+#include "marlune/desktop/audio/end_thread.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
-
-void QueueEngine::setOwner(std::weak_ptr<QueuePlayer> owner) {
-  const Lock lock(_mutex);
-  _owner = std::move(owner);
-}
 
 // Behind an item that others follow there is room only until the first of those is on its way to
 // the output: once the queue has played, what is sent is not called back.
@@ -92,7 +88,7 @@ void QueueEngine::_setItemsChanged(bool isCurrentItemOther) {
   if (isCurrentItemOther) _setChanged(QueuePlayer::kCurrentItemKeyPath);
 }
 
-// Who is still to be told of an earlier change learns of this one with it.
+// A change that the notifier has not been given yet covers later ones of the same key path.
 void QueueEngine::_setChanged(std::string_view keyPath) {
   if (std::find(_changes.begin(), _changes.end(), keyPath) != _changes.end()) return;
   _changes.push_back(keyPath);
@@ -113,24 +109,6 @@ bool QueueEngine::isSounding() const {
   return _isSounding();
 }
 
-void QueueEngine::addObserver(QueuePlayerObserver* observer, std::string_view keyPath,
-                              unsigned options) {
-  std::shared_ptr<QueuePlayer> owner;
-  {
-    const Lock lock(_mutex);
-    _observations.push_back({observer, std::string(keyPath), options});
-    owner = _owner.lock();
-  }
-  if (options & QueuePlayer::kInitialValue) observer->observeValueForKeyPath(keyPath, owner);
-}
-
-void QueueEngine::removeObserver(QueuePlayerObserver* observer, std::string_view keyPath) {
-  const Lock lock(_mutex);
-  std::erase_if(_observations, [&](const Observation& each) {
-    return each.observer == observer && each.keyPath == keyPath;
-  });
-}
-
 void QueueEngine::rendered() {
   const Lock lock(_mutex);
   _requestWork();
@@ -148,7 +126,13 @@ void QueueEngine::_requestWork() {
 void QueueEngine::waitUntilSettled() {
   Lock lock(_mutex);
   if (!_worker.joinable()) return;
-  _settled.wait(lock, [this] { return (_isSettled && !_hasRequest) || _isStopping; });
+  for (;;) {
+    _settled.wait(lock, [this] { return (_isSettled && !_hasRequest) || _isStopping; });
+    if (_isStopping || _notifier->isIdle()) return;
+    lock.unlock();
+    _notifier->waitUntilIdle();  // and see whether the observers made new work
+    lock.lock();
+  }
 }
 
 void QueueEngine::stop() {
@@ -166,14 +150,8 @@ void QueueEngine::stop() {
   if (dropped > 0) {
     TQUtils::log("A queue of sound files has ended: %lu of them were dropped.", dropped);
   }
-  if (!_worker.joinable()) return;
-  // The worker itself comes here when the last share of the player was the one that it held while
-  // it told an observer. It returns from _run soon, and holds a share of this engine until then.
-  if (_worker.get_id() == std::this_thread::get_id()) {
-    _worker.detach();
-  } else {
-    _worker.join();
-  }
+  endThread(_worker);
+  _notifier->stop();
 }
 
 }  // namespace marlune

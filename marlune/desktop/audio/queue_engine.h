@@ -12,9 +12,11 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "marlune/desktop/audio/audio_route.h"
+#include "marlune/desktop/audio/change_notifier.h"
 #include "marlune/desktop/audio/clip_decoder.h"
 #include "marlune/desktop/audio/file_player_item.h"
 #include "marlune/desktop/audio/render_line.h"
@@ -22,20 +24,21 @@
 
 namespace marlune {
 
-// What a DesktopQueuePlayer is made of, apart from it because the engine's worker can outlive the
-// player: the items, the observers, and the worker, which decodes ahead of the output, notices
-// what was heard, watches the output and tells the observers.
+// What a DesktopQueuePlayer is made of, apart from it because the engine's threads can outlive the
+// player: the items, and a worker that decodes ahead of the output, ends the items that were heard
+// and checks the output.
 //
-// Three parties meet here. The control side is the main thread; the worker and it share what
-// stands under the lock; the output's callback (render) shares only the RenderLine with the
-// worker. No lock is held while an observer is told or the route is asked.
+// Four threads meet here. The control side is the main thread; it and the worker share what stands
+// under the lock. The worker never waits for the main thread's loop. The notifier may, and so calls
+// the observers. The output's callback (render) shares only the RenderLine with the worker. No lock
+// is held while an observer is called or the route is asked.
 class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueEngine> {
  public:
   explicit QueueEngine(std::shared_ptr<AudioRoute> route) : _route(std::move(route)) {}
   ~QueueEngine() override = default;
 
   // The control side; see QueuePlayer.
-  void setOwner(std::weak_ptr<QueuePlayer> owner);
+  void setOwner(std::weak_ptr<QueuePlayer> owner) { _notifier->setOwner(std::move(owner)); }
   bool canInsert(const PlayerItem* item, const PlayerItem* after) const;
   void insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after);
   float rate() const;
@@ -43,11 +46,15 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   void removeAllItems();
   std::vector<std::shared_ptr<PlayerItem>> items() const;
   QueuePlayer::Status status() const;
-  void addObserver(QueuePlayerObserver* observer, std::string_view keyPath, unsigned options);
-  void removeObserver(QueuePlayerObserver* observer, std::string_view keyPath);
+  void addObserver(QueuePlayerObserver* observer, std::string_view keyPath, unsigned options) {
+    _notifier->addObserver(observer, keyPath, options);
+  }
+  void removeObserver(QueuePlayerObserver* observer, std::string_view keyPath) {
+    _notifier->removeObserver(observer, keyPath);
+  }
   void waitUntilSettled();
 
-  // Ends it all; nothing may be called after it. Any thread, also the worker itself.
+  // Ends it all; nothing may be called after it. Any thread, also the worker or the notifier.
   void stop();
 
   bool isSounding() const override;
@@ -60,12 +67,6 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   using Lock = std::unique_lock<std::mutex>;
   using Clock = std::chrono::steady_clock;
 
-  struct Observation {
-    QueuePlayerObserver* observer;
-    std::string keyPath;
-    unsigned options;
-    bool operator==(const Observation&) const = default;
-  };
   // A recording whose last frame has been taken.
   struct Ending {
     std::uint32_t generation;
@@ -98,16 +99,16 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   void _skip(const FilePlayerItem& item, const std::string& cause);
   void _setReady();
   void _sendBlock(SoundBlock* block);
-  void _deliverChanges(Lock& lock);
+  void _postChanges();
 
   const std::shared_ptr<AudioRoute> _route;
+  const std::shared_ptr<ChangeNotifier> _notifier = std::make_shared<ChangeNotifier>();
   RenderLine _line;
 
   mutable std::mutex _mutex;  // for all below
   std::condition_variable _wake;
   std::condition_variable _settled;
   std::thread _worker;
-  std::weak_ptr<QueuePlayer> _owner;
   std::deque<std::shared_ptr<FilePlayerItem>> _items;
   std::size_t _sentItems = 0;     // how many of them have been sent down the line to their end
   std::uint32_t _generation = 0;  // counts how often what was sent became unwanted
@@ -115,8 +116,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   float _rate = 0;
   bool _hasPlayed = false;  // some of these items may have been taken by the output
   QueuePlayer::Status _status = QueuePlayer::Status::unknown;
-  std::vector<Observation> _observations;
-  std::deque<std::string_view> _changes;  // key paths whose observers are still to be told
+  std::vector<std::string_view> _changes;  // key paths that the notifier is still to be given
   bool _hasRequest = false;
   bool _isSettled = false;
   bool _isStopping = false;
@@ -130,7 +130,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::uint64_t _watchedFrames = 0;  // taken when the output was last seen to move
   Clock::time_point _lastMove;
   bool _isWatching = false;
-  Clock::time_point _lastTold;
+  Clock::time_point _lastPost;
   std::uint64_t _reportedUnderrun = 0;
 };
 

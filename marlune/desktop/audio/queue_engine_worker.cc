@@ -11,9 +11,9 @@ namespace marlune {
 namespace {
 // How often the worker looks at the output while it plays: what a callback does cannot wake it.
 constexpr std::chrono::milliseconds kLookInterval(3);
-// While there is more to decode, observers are told no more often than this: each is a trip to the
+// While there is more to decode, changes are posted no more often than this: each is a trip to the
 // main thread and back, and recordings rendered to a file end several in a millisecond.
-constexpr std::chrono::milliseconds kTellInterval(5);
+constexpr std::chrono::milliseconds kPostInterval(5);
 }  // namespace
 
 void QueueEngine::_run() {
@@ -23,11 +23,9 @@ void QueueEngine::_run() {
     lock.unlock();
     const bool hasMoved = _step();
     lock.lock();
-    if (hasMoved && Clock::now() - _lastTold < kTellInterval) continue;
-    const bool hadChanges = !_changes.empty();
-    _deliverChanges(lock);
-    if (hadChanges) _lastTold = Clock::now();
-    if (hasMoved || hadChanges || _hasRequest || _isStopping) continue;
+    if (hasMoved && Clock::now() - _lastPost < kPostInterval) continue;
+    _postChanges();
+    if (hasMoved || _hasRequest || _isStopping) continue;
     _isSettled = true;
     _settled.notify_all();
     const auto isWanted = [this] { return _hasRequest || _isStopping; };
@@ -237,23 +235,11 @@ void QueueEngine::_sendBlock(SoundBlock* block) {
   _setItemsChanged(/*isCurrentItemOther=*/false);
 }
 
-void QueueEngine::_deliverChanges(Lock& lock) {
-  while (!_changes.empty() && !_isStopping) {
-    const std::string_view keyPath = _changes.front();
-    _changes.pop_front();
-    const std::vector<Observation> observations = _observations;
-    for (const Observation& each : observations) {
-      const bool isMeant = each.keyPath == keyPath && (each.options & QueuePlayer::kNewValue);
-      const auto place = std::find(_observations.begin(), _observations.end(), each);
-      if (!isMeant || place == _observations.end()) continue;  // removed by one told before
-      std::shared_ptr<QueuePlayer> owner = _owner.lock();
-      if (!owner) return;
-      lock.unlock();
-      each.observer->observeValueForKeyPath(keyPath, owner);
-      owner.reset();  // without the lock: it may be the last share
-      lock.lock();
-    }
-  }
+void QueueEngine::_postChanges() {
+  if (_changes.empty()) return;
+  for (const std::string_view keyPath : _changes) _notifier->post(keyPath);
+  _changes.clear();
+  _lastPost = Clock::now();
 }
 
 }  // namespace marlune

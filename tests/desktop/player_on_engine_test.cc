@@ -1,0 +1,91 @@
+// The player on the queue engine, with a main thread that runs only when the test says so.
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "fakes/fake_main_thread.h"
+#include "marlune/desktop/desktop_platform.h"
+#include "marlune/desktop/services/folder_bundle.h"
+#include "marlune/desktop/services/run_loop.h"
+#include "marlune/playback/audio_session.h"
+#include "marlune/playback/player.h"
+#include "support/engine_rig.h"
+#include "support/platform_fixture.h"
+#include "support/player_test_access.h"
+
+namespace marlune {
+namespace {
+
+constexpr AudioFormat kMono = {22'050, 1};
+using Names = std::vector<std::string>;
+
+class PlayerOnEngineTest : public PlatformFixture {
+ protected:
+  void SetUp() override {
+    PlatformFixture::SetUp();
+    Platform& platform = Platform::shared();
+    platform.mainThread = mainThread;
+    installDesktopAudio(output);
+    platform.makeQueuePlayer = [this, make = platform.makeQueuePlayer] {
+      auto queue = make();
+      queues.push_back(queue);
+      return queue;
+    };
+    PlayerTestAccess::resetClass();
+    for (const char* const name : {"one", "two"}) {
+      const auto samples = countingSamples(3'000, recorded.size());
+      recorded.insert(recorded.end(), samples.begin(), samples.end());
+      folder.write(std::string(name) + ".aif", samples, kMono);
+    }
+    player = Player::initWithDirectory("", std::make_shared<FolderBundle>(folder.path(".")));
+  }
+
+  // Lets every notification end that is under way.
+  void TearDown() override {
+    player.reset();
+    PlayerTestAccess::resetClass();
+    for (const auto& queue : queues) {
+      while (!queue.expired()) runMainThread();
+    }
+    PlatformFixture::TearDown();
+  }
+
+  void runMainThread() {
+    mainThread->runPending();
+    std::this_thread::yield();
+  }
+
+  // Turns the crank, and not the main thread, until `frames` frames of sound have come out. Ends
+  // early when the output is closed.
+  std::vector<short> hear(std::size_t frames) {
+    std::vector<short> heard;
+    std::vector<float> some(100);
+    while (heard.size() < frames && output->isOpen()) {
+      const std::size_t sounding = output->crankInto(some.data(), some.size());
+      for (std::size_t i = 0; i < sounding; ++i) {
+        heard.push_back(static_cast<short>(std::lrintf(some[i] * 32'768.0f)));
+      }
+      std::this_thread::yield();
+    }
+    return heard;
+  }
+
+  const std::shared_ptr<FakeMainThread> mainThread = std::make_shared<FakeMainThread>();
+  const std::shared_ptr<CrankedOutput> output = std::make_shared<CrankedOutput>(kMono);
+  RecordingFolder folder;
+  std::vector<short> recorded;
+  std::vector<std::weak_ptr<QueuePlayer>> queues;
+  std::unique_ptr<Player> player;
+};
+
+TEST_F(PlayerOnEngineTest, APhraseSoundsWholeWhileTheMainThreadSleeps) {
+  player->playSoundFilesInSequence(Names{"one", "two"});
+  EXPECT_EQ(hear(recorded.size()), recorded);
+  EXPECT_TRUE(player->isPlaying()) << "the end of the queue is handled on the main thread";
+  while (player->isPlaying()) runMainThread();
+  EXPECT_FALSE(output->isOpen());
+}
+
+}  // namespace
+}  // namespace marlune
