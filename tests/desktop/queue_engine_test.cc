@@ -245,6 +245,66 @@ TEST_F(QueueEngineTest, AnOutputOfAnotherFormatIsFollowed) {
   EXPECT_EQ(rig.crank(*queue, 10), expected) << "the recording starts again";
 }
 
+// The output takes frames before the worker can find out that it was opened anew.
+TEST_F(QueueEngineTest, SoundMadeForAnotherFormatIsMadeAgainAndNeverCountsAsHeard) {
+  for (const AudioFormat former : {AudioFormat{22'050, 2}, AudioFormat{44'100, 1}}) {
+    SCOPED_TRACE(former.channels);
+    HoldingLog holding(log);
+    queue = rig.makeQueue();
+    recorded.clear();
+    rig.output->setFormat(former);
+    rig.session.setActive(true);
+    const auto first = rig.append(*queue, record(3'000));
+    rig.append(*queue, folder.writeBytes("empty.aif", {}));
+    const auto last = rig.append(*queue, record(3'000));
+    holding.waitUntilHeld();  // with the first recording decoded
+    rig.session.setActive(false);
+    rig.output->setFormat(kMono);
+    rig.session.setActive(true);
+    queue->play();
+    EXPECT_EQ(rig.output->crank(4'000), std::vector<float>(4'000));
+    holding.release();
+    EXPECT_EQ(rig.crank(*queue, 6'000), recorded);
+    EXPECT_EQ(first->fate(), ItemFate::heard(0));
+    EXPECT_EQ(last->fate(), ItemFate::heard(0));
+    queue->setRate(0);
+    rig.session.setActive(false);
+  }
+}
+
+// Closing an output drops what it has taken and not made heard.
+TEST_F(QueueEngineTest, WhatAClosedOutputHadTakenAndNotMadeHeardIsPlayedAgain) {
+  rig.output->setLatencyFrames(30);
+  const struct {
+    std::string_view why;
+    std::size_t frames;
+    bool isHeard;
+  } kCases[] = {
+      {"half of it taken", 50, false},
+      {"all of it taken", 129, false},
+      {"all of it heard", 130, true},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    recorded.clear();
+    const auto item = rig.append(*queue, record(100));
+    rig.session.setActive(true);
+    queue->play();
+    queue->waitUntilSettled();
+    rig.output->crank(c.frames);
+    queue->setRate(0);
+    rig.session.setActive(false);
+    rig.session.setActive(true);
+    queue->waitUntilSettled();
+    queue->play();
+    EXPECT_EQ(rig.crank(*queue, 100), c.isHeard ? Samples(100) : recorded);
+    rig.crank(*queue, 30);
+    EXPECT_EQ(item->fate(), ItemFate::heard(0));
+    queue->setRate(0);
+    rig.session.setActive(false);
+  }
+}
+
 TEST_F(QueueEngineTest, TheSessionOpensAndClosesTheOutputButNotWhileSoundIsRunning) {
   EXPECT_FALSE(rig.output->isOpen()) << "a queue opens nothing";
   EXPECT_FALSE(rig.session.setCategory("record", 3).succeeded);

@@ -8,9 +8,9 @@ std::optional<std::string> AudioRoute::open(const std::string& role) {
   const std::lock_guard lock(_mutex);
   if (_isOpen && !_loss()) return std::nullopt;
   _closeLocked();
+  ++_opening;  // before the output takes frames
   if (auto error = _output->open(*this, role)) return error;
   _isOpen = true;
-  ++_opening;
   return std::nullopt;
 }
 
@@ -57,9 +57,10 @@ std::optional<AudioRoute::State> AudioRoute::stateFor(const RouteUser& user) con
                _loss()};
 }
 
-std::optional<AudioFormat> AudioRoute::formatForClip(const AudioFormat& clip) {
+std::optional<AudioFormat> AudioRoute::formatForClip(const AudioFormat& clip,
+                                                     std::uint64_t opening) {
   const std::lock_guard lock(_mutex);
-  if (!_isOpen) return std::nullopt;
+  if (!_isOpen || _opening != opening) return std::nullopt;
   return _output->formatForClip(clip);
 }
 

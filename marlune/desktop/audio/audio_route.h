@@ -1,6 +1,7 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_AUDIO_ROUTE_H_
 #define MARLUNE_DESKTOP_AUDIO_AUDIO_ROUTE_H_
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -43,17 +44,22 @@ class AudioRoute : private AudioSource {
   // From the return on, `user` is not called any more. Any thread.
   void leave(const RouteUser& user);
 
+  // Which opening of the output this is, or was while the route is closed; 0 before the first. Any
+  // thread, the callback's included, for which it is that of the frames it takes.
+  std::uint64_t opening() const noexcept { return _opening.load(); }
+
   // What the worker of a queue asks, any thread. All answer or do nothing while the route is
   // closed.
   struct State {
-    std::uint64_t opening = 0;  // which opening of the output this is, from 1 on
-    bool isMine = false;        // the asking user is the one that sounds
+    std::uint64_t opening = 0;
+    bool isMine = false;  // the asking user is the one that sounds
     std::size_t latencyFrames = 0;
     std::optional<double> stallLimitSeconds;
     std::optional<std::string> loss;  // why nothing is heard any more
   };
   std::optional<State> stateFor(const RouteUser& user) const;
-  std::optional<AudioFormat> formatForClip(const AudioFormat& clip);
+  // Nothing also when the output is not in `opening` any more.
+  std::optional<AudioFormat> formatForClip(const AudioFormat& clip, std::uint64_t opening);
   void takeAvailable(const RouteUser& user, std::size_t frames);
 
   // Records that the opened output is lost; the next open() opens it anew. Does nothing when
@@ -72,7 +78,7 @@ class AudioRoute : private AudioSource {
   SourceGate _gate;
   mutable std::mutex _mutex;  // never taken by the callback; for all below
   bool _isOpen = false;
-  std::uint64_t _opening = 0;
+  std::atomic<std::uint64_t> _opening = 0;  // changes while the output is closed
   std::optional<std::string> _lost;
   mutable std::mutex _userMutex;  // inside _mutex or alone
   RouteUser* _user = nullptr;

@@ -77,9 +77,10 @@ void QueueEngine::_dropAllItems(const ItemFate& fate) {
   _setItemsChanged(/*isCurrentItemOther=*/hadItems);
 }
 
-// What was sent is unwanted.
+// What was sent is unwanted, and made again as far as its items are still here.
 void QueueEngine::_startOver() {
   _sentItems = 0;
+  _line.setOwed(_items.size());
   _line.setGeneration(++_generation);
 }
 

@@ -59,7 +59,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
 
   bool isSounding() const override;
   std::size_t render(float* frames, std::size_t count, int channels) noexcept override {
-    return _line.render(frames, count, channels);
+    return _line.render(frames, count, channels, _route->opening());
   }
   void rendered() override;
 
@@ -71,6 +71,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   struct Ending {
     std::uint32_t generation;
     std::uint64_t takenAt;  // in frames taken by the output
+    std::uint64_t opening;  // of the output that took it
     std::uint64_t missingFrames;
   };
 
@@ -88,6 +89,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   bool _step();
   void _collectReturned();
   bool _endHeardItems(const std::optional<AudioRoute::State>& state);
+  bool _isHeard(const Ending& ending, const std::optional<AudioRoute::State>& state) const;
   void _followOpening(const AudioRoute::State& state);
   std::optional<std::uint64_t> _ordersWhileSounding() const;
   bool _watch(std::optional<std::uint64_t> orders, const std::optional<AudioRoute::State>& state);
@@ -125,7 +127,8 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::unique_ptr<ClipDecoder> _decoder;  // of item _sentItems, if of this generation:
   std::uint32_t _decoderGeneration = 0;
   std::optional<AudioFormat> _format;  // that blocks are made in
-  std::uint64_t _opening = 0;          // of the route, that _format was asked of
+  std::uint64_t _opening = 0;          // of the route, that blocks are made for
+  std::size_t _latencyFrames = 0;      // of the output in that opening
   std::deque<Ending> _endings;
   std::uint64_t _watchedFrames = 0;  // taken when the output was last seen to move
   Clock::time_point _lastMove;

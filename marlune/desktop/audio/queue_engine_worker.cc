@@ -56,31 +56,45 @@ bool QueueEngine::_step() {
 
 void QueueEngine::_collectReturned() {
   while (SoundBlock* const block = _line.takeReturned()) {
-    if (block->endsItem)
-      _endings.push_back({block->generation, block->finishedAt, block->missingFrames});
+    if (block->endsItem && block->isTaken) {
+      _endings.push_back(
+          {block->generation, block->takenAt, block->takenOpening, block->missingFrames});
+    }
     _line.giveBack(block);
   }
 }
 
 // An item ends when it has been heard: the output's latency after its last frame was taken. An
-// output that is closed by then will not get any further.
+// output that is closed before that drops the frames, and the item is played again.
 bool QueueEngine::_endHeardItems(const std::optional<AudioRoute::State>& state) {
   bool hasMoved = false;
-  const std::uint64_t taken = _line.framesTaken();
+  if (state && state->opening == _opening) _latencyFrames = state->latencyFrames;
   while (!_endings.empty()) {
     const Ending ending = _endings.front();
     const Lock lock(_mutex);
     if (ending.generation == _generation) {
-      if (state && taken < ending.takenAt + state->latencyFrames) break;
-      _items.front()->leaveQueue(ItemFate::heard(ending.missingFrames));
-      _items.pop_front();
-      --_sentItems;
-      _setItemsChanged(/*isCurrentItemOther=*/true);
+      if (_isHeard(ending, state)) {
+        _items.front()->leaveQueue(ItemFate::heard(ending.missingFrames));
+        _items.pop_front();
+        --_sentItems;
+        _setItemsChanged(/*isCurrentItemOther=*/true);
+      } else if (state && state->opening == ending.opening) {
+        break;
+      } else {
+        _startOver();
+      }
     }
     _endings.pop_front();
     hasMoved = true;
   }
   return hasMoved;
+}
+
+bool QueueEngine::_isHeard(const Ending& ending,
+                           const std::optional<AudioRoute::State>& state) const {
+  // The count of taken frames goes on in the next opening and no longer shows what was heard.
+  if (state && state->opening != ending.opening) return _latencyFrames == 0;
+  return _line.framesTaken() >= ending.takenAt + _latencyFrames;
 }
 
 // How many orders the control side had given, if the queue was to be heard by then.
@@ -105,6 +119,7 @@ bool QueueEngine::_watch(std::optional<std::uint64_t> orders,
 std::optional<std::string> QueueEngine::_faultOf(const std::optional<AudioRoute::State>& state) {
   if (!state) return "No sound output is open.";
   if (state->loss) return state->loss;
+  if (_line.hasMisfit()) return "The sound output takes other channels than it announced.";
   const Clock::time_point now = Clock::now();
   const std::uint64_t taken = _line.framesTaken();
   const bool hasMoved = taken != _watchedFrames || state->opening != _opening;
@@ -145,18 +160,21 @@ void QueueEngine::_reportUnderruns() {
   _reportedUnderrun = frames;
 }
 
-// An output that was closed and opened again may have another format. What was sent in the old
-// one is then made anew; a recording that was half played starts again.
+// An output that was closed and opened again may have another format, and may have dropped frames
+// that it had taken. What was sent is then made again: a recording that was half played starts
+// again.
 void QueueEngine::_followOpening(const AudioRoute::State& state) {
   if (_opening == state.opening) return;
+  if (_format) {
+    const std::optional<AudioFormat> format = _route->formatForClip(*_format, state.opening);
+    if (!format) return;  // closed meanwhile
+    const Lock lock(_mutex);
+    if (format != _format || _latencyFrames > 0) _startOver();
+    _format = format;
+  }
   _opening = state.opening;
-  if (!_format) return;
-  const std::optional<AudioFormat> format = _route->formatForClip(*_format);
-  if (!format || format == _format) return;
-  _format = format;
-  const Lock lock(_mutex);
-  _startOver();
-  _setItemsChanged(/*isCurrentItemOther=*/false);
+  _latencyFrames = state.latencyFrames;
+  _line.setOpening(_opening);
 }
 
 bool QueueEngine::_decodeBlock() {
@@ -190,7 +208,7 @@ bool QueueEngine::_openNext() {
     _skip(*item, cause);
     return false;
   }
-  const std::optional<AudioFormat> format = _route->formatForClip(decoder->clipFormat());
+  const std::optional<AudioFormat> format = _route->formatForClip(decoder->clipFormat(), _opening);
   if (!format) return false;  // closed meanwhile
   if (!decoder->convertTo(*format, cause)) {
     _skip(*item, cause);

@@ -20,33 +20,42 @@ void RenderLine::send(SoundBlock* block) {
   _sent.put(block);
 }
 
-std::size_t RenderLine::render(float* frames, std::size_t count, int channels) noexcept {
+std::size_t RenderLine::render(float* frames, std::size_t count, int channels,
+                               std::uint64_t opening) noexcept {
   const auto samples = static_cast<std::size_t>(channels);
   const std::uint64_t before = _framesTaken.load(std::memory_order_relaxed);
-  const bool isRunning = _isRunning.load();
+  const bool isRunning = _isRunning.load() && _opening.load() == opening;
   std::size_t done = 0;
   // A block is returned as soon as its last frame is out, so that its recording ends then.
-  while (_haveBlock(channels) && isRunning) {
+  while (_haveBlock() && isRunning && _fits(channels)) {
     const std::size_t some = std::min(count - done, _current->frames - _position);
     std::copy_n(_current->samples.data() + _position * samples, some * samples,
                 frames + done * samples);
     _position += some;
     done += some;
     if (_position < _current->frames) break;
-    _return(before + done);
+    _current->takenAt = before + done;
+    _current->takenOpening = opening;
+    _return(/*isTaken=*/true);
   }
   std::fill_n(frames + done * samples, (count - done) * samples, 0.0f);
-  if (isRunning && count > 0) {
-    const bool isOwed = _owed.load() > 0;
-    if (done < count && _isInSound && isOwed) _underrunFrames.fetch_add(count - done);
-    _isInSound = (done > 0 || _isInSound) && (done == count || isOwed);
-  }
+  if (isRunning && count > 0) _countUnderrun(done, count);
   _framesTaken.store(before + count);
   return done;
 }
 
-// Whether _current is a block to be played, unwanted ones having been returned.
-bool RenderLine::_haveBlock(int channels) noexcept {
+// Silence where a recording that is still to come should have followed at once.
+void RenderLine::_countUnderrun(std::size_t done, std::size_t count) noexcept {
+  const std::uint32_t generation = _generation.load();
+  if (done == 0 && generation != _soundGeneration) _isInSound = false;  // that sound was cut off
+  _soundGeneration = generation;
+  const bool isOwed = _owed.load() > 0;
+  if (done < count && _isInSound && isOwed) _underrunFrames.fetch_add(count - done);
+  _isInSound = (done > 0 || _isInSound) && (done == count || isOwed);
+}
+
+// Whether _current is a block that is wanted, unwanted ones having been returned.
+bool RenderLine::_haveBlock() noexcept {
   const std::uint32_t generation = _generation.load();
   for (;;) {
     if (!_current) {
@@ -54,13 +63,19 @@ bool RenderLine::_haveBlock(int channels) noexcept {
       if (!_current) return false;
       _position = 0;
     }
-    if (_current->generation == generation && _current->channels == channels) return true;
-    _return(0);
+    if (_current->generation == generation) return true;
+    _return(/*isTaken=*/false);
   }
 }
 
-void RenderLine::_return(std::uint64_t finishedAt) noexcept {
-  _current->finishedAt = finishedAt;
+bool RenderLine::_fits(int channels) noexcept {
+  if (_current->channels == channels) return true;
+  _hasMisfit.store(true);
+  return false;
+}
+
+void RenderLine::_return(bool isTaken) noexcept {
+  _current->isTaken = isTaken;
   _framesPlayed.fetch_add(_current->frames);
   _returned.put(_current);
   _current = nullptr;

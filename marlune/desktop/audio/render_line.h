@@ -14,6 +14,9 @@ namespace marlune {
 
 // What lies between a queue and the callback that takes its sound: blocks go down the line full
 // and come back used. The callback's side only copies samples and moves atomics.
+//
+// An output that is closed and opened again may have another format. Blocks are made for one
+// opening, and stay where they are while the output is in another.
 class RenderLine {
  public:
   // How far decoding may run ahead: about 5 s at 48 kHz.
@@ -30,6 +33,12 @@ class RenderLine {
   void setRunning(bool isRunning) { _isRunning.store(isRunning); }
   // From now on every block of an older generation is unwanted, also one that is half played.
   void setGeneration(std::uint32_t generation) { _generation.store(generation); }
+  // From now on every block of the generation is in the format of this opening of the output. After
+  // setGeneration, if earlier ones are not.
+  void setOpening(std::uint64_t opening) {
+    _hasMisfit.store(false);
+    _opening.store(opening);
+  }
   // How many recordings are still to be sent to their end. While there are any, silence in the
   // middle of sound is an underrun.
   void setOwed(std::size_t recordings) { _owed.store(recordings); }
@@ -38,13 +47,19 @@ class RenderLine {
   // Frames of sound sent and not taken. Exact on the thread that both sends and takes.
   std::size_t framesWaiting() const { return _framesSent - _framesPlayed.load(); }
   std::uint64_t underrunFrames() const { return _underrunFrames.load(); }
+  // Whether the output takes another number of channels than blocks for its opening have. Such
+  // blocks are not taken.
+  bool hasMisfit() const { return _hasMisfit.load(); }
 
-  // The callback's side; see AudioSource::render.
-  std::size_t render(float* frames, std::size_t count, int channels) noexcept;
+  // The callback's side; see AudioSource::render. `opening` is that of the output.
+  std::size_t render(float* frames, std::size_t count, int channels,
+                     std::uint64_t opening) noexcept;
 
  private:
-  bool _haveBlock(int channels) noexcept;
-  void _return(std::uint64_t finishedAt) noexcept;
+  bool _haveBlock() noexcept;
+  bool _fits(int channels) noexcept;
+  void _return(bool isTaken) noexcept;
+  void _countUnderrun(std::size_t done, std::size_t count) noexcept;
 
   // The worker's.
   std::vector<std::unique_ptr<SoundBlock>> _blocks;
@@ -56,6 +71,8 @@ class RenderLine {
   BlockRing<kBlocks> _returned;
   std::atomic<bool> _isRunning = false;
   std::atomic<std::uint32_t> _generation = 0;
+  std::atomic<std::uint64_t> _opening = 0;
+  std::atomic<bool> _hasMisfit = false;
   std::atomic<std::size_t> _owed = 0;
   std::atomic<std::uint64_t> _framesTaken = 0;
   std::atomic<std::size_t> _framesPlayed = 0;  // or skipped with their block
@@ -63,8 +80,9 @@ class RenderLine {
 
   // The callback's.
   SoundBlock* _current = nullptr;
-  std::size_t _position = 0;  // frames of _current that are played
-  bool _isInSound = false;    // the last frame was sound, and more was to follow
+  std::size_t _position = 0;           // frames of _current that are played
+  bool _isInSound = false;             // the last frame was sound, and more was to follow
+  std::uint32_t _soundGeneration = 0;  // of that sound
 };
 
 }  // namespace marlune

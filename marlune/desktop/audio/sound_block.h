@@ -18,7 +18,11 @@ struct SoundBlock {
   std::uint32_t generation = 0;     // of the queue's content; an older one is no longer wanted
   bool endsItem = false;            // the last of its recording
   std::uint64_t missingFrames = 0;  // of its recording, as far as it has been read
-  std::uint64_t finishedAt = 0;     // set by the callback: frames the output had taken by then
+  // Set by the callback, which returns a block as soon as its last frame is taken or it turns out
+  // to be unwanted.
+  bool isTaken = false;
+  std::uint64_t takenAt = 0;       // frames that the output had taken by then, silence included
+  std::uint64_t takenOpening = 0;  // the output's opening that took it
 };
 
 }  // namespace marlune
