@@ -10,6 +10,7 @@
 #include "marlune/desktop/services/file_preferences.h"
 #include "marlune/platform/platform.h"
 #include "marlune/platform/standard_error_log.h"
+#include "marlune/util/tq_utils.h"
 
 namespace marlune {
 
@@ -22,9 +23,27 @@ std::shared_ptr<Preferences> preferencesFor(const DesktopOptions& options) {
                                            options.preferencesDomain);
 }
 
+// Makes queues over one route; none without a main thread, which is logged once.
+class QueueMaker {
+ public:
+  explicit QueueMaker(std::shared_ptr<AudioRoute> route) : _route(std::move(route)) {}
+
+  std::shared_ptr<QueuePlayer> operator()() {
+    if (Platform::shared().mainThread) return DesktopQueuePlayer::overRoute(_route);
+    if (!std::exchange(_hasRefused, true)) {
+      TQUtils::log("ERROR: The platform has no main thread. No queue player is made.");
+    }
+    return nullptr;
+  }
+
+ private:
+  std::shared_ptr<AudioRoute> _route;
+  bool _hasRefused = false;
+};
+
 }  // namespace
 
-void installDesktopServices(const DesktopOptions& options) {
+std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options) {
   Platform& platform = Platform::shared();
   if (options.systemLog) platform.systemLog = options.systemLog;
   if (!platform.systemLog) platform.systemLog = std::make_shared<StandardErrorLog>();
@@ -32,13 +51,15 @@ void installDesktopServices(const DesktopOptions& options) {
   if (!platform.propertyListReader) {
     platform.propertyListReader = std::make_shared<PropertyListFile>();
   }
+  if (!platform.mainThread) platform.mainThread = std::make_shared<RunLoop>();
+  return std::dynamic_pointer_cast<RunLoop>(platform.mainThread);
 }
 
 void installDesktopAudio(std::shared_ptr<AudioOutput> output) {
   const auto route = std::make_shared<AudioRoute>(std::move(output));
   Platform& platform = Platform::shared();
   platform.audioSession = std::make_shared<DesktopAudioSession>(route);
-  platform.makeQueuePlayer = [route] { return DesktopQueuePlayer::overRoute(route); };
+  platform.makeQueuePlayer = QueueMaker(route);
   platform.makePlayerItem = [](const std::string& path) {
     return std::make_shared<FilePlayerItem>(path);
   };

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "marlune/desktop/audio/audio_output.h"
+#include "marlune/desktop/services/run_loop.h"
 #include "marlune/platform/system_log.h"
 
 namespace marlune {
@@ -21,12 +22,16 @@ struct DesktopOptions {
 
 // Fills the process's table of services (Platform::shared) with those of a Linux desktop. A service
 // that the app has put there before stays, unless an option names another. Call it once, at start,
-// from the main thread. Opens no device and reads no file.
-void installDesktopServices(const DesktopOptions& options = {});
+// from the main thread, which a run loop is made for. Opens no device and reads no file.
+//
+// Returns the run loop in the table; null when the app has put a main thread of another kind there.
+std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options = {});
 
 // Puts an audio session, a queue player and its items into the table, in the place of those that
 // were there, all playing to `output`: the sound device (makeDeviceOutput), a file (FileOutput), a
-// clock (ClockOutput) or one of the app's own. Before anything plays; opens nothing.
+// clock (ClockOutput) or one of the app's own. Before anything plays; opens nothing. Without a main
+// thread in the table no queue player is made, and one line says so: a queue has threads of its
+// own, and without a main thread the player would run on them.
 void installDesktopAudio(std::shared_ptr<AudioOutput> output);
 
 }  // namespace marlune

@@ -23,8 +23,9 @@ class QueuePlayer;
 struct Platform {
   std::shared_ptr<SystemLog> systemLog;      // null: lines go to standard error
   std::shared_ptr<Preferences> preferences;  // null: every preference is missing
-  std::shared_ptr<MainThread> mainThread;    // null: every thread counts as the main thread, work
-                                             // runs at once, delayed work is dropped with a line
+  // null: every thread counts as the main thread, work runs at once, delayed work is dropped with a
+  // line. A queue player that has threads of its own needs one: the desktop's is not made without.
+  std::shared_ptr<MainThread> mainThread;
   std::shared_ptr<PropertyListReader> propertyListReader;  // null: no file can be read
   std::shared_ptr<AudioSession> audioSession;              // null: activation reports an error
 

@@ -19,9 +19,16 @@ constexpr double kDeactivationDelaySeconds = 0.5;
 constexpr unsigned kCategoryOptions = AudioSession::kMixWithOthers | AudioSession::kDuckOthers;
 
 // Without a main thread in the platform's table every thread counts as one.
-[[maybe_unused]] bool onMainThread() {
+bool onMainThread() {
   const auto mainThread = Platform::shared().mainThread;
   return !mainThread || mainThread->isCurrent();
+}
+
+// For the operations that apps call. Logs a line when it is false.
+bool isOnMainThread(std::string_view operation) {
+  if (onMainThread()) return true;
+  TQUtils::log("ERROR: %@ was called off the main thread and does nothing.", operation);
+  return false;
 }
 
 void runOnMainThreadAndWait(const std::function<void()>& work) {
@@ -199,12 +206,14 @@ Player::~Player() { stopAllSounds(); }
 
 void Player::playSoundFilesInSequence(
     const std::shared_ptr<const std::vector<std::string>>& names) {
+  if (!names && !isOnMainThread("playSoundFilesInSequence")) return;
   if (names) return playSoundFilesInSequence(*names);
   trace("%s - filenames:[%@]", "playSoundFilesInSequence", nullptr);
   TQUtils::log("No files given.");
 }
 
 void Player::playSoundFilesInSequence(const std::vector<std::string>& names) {
+  if (!isOnMainThread("playSoundFilesInSequence")) return;
   trace("%s - filenames:[%@]", "playSoundFilesInSequence", names);
   // All of them before any sound, so that the queue can play them back to back.
   for (const auto& name : names) _addFileToQueue(name);
@@ -220,6 +229,7 @@ void Player::playSoundFilesInSequence(const std::vector<std::string>& names) {
 }
 
 void Player::stopAllSounds() {
+  if (!isOnMainThread("stopAllSounds")) return;
   trace("%s", "stopAllSounds");
   if (!isPlaying()) return;
   const auto queue = __sharedPlayQueue();
@@ -235,6 +245,7 @@ void Player::stopAllSounds() {
 }
 
 bool Player::isPlaying() const {
+  if (!isOnMainThread("isPlaying")) return false;
   const auto queue = __sharedPlayQueue();
   return queue && _isPlaying(*queue);
 }

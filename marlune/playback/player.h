@@ -16,7 +16,8 @@ namespace marlune {
 // class also looks after the process's audio session (set up once, active while there is sound)
 // and makes a new queue when the one it has dies.
 //
-// Main thread only. What goes wrong is logged and swallowed. The queue, the items, the session and
+// Main thread only: elsewhere an operation logs a line and does nothing. What goes wrong is logged
+// and swallowed. The queue, the items, the session and
 // the main thread are those of Platform::shared(), which must be filled before the first player.
 class Player {
  public:
@@ -40,7 +41,8 @@ class Player {
   // nothing while not playing.
   void stopAllSounds();
 
-  // Whether the shared queue runs at normal speed or faster. A slower one counts as stopped.
+  // Whether the shared queue runs at normal speed or faster. A slower one counts as stopped. False,
+  // with a line, off the main thread.
   bool isPlaying() const;
 
  protected:

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <thread>
 
 #include "fakes/fake_main_thread.h"
@@ -56,6 +57,13 @@ class PlayerOnEngineTest : public PlatformFixture {
     std::this_thread::yield();
   }
 
+  // Runs the main thread until every change of the queue has been delivered.
+  void settle() {
+    const auto queue = std::static_pointer_cast<DesktopQueuePlayer>(queues.back().lock());
+    const auto settled = std::async(std::launch::async, [&] { queue->waitUntilSettled(); });
+    while (settled.wait_for(std::chrono::seconds(0)) != std::future_status::ready) runMainThread();
+  }
+
   // Turns the crank, and not the main thread, until `frames` frames of sound have come out. Ends
   // early when the output is closed.
   std::vector<short> hear(std::size_t frames) {
@@ -85,6 +93,60 @@ TEST_F(PlayerOnEngineTest, APhraseSoundsWholeWhileTheMainThreadSleeps) {
   EXPECT_TRUE(player->isPlaying()) << "the end of the queue is handled on the main thread";
   while (player->isPlaying()) runMainThread();
   EXPECT_FALSE(output->isOpen());
+}
+
+TEST_F(PlayerOnEngineTest, APhraseAfterALateReleaseOfTheSessionOpensTheOutputAgain) {
+  for (const Names& nothing : {Names{}, Names{"nowhere"}}) {
+    player->playSoundFilesInSequence(Names{"one"});
+    player->stopAllSounds();
+    settle();
+    player->playSoundFilesInSequence(nothing);
+    mainThread->advance(0.5);
+    EXPECT_TRUE(player->isPlaying());
+    EXPECT_FALSE(output->isOpen());
+
+    output->crank(100);
+    player->playSoundFilesInSequence(Names{"one", "two"});
+    EXPECT_EQ(output->role(), "announce");
+    EXPECT_EQ(hear(recorded.size()), recorded);
+    while (player->isPlaying()) runMainThread();
+    EXPECT_FALSE(output->isOpen());
+  }
+}
+
+TEST_F(PlayerOnEngineTest, ARefusalToOpenTheOutputAgainIsTheCauseOfTheFailure) {
+  player->playSoundFilesInSequence(Names{});
+  Platform::shared().audioSession->setActive(false);
+  output->refuse("There is no device.");
+  player->playSoundFilesInSequence(Names{"one"});
+  while (player->isPlaying()) runMainThread();
+  EXPECT_TRUE(
+      log->contains("ERROR: The play queue has failed: There is no device. Sound files "
+                    "dropped: 1."));
+}
+
+TEST_F(PlayerOnEngineTest, WithoutAMainThreadNoQueueIsMadeAndTheDesktopBringsOne) {
+  PlayerTestAccess::resetClass();
+  Platform::shared().mainThread = nullptr;
+  queues.clear();
+  EXPECT_FALSE(player->isPlaying());
+  EXPECT_FALSE(player->isPlaying());
+  EXPECT_EQ(log->lines(),
+            std::vector<std::string>{"ERROR: The platform has no main thread. No queue "
+                                     "player is made."});
+  const auto loop = installDesktopServices();
+  ASSERT_NE(loop, nullptr);
+  EXPECT_EQ(Platform::shared().mainThread, loop);
+  player->playSoundFilesInSequence(Names{"one"});
+  hear(3'000);
+  while (player->isPlaying()) {
+    loop->waitFor(1);
+    loop->runPending();
+  }
+  loop->end();  // a notification may wait for it
+  Platform::shared().mainThread = mainThread;
+  EXPECT_EQ(installDesktopServices(), nullptr) << "the app's own is no run loop";
+  EXPECT_EQ(Platform::shared().mainThread, mainThread);
 }
 
 }  // namespace

@@ -322,6 +322,30 @@ TEST_F(PlayerTest, APlatformWithoutAnythingGetsLinesAndNoSound) {
   EXPECT_EQ(lines[3], "ERROR: The platform has no queue player. Nothing can be played.");
 }
 
+TEST_F(PlayerTest, OffTheMainThreadEachOperationLogsALineAndDoesNothing) {
+  const auto player = makePlayer();
+  player->playSoundFilesInSequence(Names{"one"});
+  const struct {
+    std::string operation;
+    std::function<void()> call;
+  } kCases[] = {
+      {"playSoundFilesInSequence", [&] { player->playSoundFilesInSequence(Names{"two"}); }},
+      {"playSoundFilesInSequence", [&] { player->playSoundFilesInSequence(nullptr); }},
+      {"stopAllSounds", [&] { player->stopAllSounds(); }},
+      {"stopAllSounds", [&] { makePlayer(); }},  // by its end
+      {"isPlaying", [&] { EXPECT_FALSE(player->isPlaying()); }},
+  };
+  for (const auto& c : kCases) {
+    log->clear();
+    std::async(std::launch::async, c.call).wait();
+    EXPECT_THAT(log->lines(), ElementsAre("ERROR: " + c.operation +
+                                          " was called off the main thread and does nothing."));
+  }
+  EXPECT_TRUE(player->isPlaying());
+  EXPECT_THAT(queued(), ElementsAre("voice/one.aif"));
+  EXPECT_EQ(session->history, "+");
+}
+
 TEST_F(PlayerTest, WithoutAMainThreadEveryThreadIsIt) {
   Platform::shared().mainThread = nullptr;
   const auto player = makePlayer();

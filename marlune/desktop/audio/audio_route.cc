@@ -6,12 +6,21 @@ namespace marlune {
 
 std::optional<std::string> AudioRoute::open(const std::string& role) {
   const std::lock_guard lock(_mutex);
-  if (_isOpen && !_loss()) return std::nullopt;
+  return _isOpen && !_loss() ? std::nullopt : _openLocked(role);
+}
+
+void AudioRoute::reopen() {
+  const std::lock_guard lock(_mutex);
+  if (!_isOpen && _role) _openLocked(std::string(*_role));
+}
+
+std::optional<std::string> AudioRoute::_openLocked(const std::string& role) {
   _closeLocked();
+  _role = role;
   ++_opening;  // before the output takes frames
-  if (auto error = _output->open(*this, role)) return error;
-  _isOpen = true;
-  return std::nullopt;
+  _refusal = _output->open(*this, role);
+  _isOpen = !_refusal;
+  return _refusal;
 }
 
 void AudioRoute::close() {
@@ -28,6 +37,11 @@ void AudioRoute::_closeLocked() {
 bool AudioRoute::isOpen() const {
   const std::lock_guard lock(_mutex);
   return _isOpen;
+}
+
+std::string AudioRoute::whyClosed() const {
+  const std::lock_guard lock(_mutex);
+  return _refusal.value_or("No sound output is open.");
 }
 
 bool AudioRoute::isSounding() const {

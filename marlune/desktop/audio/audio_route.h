@@ -31,12 +31,16 @@ class AudioRoute : private AudioSource {
   // Main thread. Opens the output, anew when it was lost; does nothing when it is open and well.
   // Returns what went wrong, as a sentence; the route is then closed.
   std::optional<std::string> open(const std::string& role);
+  // Main thread. Opens a closed output again as it was opened last; does nothing before the first
+  // open(). When it fails, whyClosed() says so.
+  void reopen();
   // Main thread.
   void close();
 
   // Any thread.
   bool isOpen() const;
-  bool isSounding() const;  // whether the user in place does
+  std::string whyClosed() const;  // as a sentence: what the last opening was refused for, if it was
+  bool isSounding() const;        // whether the user in place does
   const std::shared_ptr<AudioOutput>& output() const { return _output; }
 
   // Makes `user` the one that sounds. Main thread.
@@ -71,6 +75,7 @@ class AudioRoute : private AudioSource {
     return _gate.render(frames, count, channels);
   }
   void rendered() override;
+  std::optional<std::string> _openLocked(const std::string& role);
   void _closeLocked();
   std::optional<std::string> _loss() const;
 
@@ -80,7 +85,9 @@ class AudioRoute : private AudioSource {
   bool _isOpen = false;
   std::atomic<std::uint64_t> _opening = 0;  // changes while the output is closed
   std::optional<std::string> _lost;
-  mutable std::mutex _userMutex;  // inside _mutex or alone
+  std::optional<std::string> _role;     // of the last opening; nothing before the first
+  std::optional<std::string> _refusal;  // of the last opening
+  mutable std::mutex _userMutex;        // inside _mutex or alone
   RouteUser* _user = nullptr;
 };
 

@@ -12,13 +12,14 @@
 
 namespace marlune {
 
-// A gap-free queue of .aif and .aifc files over an AudioRoute. It never opens the route: it plays
-// while an audio session has it open, and fails (status) when it is to play and the route is
-// closed, or its output is lost, refused or stalled. A queue that failed has dropped its items,
-// with one line that says why and how many, and takes no more.
+// A gap-free queue of .aif and .aifc files over an AudioRoute. It plays while an audio session has
+// the route open, and fails (status) when it is to play and the route is closed, or its output is
+// lost, refused or stalled. A queue that failed has dropped its items, with one line that says why
+// and how many, and takes no more. It opens the route in one case only: the session was deactivated
+// while the queue ran on empty, and an item is inserted.
 //
-// Observers are told after every change; of changes that follow one another faster than they can
-// be told, once.
+// Observers are called after every change, on a thread of the queue's own; for changes that follow
+// one another faster than they can be delivered, once. Sound does not wait for observers.
 //
 // There is one speed: 0 pauses, and every other rate is kept and plays at normal speed. Of several
 // queues over one route, the one that was told last to play is heard.

@@ -32,6 +32,7 @@ std::size_t QueueEngine::_positionAfter(const PlayerItem* after) const {
 void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) {
   auto file = std::dynamic_pointer_cast<FilePlayerItem>(std::move(item));
   if (!file) return;  // not one of ours, which canInsert has refused
+  _openForFirstItem();
   file->enterQueue();
   const Lock lock(_mutex);
   if (!_hasPlayed && after) _startOver();
@@ -42,6 +43,16 @@ void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* aft
   _setItemsChanged(/*isCurrentItemOther=*/_items.size() == 1);
   ++_orders;
   _requestWork();
+}
+
+// The session may be deactivated while the queue runs on empty, and is not activated again by an
+// item that follows: the output is opened here, before the worker could miss it.
+void QueueEngine::_openForFirstItem() {
+  {
+    const Lock lock(_mutex);
+    if (_rate == 0 || !_items.empty()) return;
+  }
+  _route->reopen();
 }
 
 float QueueEngine::rate() const {

@@ -75,6 +75,8 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
     std::uint64_t missingFrames;
   };
 
+  void _openForFirstItem();  // without the lock
+
   // With the lock held.
   void _requestWork();
   std::size_t _positionAfter(const PlayerItem* after) const;

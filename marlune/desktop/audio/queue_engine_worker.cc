@@ -117,7 +117,7 @@ bool QueueEngine::_watch(std::optional<std::uint64_t> orders,
 }
 
 std::optional<std::string> QueueEngine::_faultOf(const std::optional<AudioRoute::State>& state) {
-  if (!state) return "No sound output is open.";
+  if (!state) return _route->whyClosed();
   if (state->loss) return state->loss;
   if (_line.hasMisfit()) return "The sound output takes other channels than it announced.";
   const Clock::time_point now = Clock::now();
