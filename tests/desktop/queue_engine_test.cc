@@ -294,6 +294,7 @@ TEST_F(QueueEngineTest, WhatAClosedOutputHadTakenAndNotMadeHeardIsPlayedAgain) {
     rig.output->crank(c.frames);
     queue->setRate(0);
     rig.session.setActive(false);
+    queue->waitUntilSettled();
     rig.session.setActive(true);
     queue->waitUntilSettled();
     queue->play();
