@@ -2,6 +2,7 @@
 #define MARLUNE_DESKTOP_AUDIO_AUDIO_OUTPUT_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -38,6 +39,11 @@ class AudioOutput {
   // After how long without taking a frame the output counts as stalled; nothing when it may take
   // its time.
   virtual std::optional<double> stallLimitSeconds() const { return std::nullopt; }
+
+  // How many gaps the output has had since it was made: moments at which the device ran out of
+  // sound, or must have, because frames were taken too late. Gaps in silence count, too. Never
+  // falls; closing and opening keep it.
+  virtual std::uint64_t gapCount() const { return 0; }
 
   // Tells that `frames` decoded frames wait. An output without a pace of its own takes them now;
   // zero of them still lets the source tidy up.

@@ -1,6 +1,7 @@
 #include "marlune/desktop/audio/patient_thread.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <future>
 #include <thread>
 #include <utility>
@@ -8,6 +9,16 @@
 namespace marlune {
 
 PatientThread::PatientThread() { std::thread(&_run, _state).detach(); }
+
+PatientThread& PatientThread::forDevices() {
+  static PatientThread* const thread = [] {
+    // A process must not end in the middle of a close: the device libraries' own clean-up would
+    // free what the close uses.
+    std::atexit([] { forDevices().waitUntilIdle(1); });
+    return new PatientThread;
+  }();
+  return *thread;
+}
 
 bool PatientThread::runWithin(double seconds, std::function<void()> work) {
   const auto done = std::make_shared<std::promise<void>>();

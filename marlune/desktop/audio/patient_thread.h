@@ -9,15 +9,19 @@
 
 namespace marlune {
 
-// A thread that does what may take for ever, one thing after the other, so that whoever asks for
-// it need not: opening and closing a device hang while the sound server does. Lives as long as the
-// process does.
+// Runs potentially blocking calls on its own thread, one after the other, so that callers can time
+// out: opening and closing a device hang while the sound server does. The thread lives as long as
+// the process.
 class PatientThread {
  public:
   PatientThread();
 
-  // Does `work` after all that was asked before, and waits for it at most `seconds`. Whether it is
-  // done; if not, it still will be, so `work` must own what it uses.
+  // The thread that opens and closes the process's sound devices. At its end the process waits
+  // until the thread is idle, at most a second.
+  static PatientThread& forDevices();
+
+  // Does `work` after all that was asked before, and waits for it at most `seconds`. Returns
+  // whether it is done; if not, it still will be, so `work` must own what it uses.
   bool runWithin(double seconds, std::function<void()> work);
 
   // Waits until nothing is left to do, at most `seconds`.

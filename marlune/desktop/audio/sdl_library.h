@@ -12,6 +12,9 @@ namespace marlune {
 // The few functions of SDL that are used, loaded when they are first wanted: the library brings
 // some thirty others along, which a program that only renders should not wait for.
 struct SdlLibrary {
+  // Without any function, to be filled with stand-ins.
+  SdlLibrary() = default;
+
   decltype(&SDL_SetHint) setHint = nullptr;
   decltype(&SDL_InitSubSystem) initSubSystem = nullptr;
   decltype(&SDL_QuitSubSystem) quitSubSystem = nullptr;

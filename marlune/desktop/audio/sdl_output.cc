@@ -1,10 +1,9 @@
 #include "marlune/desktop/audio/sdl_output.h"
 
-#include <atomic>
-#include <cstdlib>
+#include <chrono>
 #include <utility>
 
-#include "marlune/desktop/audio/device_output.h"
+#include "marlune/desktop/audio/device_handover.h"
 #include "marlune/desktop/audio/patient_thread.h"
 #include "marlune/desktop/audio/sdl_library.h"
 #include "marlune/desktop/audio/source_gate.h"
@@ -19,64 +18,56 @@ constexpr int kBufferFrames = 1'024;
 constexpr double kPatienceSeconds = 2;
 // The buffer that is filled, the one that is played, and about as much again in a sound server.
 constexpr std::size_t kBuffersUntilHeard = 4;
-
-PatientThread& sdlThread() {
-  static PatientThread* const thread = [] {
-    // A process must not end in the middle of a close: the library's own end would pull the ground
-    // from under it.
-    std::atexit([] { sdlThread().waitUntilIdle(1); });
-    return new PatientThread;
-  }();
-  return *thread;
-}
-
-// PulseAudio's library takes what its server is to know of a client from the environment. A value
-// that the user has set is left alone.
-void tellRole(const std::string& role) {
-  static std::string* const ours = new std::string;
-  const char* const value = std::getenv("PULSE_PROP");
-  if (value && *ours != value) return;
-  *ours = role.empty() ? "" : "media.role=" + role;
-  if (role.empty()) {
-    ::unsetenv("PULSE_PROP");
-  } else {
-    ::setenv("PULSE_PROP", ours->c_str(), /*overwrite=*/1);
-  }
-}
+// The device has at most this many buffers of sound left when a callback has returned.
+constexpr int kBuffersAhead = 2;
 
 }  // namespace
 
 // A device from its opening to its closing. Shared by the output and the thread that opens and
-// closes it, since either can be the last to know it.
-struct SdlOutput::Device {
-  SourceGate gate;
-  std::atomic<bool> isWanted = true;
-  // Written while it is opened, read after that.
-  const SdlLibrary* sdl = nullptr;
-  SDL_AudioDeviceID id = 0;
-  AudioFormat format;
-  std::string error;
-
-  bool open() {
-    sdl = SdlLibrary::shared(error);
-    if (!sdl) return false;
-    if (sdl->initSubSystem(SDL_INIT_AUDIO) != 0) {
-      error = sdl->getError();
-      return false;
-    }
-    if (_openDevice()) return true;
-    error = sdl->getError();
-    sdl->quitSubSystem(SDL_INIT_AUDIO);
-    return false;
+// closes it, since either can be the last to use it.
+class SdlOutput::Device {
+ public:
+  Device(Loader load, AudioSource& source, std::shared_ptr<std::atomic<std::uint64_t>> gaps)
+      : _load(std::move(load)), _gaps(std::move(gaps)) {
+    gate.setSource(&source);
   }
 
+  // The device thread.
+  void openFor(DeviceHandover& caller) {
+    if (!caller.isGivenUp()) _open();
+    if (!caller.offer()) close();
+  }
+
+  // The device thread.
   void close() {
-    if (id == 0) return;
-    sdl->closeAudioDevice(std::exchange(id, 0));
-    sdl->quitSubSystem(SDL_INIT_AUDIO);
+    if (_id == 0) return;
+    _sdl->closeAudioDevice(std::exchange(_id, 0));
+    _sdl->quitSubSystem(SDL_INIT_AUDIO);
   }
+
+  // The rest is for whoever has accepted the device.
+  bool isOpen() const { return _id != 0; }
+  const std::string& error() const { return _error; }
+  const AudioFormat& format() const { return _format; }
+  bool isStopped() const { return _sdl->getAudioDeviceStatus(_id) == SDL_AUDIO_STOPPED; }
+
+  SourceGate gate;
 
  private:
+  using Clock = std::chrono::steady_clock;
+
+  void _open() {
+    _sdl = _load(_error);
+    if (!_sdl) return;
+    if (_sdl->initSubSystem(SDL_INIT_AUDIO) != 0) {
+      _error = _sdl->getError();
+      return;
+    }
+    if (_openDevice()) return;
+    _error = _sdl->getError();
+    _sdl->quitSubSystem(SDL_INIT_AUDIO);
+  }
+
   bool _openDevice() {
     SDL_AudioSpec wanted = {};
     wanted.freq = kWantedRate;
@@ -86,63 +77,76 @@ struct SdlOutput::Device {
     wanted.callback = &_callback;
     wanted.userdata = this;
     SDL_AudioSpec got = {};
-    id = sdl->openAudioDevice(nullptr, 0, &wanted, &got,
-                              SDL_AUDIO_ALLOW_FREQUENCY_CHANGE | SDL_AUDIO_ALLOW_CHANNELS_CHANGE);
-    if (id == 0) return false;
-    format = {got.freq, got.channels};
-    sdl->pauseAudioDevice(id, 0);
+    _id = _sdl->openAudioDevice(nullptr, 0, &wanted, &got,
+                                SDL_AUDIO_ALLOW_FREQUENCY_CHANGE | SDL_AUDIO_ALLOW_CHANNELS_CHANGE);
+    if (_id == 0) return false;
+    _format = {got.freq, got.channels};
+    _sdl->pauseAudioDevice(_id, 0);
     return true;
   }
 
   static void _callback(void* user, Uint8* bytes, int count) {
     Device& device = *static_cast<Device*>(user);
-    const int channels = device.format.channels;
+    const int channels = device._format.channels;
     const auto frames =
         static_cast<std::size_t>(count) / sizeof(float) / static_cast<std::size_t>(channels);
+    device._countIfLate(frames);
     device.gate.render(reinterpret_cast<float*>(bytes), frames, channels);
   }
+
+  // The callback's thread.
+  void _countIfLate(std::size_t frames) {
+    const Clock::time_point now = Clock::now();
+    const std::chrono::duration<double> buffer(static_cast<double>(frames) / _format.sampleRate);
+    if (_lastCallback && now - *_lastCallback > kBuffersAhead * buffer) _gaps->fetch_add(1);
+    _lastCallback = now;
+  }
+
+  const Loader _load;
+  const std::shared_ptr<std::atomic<std::uint64_t>> _gaps;
+  // Written while it is opened, read after that.
+  const SdlLibrary* _sdl = nullptr;
+  SDL_AudioDeviceID _id = 0;
+  AudioFormat _format;
+  std::string _error;
+  // The callback's own.
+  std::optional<Clock::time_point> _lastCallback;
 };
 
-std::optional<std::string> SdlOutput::open(AudioSource& source, const std::string& role) {
+SdlOutput::SdlOutput() : SdlOutput(&SdlLibrary::shared, kPatienceSeconds) {}
+
+std::optional<std::string> SdlOutput::open(AudioSource& source, const std::string&) {
   close();
-  tellRole(role);
-  const auto device = std::make_shared<Device>();
-  device->gate.setSource(&source);
-  const bool hasAnswered = sdlThread().runWithin(kPatienceSeconds, [device] {
-    if (device->isWanted.load()) device->open();
-    if (!device->isWanted.load()) device->close();
-  });
-  if (hasAnswered && device->id != 0) {
+  const auto device = std::make_shared<Device>(_load, source, _gaps);
+  const auto handover = std::make_shared<DeviceHandover>();
+  PatientThread::forDevices().runWithin(_patienceSeconds,
+                                        [=] { device->openFor(*handover); });
+  const bool isMine = handover->accept();
+  if (isMine && device->isOpen()) {
     _device = device;
     return std::nullopt;
   }
-  device->isWanted.store(false);
   device->gate.setSource(nullptr);
-  if (!hasAnswered) return "The sound device does not answer.";
-  return "There is no sound device: " + device->error + ".";
+  if (!isMine) return "The sound device does not answer.";
+  return "There is no sound device: " + device->error() + ".";
 }
 
 void SdlOutput::close() {
   if (!_device) return;
   _device->gate.setSource(nullptr);
-  sdlThread().runWithin(0, [device = std::move(_device)] { device->close(); });
+  PatientThread::forDevices().runWithin(0, [device = std::move(_device)] { device->close(); });
 }
 
 AudioFormat SdlOutput::formatForClip(const AudioFormat& clip) {
-  return _device ? _device->format : clip;
+  return _device ? _device->format() : clip;
 }
 
 std::size_t SdlOutput::latencyFrames() const { return kBuffersUntilHeard * kBufferFrames; }
 
-// Asked rather than waited for: the event that tells of a removal comes on another thread, and not
-// for every kind of loss.
+// Polled: SDL reports a removal on another thread, and not every kind of loss.
 std::optional<std::string> SdlOutput::loss() const {
-  if (!_device || _device->sdl->getAudioDeviceStatus(_device->id) != SDL_AUDIO_STOPPED) {
-    return std::nullopt;
-  }
+  if (!_device || !_device->isStopped()) return std::nullopt;
   return "The sound device is gone.";
 }
-
-std::shared_ptr<AudioOutput> makeDeviceOutput() { return std::make_shared<SdlOutput>(); }
 
 }  // namespace marlune

@@ -1,19 +1,32 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_SDL_OUTPUT_H_
 #define MARLUNE_DESKTOP_AUDIO_SDL_OUTPUT_H_
 
+#include <atomic>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "marlune/desktop/audio/audio_output.h"
 
 namespace marlune {
 
+struct SdlLibrary;
+
 // The default sound device, by way of SDL, at the rate and with the channels that the device
-// prefers. Opening waits a moment for a sound server that does not answer, then gives up; closing
-// never waits.
+// prefers. Has no role. Opening waits a moment for a device that does not answer, then gives up;
+// closing never waits.
 class SdlOutput : public AudioOutput {
  public:
+  // Finds the library's functions, or returns null and sets `cause`. Called by another thread.
+  using Loader = std::function<const SdlLibrary*(std::string& cause)>;
+
+  SdlOutput();
+  // `patienceSeconds`: how long an opening waits for the device.
+  SdlOutput(Loader load, double patienceSeconds)
+      : _load(std::move(load)), _patienceSeconds(patienceSeconds) {}
   ~SdlOutput() override { close(); }
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;
@@ -22,9 +35,17 @@ class SdlOutput : public AudioOutput {
   std::size_t latencyFrames() const override;
   std::optional<std::string> loss() const override;
   std::optional<double> stallLimitSeconds() const override { return 2.0; }
+  // Counts the callbacks that came so late that the device must have run out of sound.
+  std::uint64_t gapCount() const override { return _gaps->load(); }
 
  private:
-  struct Device;
+  class Device;
+
+  const Loader _load;
+  const double _patienceSeconds;
+  // Shared with the device, whose callback can outlive this output for a moment.
+  const std::shared_ptr<std::atomic<std::uint64_t>> _gaps =
+      std::make_shared<std::atomic<std::uint64_t>>(0);
   std::shared_ptr<Device> _device;  // null while closed
 };
 
