@@ -59,10 +59,10 @@ without gaps.
 This package holds the core. It needs no more than the C++ library: what it
 asks of the system, the program that uses it gives, or the desktop library.")
 
-# Nothing links the resampler and the sound device's library, which are loaded when they are needed.
+# Nothing links the resampler and the sound device's libraries, which are loaded when needed.
 # What renders into files does without a device.
 marlune_package(desktop ${desktop} SECTION libs DEPENDS "${core} ${exactly}, libsoxr0"
-  RECOMMENDS "libsdl2-2.0-0" DESCRIPTION
+  RECOMMENDS "libpulse0, libsdl2-2.0-0" DESCRIPTION
 "speaks phrases from recordings, the desktop library
 Binds the core library to a Linux desktop: property lists, preferences, a run
 loop, recordings read from files, sound on a device or rendered into a file.")

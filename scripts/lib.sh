@@ -3,8 +3,8 @@
 
 # Packages by purpose, as Debian 12 names them.
 readonly build_packages=(g++ cmake ninja-build pkg-config libexpat1-dev libsndfile1-dev libsoxr-dev
-                         libutf8proc-dev libsdl2-dev libcli11-dev)
-readonly test_packages=(libgtest-dev libgmock-dev)
+                         libutf8proc-dev libpulse-dev libsdl2-dev libcli11-dev)
+readonly test_packages=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils)
 readonly bench_packages=(libbenchmark-dev)
 readonly clang_packages=(clang libclang-rt-14-dev)
 readonly coverage_packages=("${clang_packages[@]}" llvm binutils)

@@ -17,6 +17,8 @@ class NoDeviceOutput : public AudioOutput {
 
 }  // namespace
 
-std::shared_ptr<AudioOutput> makeDeviceOutput() { return std::make_shared<NoDeviceOutput>(); }
+std::shared_ptr<AudioOutput> makeDeviceOutput(const DeviceOptions&) {
+  return std::make_shared<NoDeviceOutput>();
+}
 
 }  // namespace marlune
