@@ -4,6 +4,7 @@
 
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/platform/value.h"
+#include "tools/marlune/composed_list_reader.h"
 #include "tools/marlune/input_error.h"
 
 namespace marlune::tool {
@@ -16,7 +17,7 @@ class OverridesReader {
   explicit OverridesReader(const std::string& path) : _path(path) {}
 
   Overrides read() const {
-    const PropertyListReader::Result list = PropertyListFile().readFile(_path);
+    const PropertyListReader::Result list = ComposedListReader().readFile(_path);
     if (list.root.isAbsent()) throw InputError(list.error);
     if (!list.root.asDictionary()) {
       throw InputError(_path + ": expected a dictionary with \"whole\" and \"parts\", found " +

@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "marlune/desktop/text/normal_form.h"
 #include "tools/marlune/phrase_limits.h"
 
 namespace marlune::tool {
@@ -52,7 +53,7 @@ Words wordsOf(std::string_view line) {
   std::size_t start = line.find_first_not_of(kBlanks);
   while (start != std::string_view::npos) {
     const std::size_t end = line.find_first_of(kBlanks, start);
-    words.emplace_back(line.substr(start, end - start));
+    words.push_back(inNormalFormC(line.substr(start, end - start)));
     start = line.find_first_not_of(kBlanks, end);
   }
   return words;

@@ -40,8 +40,8 @@ class PhraseInput {
   std::size_t _count = 0;
 };
 
-// The words of a line: what stands between blanks and tabs. A carriage return counts as a blank,
-// so that files from other systems can be piped in.
+// The words of a line, in normal form C: what stands between blanks and tabs. A carriage return
+// counts as a blank, so that files from other systems can be piped in.
 Words wordsOf(std::string_view line);
 
 // The words of a phrase, or file names, with one blank between them.

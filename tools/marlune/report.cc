@@ -12,7 +12,7 @@ namespace {
 
 // The words, or as many of the first as a message has room for.
 std::string excerptOf(const Words& words) {
-  constexpr std::size_t kMostBytes = 2000;
+  constexpr std::size_t kMostBytes = 600;
   std::string text;
   for (const std::string& word : words) {
     if (!text.empty()) text += ' ';

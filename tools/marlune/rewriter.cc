@@ -2,11 +2,12 @@
 
 #include <string_view>
 
-#include "marlune/desktop/plist/property_list_file.h"
+#include "marlune/desktop/text/normal_form.h"
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/platform/platform.h"
 #include "marlune/util/tq_utils.h"
 #include "tools/marlune/captured_log.h"
+#include "tools/marlune/composed_list_reader.h"
 #include "tools/marlune/input_error.h"
 #include "tools/marlune/shown_text.h"
 
@@ -53,12 +54,12 @@ void show(const std::vector<std::string>& messages) {
 }  // namespace
 
 Rewriter::Rewriter(const std::string& path, const std::string& name) {
-  Platform::shared().propertyListReader = std::make_shared<PropertyListFile>();
+  Platform::shared().propertyListReader = std::make_shared<ComposedListReader>();
   std::vector<std::string> messages;
   {
     const CapturedLog log;
     try {
-      _parser = Parser::initWithPlistAtPath(path, name);
+      _parser = Parser::initWithPlistAtPath(path, inNormalFormC(name));
     } catch (const GrammarError& error) {
       throw InputError(path + ": " + error.what());
     }

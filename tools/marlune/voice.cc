@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "marlune/platform/open_file.h"
+#include "tools/marlune/case_hints.h"
 #include "tools/marlune/input_error.h"
 #include "tools/marlune/overrides_file.h"
 #include "tools/marlune/report.h"
@@ -63,9 +64,15 @@ std::string Voice::_reasonAgainst(const Words& words) {
     Words& names = _isCovered(words, i) ? dependent : missing;
     if (names.size() <= kMostQuoted && !isIn(names, words[i])) names.push_back(words[i]);
   }
-  if (!missing.empty()) return "no recording of " + quoted(missing);
+  if (!missing.empty()) return "no recording of " + quoted(missing) + _caseHint(missing);
   if (!dependent.empty()) return "no recording of its own for " + quoted(dependent);
   return "the overrides take more recordings than there are words";
+}
+
+std::string Voice::_caseHint(const Words& missing) const {
+  const Words names = namesDifferingByCase(missing, _decomposer->availableSoundFiles());
+  if (names.empty()) return "";
+  return "; " + quoted(names) + (names.size() == 1 ? " differs" : " differ") + " only by case";
 }
 
 bool Voice::_canSay(const Words& words, std::size_t from, std::size_t to) {

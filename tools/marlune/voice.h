@@ -30,6 +30,7 @@ class Voice {
 
  private:
   std::string _reasonAgainst(const Words& words);
+  std::string _caseHint(const Words& missing) const;
   bool _canSay(const Words& words, std::size_t from, std::size_t to);  // the words [from, to)
   bool _isCovered(const Words& words, std::size_t index);  // as a part of a longer recording
   Words _missingAmong(const Words& files) const;
