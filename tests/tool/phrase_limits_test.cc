@@ -29,6 +29,20 @@ TEST(PhraseLimitsTest, ALineThatIsTooLongFailsAlone) {
   EXPECT_EQ(run.status, 1);
 }
 
+#ifdef MARLUNE_TOOL_RUNS_IN_LITTLE_MEMORY
+TEST(PhraseLimitsTest, APhraseThatMemoryDoesNotSufficeForFailsAlone) {
+  std::string words;
+  for (int i = 0; i < 900'000; ++i) words += "go ";
+  const ToolRun run =
+      runToolIn("ulimit -v 40000; exec \"$@\"",
+                {"decompose", "--sounds", MARLUNE_VOICE_FOLDER}, "go\n" + words + "\ngo\n");
+  EXPECT_EQ(run.out, "go\n\ngo\n");
+  EXPECT_THAT(run.err, testing::StartsWith("marlune: line 2: "));
+  EXPECT_THAT(run.err, testing::EndsWith("there is not enough memory for it\n"));
+  EXPECT_EQ(run.status, 1);
+}
+#endif
+
 // The reason quotes the phrase and the words that are missing.
 TEST(PhraseLimitsTest, AMessageAboutALongPhraseIsShort) {
   std::string words;

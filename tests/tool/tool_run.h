@@ -16,10 +16,11 @@ inline ToolRun runTool(const std::vector<std::string>& arguments, const std::str
 }
 
 // Runs `marlune` from a shell's script, in which "$@" is the program with these arguments.
-inline ToolRun runToolIn(const std::string& script, const std::vector<std::string>& arguments) {
+inline ToolRun runToolIn(const std::string& script, const std::vector<std::string>& arguments,
+                         const std::string& input = "") {
   std::vector<std::string> all{"-c", script, "sh", MARLUNE_TOOL_PATH};
   all.insert(all.end(), arguments.begin(), arguments.end());
-  return runProgram("/bin/sh", all);
+  return runProgram("/bin/sh", all, input);
 }
 
 }  // namespace marlune
