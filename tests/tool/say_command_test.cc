@@ -100,6 +100,8 @@ TEST_F(SayCommandTest, LeavesARecordingOfAnotherRateOutWhereNoResamplerCanBeLoad
                                  "resampled: " +
                                  folder.path("libsoxr.so.0")));
   EXPECT_EQ(samples().size(), withBoth * 2 / 3);  // a half of its length is gone
+  EXPECT_THAT(run.err, HasSubstr("marlune: \"slow fast\": it was not said whole: \"fast.aif\": "));
+  EXPECT_EQ(run.status, 1);
 }
 
 TEST_F(SayCommandTest, AnOverrideMaySayNothing) {

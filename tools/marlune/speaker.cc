@@ -9,6 +9,7 @@
 #include "marlune/playback/audio_session.h"
 #include "tools/marlune/input_error.h"
 #include "tools/marlune/output_file.h"
+#include "tools/marlune/phrase_command.h"
 #include "tools/marlune/progress_line.h"
 #include "tools/marlune/report.h"
 
@@ -34,6 +35,12 @@ Speaker::Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::st
   _output = std::make_shared<WatchedOutput>(_file ? _file : makeDeviceOutput());
   Platform::shared().mainThread = _loop;
   installDesktopAudio(_output);
+  _items.install();
+  Platform::shared().makeQueuePlayer = [this, make = Platform::shared().makeQueuePlayer] {
+    auto queue = make();
+    _queue = queue;
+    return queue;
+  };
   _player = Player::initWithDirectory("", std::move(recordings));
 }
 
@@ -47,25 +54,31 @@ void Speaker::say(const Words& files, const Playlist& playlist) {
   if (files.empty()) return;  // an override may say nothing; the queue would wait for something
   if (_file && !_lastWords) _lastWords.emplace(interruptedText(*_file));
   Interruption interruption;
+  _items.forget();
   _player->playSoundFilesInSequence(files);
   _runUntilHeard(playlist, interruption);
   if (interruption.hasCome()) {
     _silence();
     interruption.passOn();
   }
-  _throwFailure();
+  _throwLosses(files.size());
 }
 
 void Speaker::finish() {
   Platform::shared().audioSession->setActive(false);
-  _throwFailure();
+  const auto failure = _output->takeFailure();
   if (!_file) return;
-  if (const auto failure = _file->finish()) throw InputError(*failure);
+  if (failure) throw InputError(*failure);
+  if (const auto unfinished = _file->finish()) throw InputError(*unfinished);
   _lastWords.reset();
 }
 
-void Speaker::_throwFailure() const {
-  if (const auto failure = _output->failure()) throw InputError(*failure);
+// A device may be back for the next phrase, unless there has been none yet.
+void Speaker::_throwLosses(std::size_t recordings) {
+  const auto failure = _output->takeFailure();
+  if (failure && (_file || !_output->hasOpened())) throw InputError(*failure);
+  const std::string losses = _items.lossesAmong(recordings);
+  if (!losses.empty()) throw PhraseError("it was not said whole: " + failure.value_or(losses));
 }
 
 void Speaker::_runUntilHeard(const Playlist& playlist, const Interruption& interruption) {
@@ -74,6 +87,19 @@ void Speaker::_runUntilHeard(const Playlist& playlist, const Interruption& inter
   ProgressLine line(playlist);
   while (_player->isPlaying() && !interruption.hasCome()) {
     line.show(std::chrono::duration<double>(Clock::now() - start).count());
+    _loop->waitFor(kTickSeconds);
+    _loop->runPending();
+  }
+  _awaitNewQueue(interruption);
+}
+
+// A queue that has failed is replaced when the player gets the notice. Until then it takes nothing.
+void Speaker::_awaitNewQueue(const Interruption& interruption) {
+  const auto hasFailed = [this] {
+    const auto queue = _queue.lock();
+    return queue && queue->status() == QueuePlayer::Status::failed;
+  };
+  while (hasFailed() && !interruption.hasCome()) {
     _loop->waitFor(kTickSeconds);
     _loop->runPending();
   }

@@ -1,6 +1,7 @@
 #ifndef MARLUNE_TOOLS_MARLUNE_SPEAKER_H_
 #define MARLUNE_TOOLS_MARLUNE_SPEAKER_H_
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include "tools/marlune/interruption.h"
 #include "tools/marlune/last_words.h"
 #include "tools/marlune/playlist.h"
+#include "tools/marlune/queued_items.h"
 #include "tools/marlune/watched_output.h"
 
 namespace marlune::tool {
@@ -26,8 +28,9 @@ class Speaker {
   ~Speaker();
 
   // Plays the recordings, and returns when the last one has been heard or written. Throws
-  // InputError when the output cannot be opened or is lost. Ctrl-C silences it and ends the
-  // process.
+  // PhraseError when one of them was not delivered to its last sample, be it that the sound device
+  // was lost meanwhile. Throws InputError when the file cannot be written, or when there is no
+  // sound device from the start. Ctrl-C silences it and ends the process.
   void say(const Words& files, const Playlist& playlist);
 
   // Closes the output, and gives a file its name. Throws InputError when it turns out to have been
@@ -36,8 +39,9 @@ class Speaker {
 
  private:
   void _runUntilHeard(const Playlist& playlist, const Interruption& interruption);
+  void _awaitNewQueue(const Interruption& interruption);
   void _silence();
-  void _throwFailure() const;
+  void _throwLosses(std::size_t recordings);
 
   const std::shared_ptr<RunLoop> _loop = std::make_shared<RunLoop>();
   std::shared_ptr<FileOutput> _file;  // null for the sound device

@@ -2,13 +2,15 @@
 
 namespace marlune::tool {
 
-std::optional<std::string> WatchedOutput::failure() const {
+std::optional<std::string> WatchedOutput::takeFailure() {
   const std::lock_guard lock(_mutex);
-  return _failure;
+  return std::exchange(_failure, std::nullopt);
 }
 
 std::optional<std::string> WatchedOutput::open(AudioSource& source, const std::string& role) {
-  return _noted(_output->open(source, role));
+  const auto failure = _noted(_output->open(source, role));
+  _hasOpened = _hasOpened || !failure;
+  return failure;
 }
 
 void WatchedOutput::close() {

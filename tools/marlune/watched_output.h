@@ -11,14 +11,17 @@
 
 namespace marlune::tool {
 
-// An output that remembers what went wrong with it. The player logs a failure and goes on; the
-// tool wants to end with it.
+// An output that remembers what went wrong with it: the player logs a failure and goes on.
 class WatchedOutput : public AudioOutput {
  public:
   explicit WatchedOutput(std::shared_ptr<AudioOutput> output) : _output(std::move(output)) {}
 
-  // The first failure to open, or loss up to the closing, as a sentence. Any thread.
-  std::optional<std::string> failure() const;
+  // The first failure to open, or loss up to the closing, since it was asked for last, as a
+  // sentence. Any thread.
+  std::optional<std::string> takeFailure();
+
+  // Whether it could be opened so far. Main thread.
+  bool hasOpened() const { return _hasOpened; }
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;
   void close() override;
@@ -36,6 +39,7 @@ class WatchedOutput : public AudioOutput {
   const std::shared_ptr<AudioOutput> _output;
   mutable std::mutex _mutex;
   mutable std::optional<std::string> _failure;
+  bool _hasOpened = false;
 };
 
 }  // namespace marlune::tool
