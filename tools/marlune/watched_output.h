@@ -1,6 +1,7 @@
 #ifndef MARLUNE_TOOLS_MARLUNE_WATCHED_OUTPUT_H_
 #define MARLUNE_TOOLS_MARLUNE_WATCHED_OUTPUT_H_
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -31,6 +32,7 @@ class WatchedOutput : public AudioOutput {
   std::size_t latencyFrames() const override { return _output->latencyFrames(); }
   std::optional<std::string> loss() const override;
   std::optional<double> stallLimitSeconds() const override { return _output->stallLimitSeconds(); }
+  std::uint64_t gapCount() const override { return _output->gapCount(); }
   void takeAvailable(std::size_t frames) override { _output->takeAvailable(frames); }
 
  private:
