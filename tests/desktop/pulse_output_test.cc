@@ -56,7 +56,8 @@ class PulseOutputTest : public PlatformFixture {
 
   const RecordingFolder folder;
   std::unique_ptr<PulseServer> server;
-  const std::shared_ptr<AudioRoute> route = std::make_shared<AudioRoute>(makeDeviceOutput());
+  const std::shared_ptr<AudioRoute> route = std::make_shared<AudioRoute>(
+      std::make_shared<PulseOutput>(/*bufferSeconds=*/0.08, /*patienceSeconds=*/60));
   DesktopAudioSession session{route};
 
  private:
@@ -133,6 +134,15 @@ TEST_F(PulseOutputTest, TheNextPhrasePlaysAfterALoss) {
     each.mend(*server);
     EXPECT_TRUE(playsOut(*play(countingSamples(3'000, 0)))) << testing::PrintToString(log->lines());
   }
+}
+
+TEST_F(PulseOutputTest, IsTheSoundDeviceWhereAServerRuns) {
+  HeldSource source;
+  const auto device = makeDeviceOutput();
+  EXPECT_TRUE(waitUntil([&] { return !device->open(source, /*role=*/""); }));
+  const std::string inputs = PulseServer::control({"list", "sink-inputs"});
+  EXPECT_NE(inputs.find("media.name = \"Speech\""), std::string::npos) << inputs;
+  EXPECT_EQ(inputs.find("media.role"), std::string::npos) << inputs;
 }
 
 TEST_F(PulseOutputTest, GivesUpOnAServerThatDoesNotAnswerAndSucceedsOnceItDoes) {

@@ -60,6 +60,7 @@ class AudioRoute : private AudioSource {
     std::size_t latencyFrames = 0;
     std::optional<double> stallLimitSeconds;
     std::optional<std::string> loss;  // why nothing is heard any more
+    std::uint64_t gapCount = 0;       // see AudioOutput
   };
   std::optional<State> stateFor(const RouteUser& user) const;
   // Nothing also when the output is not in `opening` any more.

@@ -1,6 +1,9 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_CRANKED_OUTPUT_H_
 #define MARLUNE_DESKTOP_AUDIO_CRANKED_OUTPUT_H_
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -35,6 +38,7 @@ class CrankedOutput : public AudioOutput {
   void setFormat(AudioFormat format) { _format = format; }                // while closed
   void setLatencyFrames(std::size_t frames) { _latencyFrames = frames; }  // while closed
   void setStallLimitSeconds(double seconds);
+  void addGap() { _gaps.fetch_add(1); }
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;
   void close() override { _source = nullptr; }
@@ -42,6 +46,7 @@ class CrankedOutput : public AudioOutput {
   std::size_t latencyFrames() const override { return _latencyFrames; }
   std::optional<std::string> loss() const override;
   std::optional<double> stallLimitSeconds() const override;
+  std::uint64_t gapCount() const override { return _gaps.load(); }
 
  private:
   AudioFormat _format;
@@ -50,6 +55,7 @@ class CrankedOutput : public AudioOutput {
   int _timesOpened = 0;
   std::size_t _latencyFrames = 0;
   std::optional<std::string> _refusal;
+  std::atomic<std::uint64_t> _gaps = 0;
   mutable std::mutex _mutex;  // for all below, which the worker reads while it is set
   std::optional<double> _stallLimitSeconds;
   std::optional<std::string> _loss;

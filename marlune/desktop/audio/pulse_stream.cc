@@ -224,10 +224,13 @@ void PulseStream::_onTiming(pa_stream*, int, void* user) {
   }
 }
 
+// One request more than is on its way: the caller may count the frames that are taken meanwhile.
 std::size_t PulseStream::latencyFrames() const {
   const std::uint64_t heard = _framesHeard.load();  // the first, as it grows
-  return static_cast<std::size_t>(
-      std::min<std::uint64_t>(_framesTaken.load() - heard, kMaxLatencySeconds * _spec.rate));
+  const auto request =
+      static_cast<std::uint64_t>(_options.bufferSeconds / kRequestsInBuffer * _spec.rate);
+  return static_cast<std::size_t>(std::min<std::uint64_t>(_framesTaken.load() - heard + request,
+                                                          kMaxLatencySeconds * _spec.rate));
 }
 
 std::optional<std::string> PulseStream::loss() const {

@@ -49,7 +49,7 @@ class PulseStream {
   const std::string& error() const { return _error; }
   // While it is open:
   AudioFormat format() const { return {static_cast<int>(_spec.rate), _spec.channels}; }
-  // The server's own account: frames taken from the source and not heard yet.
+  // By the server's own account, and at least: the frames taken from the source and not heard yet.
   std::size_t latencyFrames() const;
   // Why nothing is heard any more, as a sentence.
   std::optional<std::string> loss() const;

@@ -98,6 +98,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::optional<std::string> _faultOf(const std::optional<AudioRoute::State>& state);
   void _fail(const std::string& reason, std::uint64_t orders, std::uint64_t opening);
   void _reportUnderruns();
+  void _reportGaps(bool isSounding, const std::optional<AudioRoute::State>& state);
   bool _decodeBlock();
   bool _openNext();
   void _skip(const FilePlayerItem& item, const std::string& cause);
@@ -137,6 +138,8 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   bool _isWatching = false;
   Clock::time_point _lastPost;
   std::uint64_t _reportedUnderrun = 0;
+  std::optional<std::uint64_t> _gapsBefore;  // the output's gaps before the queue began to sound
+  std::uint64_t _gapCount = 0;               // of the output, when it was open last
 };
 
 }  // namespace marlune

@@ -44,6 +44,7 @@ bool QueueEngine::_step() {
   const std::optional<AudioRoute::State> state = _route->stateFor(*this);
   _collectReturned();
   bool hasMoved = _endHeardItems(state);
+  _reportGaps(orders.has_value(), state);
   if (_watch(orders, state)) return true;
   _reportUnderruns();
   if (!state) return hasMoved;
@@ -149,6 +150,20 @@ void QueueEngine::_fail(const std::string& reason, std::uint64_t orders, std::ui
     _dropAllItems(ItemFate::dropped("the play queue has failed: " + reason));
   }
   TQUtils::log("ERROR: The play queue has failed: %@ Sound files dropped: %lu.", reason, dropped);
+}
+
+// One line for each phrase: from when the queue begins to sound until its items have run out or it
+// is stopped.
+void QueueEngine::_reportGaps(bool isSounding, const std::optional<AudioRoute::State>& state) {
+  if (state) _gapCount = state->gapCount;
+  if (isSounding) {
+    if (state && !_gapsBefore) _gapsBefore = _gapCount;
+    return;
+  }
+  const std::uint64_t gaps = _gapCount - _gapsBefore.value_or(_gapCount);
+  _gapsBefore.reset();
+  if (gaps == 0) return;
+  TQUtils::log("ERROR: The sound had gaps: the output ran out of it %lu times.", gaps);
 }
 
 // One line for each gap, or run of gaps that come faster than the worker looks.
