@@ -9,11 +9,13 @@
 //
 // A full soak, each round a real one on real threads:
 //
-//     cmake --preset bench && cmake --build --preset bench --target engine_soak teardown_soak
+//     cmake --preset bench
+//     cmake --build --preset bench --target engine_soak schedule_soak teardown_soak
 //     S=build/bench/bench/playback
 //     $S/engine_soak cycles-cranked 1000000 && $S/engine_soak cycles-clock 1000000
 //     $S/engine_soak losses-cranked 10000 && $S/engine_soak losses-clock 10000
 //     $S/engine_soak teardowns 100000 && $S/teardown_soak 100000
+//     $S/schedule_soak 1000000
 //
 // A cycle on the clock takes about a millisecond: a quarter of them play out, which the worker sees
 // when it looks at the output, every three. All others take a tenth or two of that. For the thread

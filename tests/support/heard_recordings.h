@@ -1,0 +1,114 @@
+#ifndef MARLUNE_TESTS_SUPPORT_HEARD_RECORDINGS_H_
+#define MARLUNE_TESTS_SUPPORT_HEARD_RECORDINGS_H_
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "marlune/desktop/audio/clip_decoder.h"
+
+namespace marlune {
+
+// Finds whole recordings in what an output takes, in whatever format that is. One thread at a time.
+class HeardRecordings {
+ public:
+  using Samples = std::vector<short>;
+
+  // What the next opening of the output is like, which is closed: frames are `paths` in `format`.
+  // What was taken and not made heard is lost.
+  void prepare(const std::vector<std::string>& paths, AudioFormat format,
+               std::size_t latencyFrames) {
+    Voice& voice = _voices[{format.sampleRate, format.channels}];
+    for (std::size_t i = voice.size(); i < paths.size(); ++i) {
+      voice.push_back(_decoded(paths[i], format));
+      for (std::size_t k = 0; k < i; ++k) {
+        if (voice[k][0] == voice[i][0]) throw std::logic_error("two recordings begin alike");
+      }
+    }
+    _nextVoice = &voice;
+    _channels = static_cast<std::size_t>(format.channels);
+    _latencyFrames = latencyFrames;
+    _whole.resize(paths.size());
+    _endings.clear();
+  }
+
+  // Of `count` frames, the first `sounding` are sound.
+  void take(const float* frames, std::size_t count, std::size_t sounding) {
+    // An opening without sound leaves it to the next how the recording under way goes on.
+    if (sounding > 0 && std::exchange(_voice, _nextVoice) != _nextVoice) _current = nullptr;
+    for (std::size_t i = 0; i < sounding; ++i) {
+      _take(static_cast<short>(
+                std::lrintf(std::clamp(frames[i * _channels] * 32'768.0f, -32'768.0f, 32'767.0f))),
+            _taken + i + 1);
+    }
+    _taken += count;
+    while (!_endings.empty() && _endings.front().first + _latencyFrames <= _taken) {
+      ++_whole[_endings.front().second];
+      _endings.pop_front();
+    }
+  }
+
+  // How often each recording was heard whole, by its place in `paths`.
+  const std::vector<std::size_t>& whole() const { return _whole; }
+  std::size_t strangeFrames() const { return _strangeFrames; }  // in the middle of no recording
+
+ private:
+  using Voice = std::vector<Samples>;
+
+  static Samples _decoded(const std::string& path, AudioFormat format) {
+    std::string cause;
+    const auto decoder = ClipDecoder::open(path, cause);
+    if (!decoder || !decoder->convertTo(format, cause)) throw std::runtime_error(cause);
+    Samples samples;
+    SoundBlock block;
+    do {
+      decoder->fill(block);
+      for (std::size_t i = 0; i < block.frames; ++i) {
+        const float value = block.samples[i * static_cast<std::size_t>(format.channels)];
+        samples.push_back(
+            static_cast<short>(std::lrintf(std::clamp(value * 32'768.0f, -32'768.0f, 32'767.0f))));
+      }
+    } while (!block.endsItem);
+    return samples;
+  }
+
+  void _take(short sample, std::uint64_t takenAt) {
+    if (!_current || (*_current)[_position] != sample) _begin(sample);
+    if (!_current) {
+      ++_strangeFrames;
+    } else if (++_position == _current->size()) {
+      _endings.emplace_back(takenAt, static_cast<std::size_t>(_current - _voice->data()));
+      _current = nullptr;
+    }
+  }
+
+  void _begin(short sample) {
+    const auto place = std::find_if(_voice->begin(), _voice->end(),
+                                    [&](const Samples& each) { return each[0] == sample; });
+    _current = place == _voice->end() ? nullptr : &*place;
+    _position = 0;
+  }
+
+  std::map<std::pair<int, int>, Voice> _voices;  // by rate and channels
+  const Voice* _voice = nullptr;                 // of the last sound
+  const Voice* _nextVoice = nullptr;             // of what comes
+  std::size_t _channels = 1;
+  std::size_t _latencyFrames = 0;
+  std::uint64_t _taken = 0;
+  const Samples* _current = nullptr;  // the recording that is being taken, and how far it has got
+  std::size_t _position = 0;
+  std::deque<std::pair<std::uint64_t, std::size_t>> _endings;  // taken when, which recording
+  std::vector<std::size_t> _whole;
+  std::size_t _strangeFrames = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_TESTS_SUPPORT_HEARD_RECORDINGS_H_
