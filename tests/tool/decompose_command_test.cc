@@ -105,8 +105,10 @@ TEST_F(DecomposeCommandTest, TellsWhenTheOverridesAreTooLong) {
   const std::string overrides = overridesOf(
       "<dict><key>parts</key><dict>"
       "<key>at</key><array><string>go</string><string>at</string></array></dict></dict>");
-  EXPECT_EQ(decompose({"--overrides", overrides, "at go"}).err,
-            "marlune: \"at go\": the overrides take more recordings than there are words\n");
+  EXPECT_EQ(
+      decompose({"--overrides", overrides, "at go"}).err,
+      "marlune: \"at go\": the overrides take more recordings than there are words, or it is too "
+      "long to be decomposed\n");
 }
 
 TEST_F(DecomposeCommandTest, RefusesOverridesThatMakeNoSenseInOneSentence) {

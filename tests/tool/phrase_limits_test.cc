@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "support/temporary_directory.h"
 #include "tool/tool_run.h"
 
 namespace marlune {
@@ -29,13 +30,37 @@ TEST(PhraseLimitsTest, ALineThatIsTooLongFailsAlone) {
   EXPECT_EQ(run.status, 1);
 }
 
+// The rule makes 101 words of one; the phrase may have 10,000 slots.
+TEST(PhraseLimitsTest, APhraseThatARuleMakesTooLongFailsAlone) {
+  std::string many;
+  for (int i = 0; i < 101; ++i) many += "<string>b</string>";
+  const TemporaryDirectory folder;
+  const std::string grammar = folder.write(
+      "grammar.plist",
+      "<plist><dict><key>Main</key><dict><key>_lhs</key><dict><key>_significantSlots</key>"
+      "<array><string>a</string></array></dict><key>_rhs</key><array>" +
+          many + "</array></dict></dict></plist>");
+  std::string words;
+  for (int i = 0; i < 200; ++i) words += "a ";
+  for (const char* trace : {"", "--trace"}) {
+    std::vector<std::string> arguments{"rewrite", "--grammar", grammar, "--name", "Main"};
+    if (*trace) arguments.emplace_back(trace);
+    const ToolRun run = runTool(arguments, "c\n" + words + "\nc\n");
+    EXPECT_EQ(run.out, "c\n\nc\n");
+    EXPECT_THAT(run.err, testing::HasSubstr("\nmarlune: line 2: \"a a "));
+    EXPECT_THAT(run.err,
+                testing::HasSubstr("\": a rule would make it longer than a phrase may be"));
+    EXPECT_EQ(run.status, 1);
+  }
+}
+
 #ifdef MARLUNE_TOOL_RUNS_IN_LITTLE_MEMORY
 TEST(PhraseLimitsTest, APhraseThatMemoryDoesNotSufficeForFailsAlone) {
   std::string words;
   for (int i = 0; i < 900'000; ++i) words += "go ";
   const ToolRun run =
-      runToolIn("ulimit -v 40000; exec \"$@\"",
-                {"decompose", "--sounds", MARLUNE_VOICE_FOLDER}, "go\n" + words + "\ngo\n");
+      runToolIn("ulimit -v 40000; exec \"$@\"", {"decompose", "--sounds", MARLUNE_VOICE_FOLDER},
+                "go\n" + words + "\ngo\n");
   EXPECT_EQ(run.out, "go\n\ngo\n");
   EXPECT_THAT(run.err, testing::StartsWith("marlune: line 2: "));
   EXPECT_THAT(run.err, testing::EndsWith("there is not enough memory for it\n"));

@@ -56,6 +56,7 @@ class RewriteCommand : public PhraseCommand {
     if (_options.trace == "rules") {
       const GrammarWalk walk = _rewriter.walkOf(words);
       std::cerr << readableTrace(walk) << std::flush;
+      for (const Turn& turn : walk.turns()) requireNoLimitAmong(turn.messages);
       return walk.after()->stringArray();
     }
     if (_options.trace == "raw") std::cerr << _rewriter.rawTraceOf(words) << std::flush;

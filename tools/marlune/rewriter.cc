@@ -9,6 +9,7 @@
 #include "tools/marlune/captured_log.h"
 #include "tools/marlune/composed_list_reader.h"
 #include "tools/marlune/input_error.h"
+#include "tools/marlune/phrase_command.h"
 #include "tools/marlune/shown_text.h"
 
 namespace marlune::tool {
@@ -81,7 +82,17 @@ Words Rewriter::rewritten(const Words& words) const {
     messages = log.lines();
   }
   show(messages);
+  requireNoLimitAmong(messages);
   return result;
+}
+
+void requireNoLimitAmong(const std::vector<std::string>& messages) {
+  constexpr std::string_view kOpening = "ERROR: The phrase would grow past ";
+  for (const std::string& message : messages) {
+    if (message.starts_with(kOpening)) {
+      throw PhraseError("a rule would make it longer than a phrase may be");
+    }
+  }
 }
 
 GrammarWalk Rewriter::walkOf(const Words& words) const {

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "marlune/grammar/parser.h"
 #include "tools/marlune/grammar_walk.h"
@@ -17,6 +18,7 @@ class Rewriter {
   // broken, or it has none of that name. Warnings about the grammar go to the log.
   Rewriter(const std::string& path, const std::string& name);
 
+  // Throws PhraseError when a rule was stopped because the phrase would have become too long.
   Words rewritten(const Words& words) const;
 
   // What each rule does to the words. The grammar's errors are in it and not shown otherwise.
@@ -29,6 +31,10 @@ class Rewriter {
  private:
   std::unique_ptr<Parser> _parser;
 };
+
+// Throws PhraseError when one of these messages of a grammar's is that a rule was stopped because
+// the phrase would have become too long.
+void requireNoLimitAmong(const std::vector<std::string>& messages);
 
 }  // namespace marlune::tool
 

@@ -66,7 +66,9 @@ std::string Voice::_reasonAgainst(const Words& words) {
   }
   if (!missing.empty()) return "no recording of " + quoted(missing) + _caseHint(missing);
   if (!dependent.empty()) return "no recording of its own for " + quoted(dependent);
-  return "the overrides take more recordings than there are words";
+  if (!_overrides) return "it is too long to be decomposed";
+  return "the overrides take more recordings than there are words, or it is too long to be "
+         "decomposed";
 }
 
 std::string Voice::_caseHint(const Words& missing) const {
