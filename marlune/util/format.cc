@@ -1,5 +1,6 @@
 #include "marlune/util/format.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace marlune {
@@ -174,29 +175,141 @@ void FormatArgument::_appendList(std::string& text, const std::vector<std::strin
               [&](std::size_t i) { appendQuoted(text, descriptions[i]); });
 }
 
-std::string formatted(std::string_view format, std::initializer_list<FormatArgument> arguments) {
-  std::string text;
-  text.reserve(format.size() + 32);
-  const FormatArgument* next = arguments.begin();
-  for (std::size_t i = 0; i < format.size(); ++i) {
-    if (format[i] != '%' || i + 1 == format.size()) {
-      text += format[i];
-      continue;
+void FormatArgument::appendTo(std::string& text, const FormatPlaceholder& placeholder) const {
+  if (_appendNumber(text, placeholder)) return;
+  if (placeholder.width == 0 && placeholder.precision < 0) {
+    appendTo(text);
+    return;
+  }
+  std::string shown;
+  appendTo(shown);
+  placeholder.appendText(text, shown);
+}
+
+// Whether the argument is a number and the placeholder for one of its kind.
+bool FormatArgument::_appendNumber(std::string& text, const FormatPlaceholder& as) const {
+  if (_kind == Kind::real && as.isReal()) {
+    as.appendReal(text, _real);
+    return true;
+  }
+  if (_kind != Kind::integer && _kind != Kind::natural) return false;
+  const bool isInteger = _kind == Kind::integer;
+  if (as.conversion == 'c') {
+    const auto character =
+        static_cast<char>(isInteger ? _integer : static_cast<std::int64_t>(_natural));
+    FormatPlaceholder whole = as;
+    whole.precision = -1;
+    whole.appendText(text, {&character, 1});
+  } else if (as.isSigned() && (isInteger || _natural <= INT64_MAX)) {
+    as.appendInteger(text, isInteger ? _integer : static_cast<std::int64_t>(_natural));
+  } else if (as.isSigned() || as.isUnsigned()) {
+    auto bits = isInteger ? static_cast<std::uint64_t>(_integer) : _natural;
+    const bool isInt = as.length == FormatPlaceholder::Length::none && _bytes <= sizeof(int);
+    if (isInt) bits = static_cast<unsigned>(bits);
+    as.appendNatural(text, bits);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+int FormatArgument::asNumber() const {
+  constexpr std::int64_t kMost = FormatPlaceholder::kLargestNumber;
+  if (_kind == Kind::integer) return static_cast<int>(std::clamp(_integer, -kMost, kMost));
+  if (_kind == Kind::natural) return static_cast<int>(std::min<std::uint64_t>(_natural, kMost));
+  return 0;
+}
+
+namespace {
+
+// Reads a format from its front to its end and takes the arguments as the placeholders need them.
+class FormatReader {
+ public:
+  FormatReader(std::string_view format, std::initializer_list<FormatArgument> arguments)
+      : _rest(format), _next(arguments.begin()), _end(arguments.end()) {}
+
+  std::string text() {
+    std::string text;
+    text.reserve(_rest.size() + 32);
+    while (!_rest.empty()) {
+      const std::size_t percent = std::min(_rest.find('%'), _rest.size());
+      text += _rest.substr(0, percent);
+      _rest.remove_prefix(percent);
+      if (!_rest.empty()) _appendPlaceholder(text);
     }
-    ++i;
-    if (format[i] == '%') {
+    return text;
+  }
+
+ private:
+  void _appendPlaceholder(std::string& text) {
+    const std::string_view start = _rest;
+    _rest.remove_prefix(1);
+    FormatPlaceholder placeholder;
+    _readFlags(placeholder);
+    placeholder.setWidth(_number());
+    if (_skip('.')) placeholder.precision = _number();
+    _readLength(placeholder);
+    if (_rest.empty()) {
+      text += start;
+      return;
+    }
+    placeholder.conversion = _rest.front();
+    _rest.remove_prefix(1);
+    if (placeholder.conversion == '%') {
       text += '%';
-      continue;
-    }
-    if (format[i] == 'l' && i + 1 < format.size()) ++i;
-    if (next == arguments.end()) {
-      text += "(null)";
     } else {
-      next->appendTo(text);
-      ++next;
+      _argument().appendTo(text, placeholder);
     }
   }
-  return text;
+
+  void _readFlags(FormatPlaceholder& placeholder) {
+    for (; !_rest.empty(); _rest.remove_prefix(1)) {
+      const std::size_t flag = FormatPlaceholder::kFlags.find(_rest.front());
+      if (flag == std::string_view::npos) return;
+      placeholder.addFlag(flag);
+    }
+  }
+
+  // Digits, none (0), or "*" for the next argument.
+  int _number() {
+    if (_skip('*')) return _argument().asNumber();
+    int number = 0;
+    for (; !_rest.empty() && _rest.front() >= '0' && _rest.front() <= '9'; _rest.remove_prefix(1)) {
+      number = std::min(10 * number + (_rest.front() - '0'), FormatPlaceholder::kLargestNumber);
+    }
+    return number;
+  }
+
+  void _readLength(FormatPlaceholder& placeholder) {
+    using Length = FormatPlaceholder::Length;
+    if (_skip('h')) {
+      placeholder.length = _skip('h') ? Length::byte : Length::twoBytes;
+      return;
+    }
+    while (!_rest.empty() &&
+           std::string_view("ljztLq").find(_rest.front()) != std::string_view::npos) {
+      _rest.remove_prefix(1);
+      placeholder.length = Length::larger;
+    }
+  }
+
+  bool _skip(char c) {
+    if (!_rest.starts_with(c)) return false;
+    _rest.remove_prefix(1);
+    return true;
+  }
+
+  FormatArgument _argument() { return _next == _end ? FormatArgument(nullptr) : *_next++; }
+
+  std::string_view _rest;
+  const FormatArgument* _next;
+  const FormatArgument* const _end;
+};
+
+}  // namespace
+
+std::string formatted(std::string_view format, std::initializer_list<FormatArgument> arguments) {
+  return FormatReader(format, arguments).text();
 }
 
 }  // namespace marlune

@@ -14,6 +14,7 @@
 
 #include "marlune/platform/value.h"
 #include "marlune/util/describable.h"
+#include "marlune/util/format_placeholder.h"
 
 namespace marlune {
 
@@ -25,12 +26,13 @@ class FormatArgument {
   FormatArgument(std::nullptr_t) {}  // absent: prints "(null)"
   // A template, so that no pointer is taken for a boolean.
   template <std::same_as<bool> Boolean>
-  FormatArgument(Boolean truth) : _kind(Kind::integer), _integer(truth ? 1 : 0) {}
+  FormatArgument(Boolean truth)
+      : _kind(Kind::integer), _bytes(sizeof truth), _integer(truth ? 1 : 0) {}
   template <std::signed_integral Integer>
-  FormatArgument(Integer number) : _kind(Kind::integer), _integer(number) {}
+  FormatArgument(Integer number) : _kind(Kind::integer), _bytes(sizeof number), _integer(number) {}
   template <std::unsigned_integral Integer>
   requires(!std::same_as<Integer, bool>) FormatArgument(Integer number)
-      : _kind(Kind::natural), _natural(number) {}
+      : _kind(Kind::natural), _bytes(sizeof number), _natural(number) {}
   FormatArgument(double number) : _kind(Kind::real), _real(number) {}
 
   FormatArgument(const char* text) {
@@ -58,10 +60,19 @@ class FormatArgument {
   FormatArgument(const std::vector<std::int32_t>& numbers)
       : FormatArgument(numbers, &_appendNumbers) {}
 
-  // Appends what "%@" and every other placeholder shows for the argument.
+  // Appends what "%@" shows for the argument.
   void appendTo(std::string& text) const;
 
+  // Appends what the placeholder shows. One that is for another kind of argument shows the same as
+  // "%@", with its width and precision.
+  void appendTo(std::string& text, const FormatPlaceholder& placeholder) const;
+
+  // A width or precision given as "*": the integer, cut to the range of int; 0 for anything else.
+  int asNumber() const;
+
  private:
+  bool _appendNumber(std::string& text, const FormatPlaceholder& placeholder) const;
+
   enum class Kind : unsigned char { absent, integer, natural, real, text, object };
   using Append = void (*)(std::string& text, const void* object);
 
@@ -88,6 +99,7 @@ class FormatArgument {
     Append append;
   };
   Kind _kind = Kind::absent;
+  unsigned char _bytes = 0;  // the size of an integer's own type
   union {
     std::int64_t _integer = 0;
     std::uint64_t _natural;
@@ -97,9 +109,16 @@ class FormatArgument {
   };
 };
 
-// `format` with each placeholder ("%@", "%s", "%i", "%d", "%u", "%li", "%ld", "%lu") replaced by
-// the next argument, printed by its own type whatever the placeholder says; "%%" gives "%". A
-// placeholder without an argument prints "(null)"; an argument without a placeholder is left out.
+// `format` with each placeholder replaced by the next argument. "%@" shows an argument of any type.
+// The others are those of the C library, with its flags, widths and precisions ("*" as well) and
+// lengths, and give what it gives: "%d", "%i", "%u", "%o", "%x", "%X" and "%c" for integers, "%f",
+// "%e", "%g", "%a" and their capitals for reals, "%s" for text; "%%" gives "%".
+//
+// The argument's own type always counts. An integer is never cut to the size that the placeholder
+// has, except by "h" and "hh"; a placeholder for another kind of argument shows what "%@" shows,
+// with its width and precision. So does a placeholder that is none of these. One without an
+// argument prints "(null)"; an argument without a placeholder is left out. An unfinished
+// placeholder at the end stays as it is. A width or precision is at most 100,000.
 //
 // A dictionary or array prints as an old-style property list: "{\n    key = value;\n}" and
 // "(\n    one,\n    two\n)", nested ones indented by four more blanks; text in it stands in

@@ -1,0 +1,50 @@
+#ifndef MARLUNE_UTIL_FORMAT_PLACEHOLDER_H_
+#define MARLUNE_UTIL_FORMAT_PLACEHOLDER_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace marlune {
+
+// One placeholder of a log format, taken apart: "%-8.3ld" has the flag '-', the width 8, the
+// precision 3, the length "l" and the conversion 'd'.
+struct FormatPlaceholder {
+  enum class Length : unsigned char { none, byte, twoBytes, larger };
+
+  // A bound for widths and precisions, so that no format makes a text without end.
+  static constexpr int kLargestNumber = 100'000;
+
+  static constexpr std::string_view kFlags = "-+ #0'";
+
+  bool flags[kFlags.size()] = {};
+  int width = 0;
+  int precision = -1;  // negative: none
+  Length length = Length::none;
+  char conversion = '\0';
+
+  bool isSigned() const { return conversion == 'd' || conversion == 'i'; }
+  bool isUnsigned() const { return std::string_view("uoxX").find(conversion) != kNone; }
+  bool isReal() const { return std::string_view("fFeEgGaA").find(conversion) != kNone; }
+
+  void setWidth(int number);  // a negative one aligns to the left
+  void addFlag(std::size_t index) { flags[index] = true; }
+
+  // As the C library formats a number or a character. REQUIRES: the conversion is of that kind.
+  void appendInteger(std::string& text, long long number) const;
+  void appendNatural(std::string& text, unsigned long long number) const;
+  void appendReal(std::string& text, double number) const;
+
+  // As "%s": cut to the precision, filled with blanks to the width, both counted in bytes.
+  void appendText(std::string& text, std::string_view content) const;
+
+ private:
+  static constexpr std::size_t kNone = std::string_view::npos;
+
+  template <typename Number>
+  void _appendNumber(std::string& text, std::string_view type, Number number) const;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_UTIL_FORMAT_PLACEHOLDER_H_
