@@ -171,7 +171,7 @@ void Player::observeValueForKeyPath(std::string_view keyPath,
 void Player::__nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>& object) {
   assert(onMainThread());
   const ClassState& state = *_classState();
-  if (object != state.sharedPlayQueue || state.isAdding) return;
+  if (!object || object != state.sharedPlayQueue || state.isAdding) return;
   if (!object->items().empty()) return;  // a step from one file to the next
   if (!_isPlaying(*object)) return;
   object->setRate(0);
@@ -182,7 +182,7 @@ void Player::__nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>
 
 void Player::__nts_queuePlayerStatusChanged(const std::shared_ptr<QueuePlayer>& object) {
   assert(onMainThread());
-  if (object != _classState()->sharedPlayQueue) return;
+  if (!object || object != _classState()->sharedPlayQueue) return;
   if (object->status() != QueuePlayer::Status::failed) return;
   TQUtils::log(
       "%s detected that the media service died. Creating a new shared instance of the play queue.",

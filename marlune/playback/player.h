@@ -1,6 +1,7 @@
 #ifndef MARLUNE_PLAYBACK_PLAYER_H_
 #define MARLUNE_PLAYBACK_PLAYER_H_
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,9 +17,11 @@ namespace marlune {
 // class also looks after the process's audio session (set up once, active while there is sound)
 // and makes a new queue when the one it has dies.
 //
-// Main thread only: elsewhere an operation logs a line and does nothing. What goes wrong is logged
-// and swallowed. The queue, the items, the session and
+// What goes wrong is logged and swallowed. The queue, the items, the session and
 // the main thread are those of Platform::shared(), which must be filled before the first player.
+//
+// Threads: the main thread only; elsewhere an operation logs a line and does nothing. A child that fork() made has no main thread and no worker of
+// sound: it may use parsers and decomposers of its own, and no player; it ends by exec or _exit.
 class Player {
  public:
   // A player of the ".aif" resources in the sub-directory `directory` of `bundle`. The very first
@@ -36,6 +39,9 @@ class Player {
   // the log. nullptr (nothing could be found to say) logs a line and does nothing.
   void playSoundFilesInSequence(const std::shared_ptr<const std::vector<std::string>>& names);
   void playSoundFilesInSequence(const std::vector<std::string>& names);
+  void playSoundFilesInSequence(std::initializer_list<std::string> names) {
+    playSoundFilesInSequence(std::vector<std::string>(names));
+  }
 
   // Silence at once: empties the queue and, half a second later, releases the audio session. Does
   // nothing while not playing.
@@ -67,8 +73,8 @@ class Player {
   // Called on any thread; forwards to the main thread.
   static void observeValueForKeyPath(std::string_view keyPath,
                                      const std::shared_ptr<QueuePlayer>& object);
-  // On the main thread: the queue `object` has another current item, another status. What an
-  // earlier shared queue still has to say is ignored.
+  // On the main thread: the queue `object` has another current item, another status. A late notice
+  // of an earlier shared queue, or of none (null), is ignored.
   static void __nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>& object);
   static void __nts_queuePlayerStatusChanged(const std::shared_ptr<QueuePlayer>& object);
 

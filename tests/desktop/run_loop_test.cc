@@ -3,6 +3,8 @@
 #include <poll.h>
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <functional>
 #include <future>
 #include <memory>
@@ -184,6 +186,28 @@ TEST(RunLoopTest, ARefusalGivesUpWhatOneWorkerWaitsForAndNothingElse) {
   EXPECT_FALSE(refused);
   EXPECT_TRUE(accepted);
   EXPECT_EQ(runs, 3);
+}
+
+TEST(RunLoopTest, InAChildTheLoopHasEnded) {
+  auto loop = std::make_unique<RunLoop>();
+  std::thread worker([&] { loop->runAndWait([] {}); });
+  waitForWork(*loop);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    bool hasRun = false;
+    const auto work = [&] { hasRun = true; };
+    bool isEnded = !loop->isCurrent() && !loop->runAndWait(work);
+    loop->post(work);
+    isEnded = isEnded && loop->runPending() == 0 && !loop->waitFor(1000) && !hasRun;
+    loop->run();
+    loop.reset();
+    ::_exit(isEnded ? 0 : 1);
+  }
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  loop->runPending();
+  worker.join();
 }
 
 TEST(RunLoopTest, NoTeardownMeetsItsNotificationInADeadlock) {

@@ -85,6 +85,37 @@ class PlayerTest : public PlatformFixture {
   std::vector<std::shared_ptr<FakeQueuePlayer>> queues;
 };
 
+// Keeps its observer after it has been removed, as a platform may for a late notice.
+class RememberingQueue : public FakeQueuePlayer {
+ public:
+  void addObserver(QueuePlayerObserver* newObserver, std::string_view keyPath,
+                   unsigned options) override {
+    observer = newObserver;
+    FakeQueuePlayer::addObserver(newObserver, keyPath, options);
+  }
+  QueuePlayerObserver* observer = nullptr;
+};
+
+TEST_F(PlayerTest, ANoticeAboutNoQueueIsIgnored) {
+  const auto queue = std::make_shared<RememberingQueue>();
+  Platform::shared().makeQueuePlayer = [&] { return queue; };
+  Player::initWithDirectory("voice", nullptr)->playSoundFilesInSequence({"a"});
+  PlayerTestAccess::resetClass();  // so that there is no shared queue either
+  for (const auto keyPath : {QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kStatusKeyPath}) {
+    queue->observer->observeValueForKeyPath(keyPath, nullptr);
+  }
+  mainThread->advance(0);
+  EXPECT_EQ(queue->observations(), 0);
+}
+
+TEST_F(PlayerTest, ABracedListOfNamesMayBeEmpty) {
+  const auto player = Player::initWithDirectory("voice", std::make_shared<AlmostFullBundle>());
+  player->playSoundFilesInSequence({});
+  EXPECT_EQ(queues.at(0)->timesPlayed, 1);
+  player->playSoundFilesInSequence({"a", "b"});
+  EXPECT_EQ(queues.at(0)->items().size(), 2u);
+}
+
 TEST_F(PlayerTest, AllPlayersFeedOneQueueAndTheFirstSetsTheSessionUp) {
   const auto player = makePlayer("a"), other = makePlayer("b");
   EXPECT_EQ(session->timesCategoryWasSet, 1);

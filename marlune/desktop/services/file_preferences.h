@@ -20,8 +20,9 @@ namespace marlune {
 // then holds. A file that is no list of preferences counts as empty; before it is replaced it is
 // kept under another name, with a line in the system log. So does every other fault write a line.
 //
-// Values are copied in and out: what a caller does to a container is not seen by another. Any
-// thread; the file is never waited for while the values are locked.
+// Values are copied in and out: what a caller does to a container is not seen by another.
+//
+// Threads: any, at any time; the file is never waited for while the values are locked.
 class FilePreferences : public Preferences {
  public:
   // The folder is made when it is first written to. An empty folder is none: values live as long

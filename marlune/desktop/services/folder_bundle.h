@@ -12,6 +12,8 @@ namespace marlune {
 //
 // A name may be on the disk in any of Unicode's equivalent forms, as other systems write them: it
 // is reported in normal form C, once, and found by each of its forms.
+//
+// Threads: any, at any time.
 class FolderBundle : public ResourceBundle {
  public:
   explicit FolderBundle(std::string folder) : _folder(std::move(folder)) {}

@@ -25,6 +25,7 @@ std::chrono::steady_clock::duration durationOf(double seconds) {
 RunLoop::RunLoop() = default;
 
 RunLoop::~RunLoop() {
+  if (_isInChild()) return;
   end();
   {
     Lock lock(_mutex);
@@ -33,7 +34,13 @@ RunLoop::~RunLoop() {
   if (_timer >= 0) close(_timer);
 }
 
+// A child has none of the parent's other threads, and one of them may have held the lock.
+bool RunLoop::_isInChild() const { return ::getpid() != _process; }
+
+bool RunLoop::isCurrent() const { return std::this_thread::get_id() == _thread && !_isInChild(); }
+
 bool RunLoop::runAndWait(const std::function<void()>& work) {
+  if (_isInChild()) return false;
   if (isCurrent()) {
     work();
     return true;
@@ -54,6 +61,7 @@ bool RunLoop::runAndWait(const std::function<void()>& work) {
 }
 
 void RunLoop::postAfter(double seconds, std::function<void()> work) {
+  if (_isInChild()) return;
   const Lock lock(_mutex);
   if (!_hasEnded) _enqueue(seconds, {.work = std::move(work), .wait = nullptr});
 }
@@ -67,6 +75,7 @@ void RunLoop::_enqueue(double seconds, Entry entry) {
 }
 
 std::size_t RunLoop::runPending() {
+  if (_isInChild()) return 0;
   Turn limit;
   {
     const Lock lock(_mutex);
@@ -112,6 +121,7 @@ bool RunLoop::_isDue() const {
 }
 
 std::optional<double> RunLoop::secondsUntilNext() const {
+  if (_isInChild()) return std::nullopt;
   const Lock lock(_mutex);
   if (_entries.empty()) return std::nullopt;
   const std::chrono::duration<double> left = _entries.begin()->first.first - Clock::now();
@@ -119,6 +129,7 @@ std::optional<double> RunLoop::secondsUntilNext() const {
 }
 
 bool RunLoop::waitFor(double seconds) {
+  if (_isInChild()) return false;
   Lock lock(_mutex);
   const auto deadline = Clock::now() + durationOf(seconds);
   while (!_isDue() && !_isStopped && !_hasEnded && Clock::now() < deadline) {
@@ -136,17 +147,20 @@ void RunLoop::run() {
 }
 
 bool RunLoop::_takeStop() {
+  if (_isInChild()) return true;
   const Lock lock(_mutex);
   return std::exchange(_isStopped, false) || _hasEnded;
 }
 
 void RunLoop::stop() {
+  if (_isInChild()) return;
   const Lock lock(_mutex);
   _isStopped = true;
   _wake.notify_all();
 }
 
 void RunLoop::end() {
+  if (_isInChild()) return;
   std::map<Turn, Entry> dropped;  // ends after the lock: what the work holds may call back
   const Lock lock(_mutex);
   _hasEnded = true;
@@ -164,6 +178,7 @@ void RunLoop::_giveUp(Wait& wait) {
 }
 
 int RunLoop::fileDescriptor() {
+  if (_isInChild()) return -1;
   const Lock lock(_mutex);
   if (_timer < 0) {
     _timer = aboveStandardStreams(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC));
@@ -196,6 +211,7 @@ RunLoop::Refusal::Refusal(RunLoop& loop, std::thread::id worker) : _loop(loop), 
 RunLoop::Refusal::~Refusal() { _loop._acceptWaitsFrom(_worker); }
 
 void RunLoop::_refuseWaitsFrom(std::thread::id worker) {
+  if (_isInChild()) return;
   const Lock lock(_mutex);
   _refused.insert(worker);
   for (auto each = _entries.begin(); each != _entries.end();) {
@@ -211,6 +227,7 @@ void RunLoop::_refuseWaitsFrom(std::thread::id worker) {
 }
 
 void RunLoop::_acceptWaitsFrom(std::thread::id worker) {
+  if (_isInChild()) return;
   const Lock lock(_mutex);
   const auto refusal = _refused.find(worker);
   if (refusal != _refused.end()) _refused.erase(refusal);

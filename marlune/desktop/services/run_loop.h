@@ -1,6 +1,9 @@
 #ifndef MARLUNE_DESKTOP_SERVICES_RUN_LOOP_H_
 #define MARLUNE_DESKTOP_SERVICES_RUN_LOOP_H_
 
+#include <sys/types.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -27,7 +30,9 @@ namespace marlune {
 // Work that throws: what runAndWait was given throws in the thread that waits; what was posted
 // throws out of runPending() or run(), and the work behind it stays in the loop.
 //
-// Any thread may call what is not marked otherwise. No lock is held while work runs.
+// In a child that fork() made, the loop has ended: nothing runs, and no thread is the main thread.
+//
+// Threads: any, at any time, except what is marked "main thread". No lock is held while work runs.
 class RunLoop : public MainThread {
  public:
   RunLoop();
@@ -35,7 +40,7 @@ class RunLoop : public MainThread {
   RunLoop(const RunLoop&) = delete;
   RunLoop& operator=(const RunLoop&) = delete;
 
-  bool isCurrent() const override { return std::this_thread::get_id() == _thread; }
+  bool isCurrent() const override;  // false in a child
   bool runAndWait(const std::function<void()>& work) override;
   void post(std::function<void()> work) override { postAfter(0, std::move(work)); }
   void postAfter(double seconds, std::function<void()> work) override;
@@ -108,6 +113,8 @@ class RunLoop : public MainThread {
   // When it is due, and the place in the order of posting.
   using Turn = std::pair<Clock::time_point, std::uint64_t>;
 
+  bool _isInChild() const;
+
   // These five with the lock held.
   void _enqueue(double seconds, Entry entry);
   bool _isDue() const;
@@ -120,6 +127,7 @@ class RunLoop : public MainThread {
   void _refuseWaitsFrom(std::thread::id worker);
   void _acceptWaitsFrom(std::thread::id worker);
 
+  const pid_t _process = ::getpid();
   const std::thread::id _thread = std::this_thread::get_id();
   mutable std::mutex _mutex;  // for all below
   std::condition_variable _wake;
