@@ -43,7 +43,9 @@ class SplitSearch;
 // hand is as good as before. What it has remembered by then is right and stays; the same call may
 // be made again, and goes on from there. What a delegate throws leaves in the same way.
 //
-// Lines go under ZKPlistNotificationDefault. Used from one thread at a time.
+// Lines go under ZKPlistNotificationDefault.
+//
+// Threads: any, one at a time for each decomposer; others may be used at the same time.
 class Decomposer {
  public:
   // The recordings are the "aif" resources of the bundle's sub-directory `directory`, read now and

@@ -14,6 +14,8 @@ namespace marlune {
 
 // Dictates from two fixed tables how phrases are said: one for whole phrases, one for parts of
 // phrases. A table never answers for the other, and no file is checked for existence.
+//
+// Threads: any, at any time; the tables never change.
 class DecomposerDelegate : public DecomposerOverrides {
  public:
   // From decomposition key (the words joined with "_", "_[" collapsed to "[") to file names

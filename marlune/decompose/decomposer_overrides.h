@@ -11,6 +11,8 @@ class Decomposer;
 
 // What a Decomposer asks before it searches by itself: anything that may dictate how a phrase, or a
 // stretch of one, is said. DecomposerDelegate is the library's own.
+//
+// Threads: called on the thread that asks the decomposer, during the question.
 class DecomposerOverrides {
  public:
   virtual ~DecomposerOverrides() = default;

@@ -21,10 +21,12 @@ struct DesktopOptions {
 };
 
 // Fills the process's table of services (Platform::shared) with those of a Linux desktop. A service
-// that the app has put there before stays, unless an option names another. Call it once, at start,
-// from the main thread, which a run loop is made for. Opens no device and reads no file.
+// that the app has put there before stays, unless an option names another. Opens no device and
+// reads no file.
 //
 // Returns the run loop in the table; null when the app has put a main thread of another kind there.
+//
+// Threads: the main thread only, once, at start: a run loop is made for the calling thread.
 std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options = {});
 
 // Puts an audio session, a queue player and its items into the table, in the place of those that
@@ -32,6 +34,8 @@ std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options = 
 // clock (ClockOutput) or one of the app's own. Before anything plays; opens nothing. Without a main
 // thread in the table no queue player is made, and one line says so: a queue has threads of its
 // own, and without a main thread the player would run on them.
+//
+// Threads: the main thread only.
 void installDesktopAudio(std::shared_ptr<AudioOutput> output);
 
 }  // namespace marlune

@@ -20,18 +20,18 @@ class GrammarFile;
 // The rewriting grammar as an app uses it: one grammar of a grammar file, made ready; words in,
 // rewritten words out. A file is read once in a process; all parsers on it share its tree.
 //
-// Threads: a parser is used by one thread at a time. Different parsers, on the same file too, may
-// be made and used by several threads at once, as may the static functions on trees of the caller's
-// own. The tree that grammarsPlist() and loadGrammarsFromPlistAtPath() give out is shared: reading
-// or changing it is not safe while another thread makes a parser on the same file or calls
-// setGrammar(), which write into it.
-//
 // Words are compared byte by byte, as the grammar file holds them. Pass words in Unicode's normal
 // form C (NFC), and write grammars in it: a letter with a separate mark is another word.
 //
 // Where memory runs out, std::bad_alloc leaves to the caller: no parser was made, the one at hand
 // keeps its grammar, and the same call may be made again. While a file is being read it does not
 // leave: the file then counts as one that cannot be read, until it is read again.
+//
+// Threads: a parser is used by one thread at a time. Different parsers, on the same file too, may
+// be made and used by several threads at once, as may the static functions on trees of the caller's
+// own. The tree that grammarsPlist() and loadGrammarsFromPlistAtPath() give out is shared: reading
+// or changing it is not safe while another thread makes a parser on the same file or calls
+// setGrammar(), which write into it.
 class Parser {
  public:
   ~Parser();

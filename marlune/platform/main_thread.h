@@ -7,6 +7,8 @@ namespace marlune {
 
 // The thread that the app's interface and the play queue live on, and the loop that runs there.
 // Work arrives in the order in which it was posted.
+//
+// Threads: any, at any time.
 class MainThread {
  public:
   virtual ~MainThread() = default;
@@ -20,10 +22,10 @@ class MainThread {
   // that work on the main thread could want.
   virtual bool runAndWait(const std::function<void()>& work) = 0;
 
-  // Runs `work` there later. Any thread.
+  // Runs `work` there later.
   virtual void post(std::function<void()> work) = 0;
 
-  // Runs `work` there after `seconds`, or later if the loop is busy. Any thread.
+  // Runs `work` there after `seconds`, or later if the loop is busy.
   virtual void postAfter(double seconds, std::function<void()> work) = 0;
 };
 

@@ -18,8 +18,10 @@ class PlayerItem;
 class QueuePlayer;
 
 // What the library asks of the system it runs on, in one table for the process. The app, or the
-// desktop library for it, fills the table once at start, before any other call and from one
-// thread; tests put their fakes in. A service that is missing (null) is done without: see each.
+// desktop library for it, fills the table once at start, before any other call; tests put their
+// fakes in. A service that is missing (null) is done without: see each.
+//
+// Threads: any may read the table, at any time; no other runs while it is filled.
 struct Platform {
   std::shared_ptr<SystemLog> systemLog;      // null: lines go to standard error
   std::shared_ptr<Preferences> preferences;  // null: every preference is missing

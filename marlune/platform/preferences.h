@@ -11,6 +11,8 @@ namespace marlune {
 
 // Named values that outlive the process, in domains: one domain an application, named by its
 // reverse-DNS identifier. The empty domain is the running application's own.
+//
+// Threads: any, at any time: a line of the log asks from the thread that writes it.
 class Preferences {
  public:
   virtual ~Preferences() = default;

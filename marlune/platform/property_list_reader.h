@@ -10,6 +10,8 @@ namespace marlune {
 
 // Reads a property-list file into values. Every container is mutable and has one holder only: what
 // the file shares (two references to one object in a binary list) arrives as two copies.
+//
+// Threads: any, at any time.
 class PropertyListReader {
  public:
   struct Result {

@@ -9,6 +9,8 @@
 namespace marlune {
 
 // The files that an app ships with, found by name and type. On a desktop: a folder.
+//
+// Threads: any, at any time.
 class ResourceBundle {
  public:
   virtual ~ResourceBundle() = default;

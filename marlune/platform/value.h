@@ -20,6 +20,9 @@ class Dictionary;
 // made of. A Value is a small handle: copying one that holds a dictionary or an array shares that
 // container, which every holder may change; copying one that holds text shares the text, which
 // nobody changes. The default Value is absent: the answer of every look-up that finds nothing.
+//
+// Threads: any may read, at the same time; while one changes a value or a container, no other may
+// use it. The same holds of Dictionary and Array.
 class Value {
  public:
   enum class Kind : unsigned char {

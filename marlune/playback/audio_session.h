@@ -8,7 +8,9 @@
 namespace marlune {
 
 // The app's standing with the device's sound system: what kind of sound it makes, how that goes
-// with the sound of others, and whether it is making any just now. Main thread only.
+// with the sound of others, and whether it is making any just now.
+//
+// Threads: the main thread only.
 class AudioSession {
  public:
   // The category of an app whose sound is to be heard although the device is locked or silenced.

@@ -17,11 +17,12 @@ namespace marlune {
 // class also looks after the process's audio session (set up once, active while there is sound)
 // and makes a new queue when the one it has dies.
 //
-// What goes wrong is logged and swallowed. The queue, the items, the session and
-// the main thread are those of Platform::shared(), which must be filled before the first player.
+// What goes wrong is logged and swallowed. The queue, the items, the session and the main thread
+// are those of Platform::shared(), which must be filled before the first player.
 //
-// Threads: the main thread only; elsewhere an operation logs a line and does nothing. A child that fork() made has no main thread and no worker of
-// sound: it may use parsers and decomposers of its own, and no player; it ends by exec or _exit.
+// Threads: the main thread only; elsewhere an operation logs a line and does nothing. A child that
+// fork() made has no main thread and no worker of sound: it may use parsers and decomposers of its
+// own, and no player; it ends by exec or _exit.
 class Player {
  public:
   // A player of the ".aif" resources in the sub-directory `directory` of `bundle`. The very first

@@ -31,11 +31,13 @@ class QueuePlayerObserver {
 };
 
 // A queue of items that play back to back without a gap. A new queue is empty, stopped (rate 0)
-// and touches no sound device until it plays. Main thread only, but for what an observer is told.
+// and touches no sound device until it plays.
 //
 // When an item has been heard to its end it leaves the queue and the next becomes the current one;
 // after the last, the current item is none while the rate stays as it is. An item that turns out
 // unplayable is left out, with a line in the log.
+//
+// Threads: the main thread only. Observers are called on any thread.
 class QueuePlayer : public std::enable_shared_from_this<QueuePlayer> {
  public:
   enum class Status { unknown = 0, readyToPlay = 1, failed = 2 };

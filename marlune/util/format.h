@@ -21,6 +21,8 @@ namespace marlune {
 // One argument of a log format: a reference to what the caller has, with its type. Making one
 // copies nothing and allocates nothing; only a line that is really written describes it. It must
 // not outlive the full expression that it was made in.
+//
+// Threads: any, while no other changes what it refers to.
 class FormatArgument {
  public:
   FormatArgument(std::nullptr_t) {}  // absent: prints "(null)"

@@ -29,8 +29,10 @@ inline constexpr std::string_view VexaPreferencesDomain = "com.example.vexa";
 
 // The library's way of writing diagnostics, and its gateway to preferences. Lines go to the system
 // log and, while a log directory is set, to a log file of this run as well. Nothing here ever
-// fails towards its caller. Lines may come from any thread; the settings (directory, switch) are
-// meant to be made once, early, from one thread.
+// fails towards its caller.
+//
+// Threads: any, at any time, except the settings (directory, switch, new log file): one at a time,
+// meant to be made once, early. A Silence counts for its own thread.
 class TQUtils {
  public:
   TQUtils() = delete;

@@ -11,9 +11,10 @@
 
 namespace marlune {
 
-// Something that takes sound at its own pace: a device, a file, a clock, a crank. Opened and
-// closed on the main thread; the other operations come from the engine's worker, never at the same
-// time as an open or a close.
+// Something that takes sound at its own pace: a device, a file, a clock, a crank.
+//
+// Threads: opened and closed on the main thread; the other operations come from the engine's
+// worker, never at the same time as an open or a close.
 class AudioOutput {
  public:
   virtual ~AudioOutput() = default;

@@ -8,7 +8,7 @@
 
 namespace marlune {
 
-// Reads property lists from files, in the XML and the binary form. Holds no state: any thread.
+// Reads property lists from files, in the XML and the binary form. Holds no state.
 //
 // A file of more than 64 MiB, one that is no regular file and one in the old-style text form are
 // refused; so are more than 256 levels of nesting, a key that stands twice in one dictionary, and
@@ -16,6 +16,8 @@ namespace marlune {
 // objects hold each other again and again. An error begins with the
 // file's name and goes on with the place: "line 7, column 12" (both from 1, in characters) or
 // "byte 96" (from 0).
+//
+// Threads: any, at any time.
 class PropertyListFile : public PropertyListReader {
  public:
   Result readFile(const std::string& path) const noexcept override;
