@@ -7,6 +7,7 @@
 
 #include "marlune/grammar/compiled_builder.h"
 #include "marlune/grammar/compiled_result.h"
+#include "marlune/grammar/context_substitution.h"
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/grammar/grammar_loader.h"
 #include "marlune/grammar/rule.h"
@@ -152,6 +153,7 @@ void CompiledGrammar::_call(Work& work, std::uint32_t from) const {
 
 CompiledGrammar::Outcome CompiledGrammar::_apply(std::uint32_t number, Work& work) const {
   const CompiledRule& rule = _tables.rules[number];
+  work.steps = work.kleeneSteps = 0;
   _findOccurrences(rule, work);
   if (work.occurrences.empty()) return Outcome::unchanged;
   work.original = work.phrase.slots();
@@ -162,18 +164,23 @@ CompiledGrammar::Outcome CompiledGrammar::_apply(std::uint32_t number, Work& wor
 
 // False when the rule is better left to its object. A rule that would never end runs out of passes
 // here, wherever its object notices the circle: the phrase before a pass matches the one behind it
-// at the same pass either way. Nor is there as much work here as an object may have.
+// at the same pass either way. Work is counted too high rather than too low, so that a rule whose
+// object would stop for too much work is left to it.
 bool CompiledGrammar::_repeat(std::uint32_t number, Work& work) const {
   CompiledPhrase& phrase = work.phrase;
-  std::size_t slotsSquared = 0;
+  const CompiledRule& rule = _tables.rules[number];
+  const CompiledPatterns& patterns = _tables.patterns;
+  const std::uint64_t weight = patterns.weightOf(rule.significant) +
+                               patterns.weightOf(rule.before) + patterns.weightOf(rule.after);
   for (int pass = 0; pass < kMostCompiledPasses; ++pass) {
     work.before = phrase.slots();
-    slotsSquared += work.before.size() * work.before.size();
-    if (pass > 0 && slotsSquared > Rule::kMostWork / 2) return false;
+    work.steps += work.before.size() * (ContextSubstitution::kStepsOfSlot + weight) +
+                  phrase.mostText() / 16 + std::exchange(work.kleeneSteps, 0) * weight;
+    if (pass > 0 && work.steps > Rule::kMostSteps) return false;
     if (!_rewrite(number, work)) return false;
     phrase.pad();
     if (phrase.matches(work.before)) return true;
-    _findOccurrences(_tables.rules[number], work);
+    _findOccurrences(rule, work);
   }
   return false;
 }
@@ -191,12 +198,16 @@ bool CompiledGrammar::_rewrite(std::uint32_t number, Work& work) const {
     if (at < 0 || at + matched > std::ssize(slots)) return false;
     const std::span<const CompiledPhrase::Slot> occurrence(slots.data() + at,
                                                            rule.significant.count);
+    if (rule.isChoice) {
+      work.steps += 1 + _tables.productions.choices[rule.production].expansions.count / 16;
+    }
     const CompiledProductions::Run* production = _productionFor(rule, phrase, occurrence);
     if (!production) continue;
     const std::uint32_t firstNew = phrase.nextIdentity();
     work.replacement.clear();
     if (!_tables.productions.append(*production, phrase, occurrence, work.replacement))
       return false;
+    work.steps += work.replacement.size() * ContextSubstitution::kStepsOfSlot;
     const std::ptrdiff_t grown = std::ssize(work.replacement) - matched;
     if (slots.size() + work.replacement.size() >
         SimpleSlotSequence::kLongestPhrase + rule.significant.count) {
@@ -269,11 +280,12 @@ void CompiledGrammar::_findWithKleene(const CompiledRule& rule, Work& work) cons
   const CompiledPhrase& phrase = work.phrase;
   const std::size_t count = phrase.slots().size();
   CompiledKleeneMatcher forwards(_tables.patterns, phrase, /*backwards=*/false);
+  CompiledKleeneMatcher backwards(_tables.patterns, phrase, /*backwards=*/true);
   const std::vector<char> significant = forwards.matchesFrom(rule.significant);
   if (std::find(significant.begin(), significant.end() - 1, true) == significant.end() - 1) return;
   const std::vector<char> after = forwards.matchesFrom(rule.after);
-  const std::vector<char> before =
-      CompiledKleeneMatcher(_tables.patterns, phrase, /*backwards=*/true).matchesFrom(rule.before);
+  const std::vector<char> before = backwards.matchesFrom(rule.before);
+  work.kleeneSteps += forwards.steps() + backwards.steps();
   for (std::size_t start = 0; start < count; ++start) {
     const std::size_t end = start + rule.significant.count;
     if (!significant[start] || !before[count - start]) continue;

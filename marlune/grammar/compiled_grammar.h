@@ -55,6 +55,8 @@ class CompiledGrammar {
     CompiledAgenda agenda;
     std::uint64_t mask = 0;  // of every feature that the phrase has or had
     std::vector<std::int32_t> occurrences;
+    std::uint64_t kleeneSteps = 0;  // of matching with repetitions
+    std::uint64_t steps = 0;  // of a repeating rule: at least those that its object would count
     Slots original, before, replacement;
   };
 

@@ -29,6 +29,29 @@ bool CompiledPatterns::hasKleene(Run run) const {
                      [](const Element& each) { return each.kind == Kind::kleene; });
 }
 
+std::uint64_t CompiledPatterns::weightOf(Run run) const {
+  std::uint64_t weight = 0;
+  for (std::uint32_t i = run.first; i < run.first + run.count; ++i) {
+    const Element& element = elements[i];
+    switch (element.kind) {
+      case Kind::any:
+      case Kind::none:
+      case Kind::kleene:
+        weight += 1 + weightOf({element.first, element.count});
+        break;
+      case Kind::literal:
+        weight += std::max<std::uint64_t>(element.count, 1);
+        break;
+      case Kind::never:  // its attributes were not counted
+        weight += CompiledPhrase::kMaxAttributes;
+        break;
+      default:
+        ++weight;
+    }
+  }
+  return weight;
+}
+
 bool CompiledPatterns::_matchesOther(const Element& element, const CompiledPhrase& phrase,
                                      const Slot& slot) const {
   switch (element.kind) {

@@ -61,6 +61,9 @@ class CompiledPatterns {
 
   bool hasKleene(Run run) const;
 
+  // At least the steps that asking all slots of the run once takes, as SequenceMatcher counts them.
+  std::uint64_t weightOf(Run run) const;
+
  private:
   bool _matchesOther(const Element& element, const CompiledPhrase& phrase, const Slot& slot) const;
   bool _holds(const Requirement& requirement, const CompiledPhrase& phrase, const Slot& slot) const;

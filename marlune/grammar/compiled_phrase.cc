@@ -13,11 +13,14 @@ void CompiledPhrase::reset(const CompiledVocabulary& vocabulary) {
   _unknown.clear();
   _unknownNames.clear();
   _identities = 0;
+  _longest = 0;
+  _mostAttributes = 0;
 }
 
 CompiledPhrase::Id CompiledPhrase::idOf(std::string_view text) {
   if (const Id known = _vocabulary->find(text)) return known;
   _unknown.push_back(text);
+  _longest = std::max(_longest, text.size());
   return static_cast<Id>(_vocabulary->count() + _unknown.size() - 1);
 }
 
@@ -76,6 +79,7 @@ bool CompiledPhrase::set(Slot& slot, Id name, Id value) {
       if (slot.attributeCount == kMaxAttributes) return false;
       _attributes.push_back({name, value});
       ++slot.attributeCount;
+      _mostAttributes = std::max<std::size_t>(_mostAttributes, slot.attributeCount);
     }
   }
   if (isContent) slot.content = value;

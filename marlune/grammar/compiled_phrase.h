@@ -1,6 +1,7 @@
 #ifndef MARLUNE_GRAMMAR_COMPILED_PHRASE_H_
 #define MARLUNE_GRAMMAR_COMPILED_PHRASE_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -34,6 +35,7 @@ class CompiledPhrase {
     std::uint32_t identity = 0;
   };
   static constexpr std::size_t kMaxAttributes = 0xFFFF;
+  static constexpr std::size_t kMostRoom = std::size_t{1} << 20;  // attributes
 
   // Whether an attribute of that name, in a cell that serves as a pattern, is compared with a part
   // of the content. A phrase with such a name has no compiled form.
@@ -55,6 +57,16 @@ class CompiledPhrase {
     const std::size_t known = _vocabulary->count();
     return id < known ? _vocabulary->text(id) : _unknown[id - known];
   }
+
+  // An upper bound of the phrase's bytes of text, as SimpleSlotSequence::kMostText counts them, if
+  // it had `more` slots more.
+  std::uint64_t mostText(std::size_t more = 0) const {
+    return std::uint64_t{_slots.size() + more} * (_mostAttributes + 1) * 2 *
+           std::max(_longest, _vocabulary->longest());
+  }
+
+  // Whether the attributes of all slots that the phrase has or had still take little memory.
+  bool hasRoom() const { return _attributes.size() <= kMostRoom; }
 
   // The number of a text of the phrase. Only looked at: `text` must outlive the phrase's use.
   Id idOf(std::string_view text);
@@ -108,6 +120,8 @@ class CompiledPhrase {
   std::vector<std::string_view> _unknown;
   std::vector<Id> _unknownNames;
   std::uint32_t _identities = 0;
+  std::size_t _longest = 0;         // of the unknown texts
+  std::size_t _mostAttributes = 0;  // of any slot so far
 };
 
 }  // namespace marlune

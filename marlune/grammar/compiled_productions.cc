@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "marlune/grammar/simple_slot_sequence.h"
+
 namespace marlune {
 
 const CompiledProductions::Run* CompiledProductions::chosen(
@@ -32,6 +34,7 @@ CompiledProductions::Id CompiledProductions::_signatureOf(
     if (!isFirst) _joined += phrase.text(choice.delimiter);
     isFirst = false;
     _joined += phrase.text(value);
+    if (_joined.size() > vocabulary.longest()) return CompiledVocabulary::kAbsent;
   }
   return isFirst ? only : vocabulary.find(_joined);
 }
@@ -47,6 +50,9 @@ bool CompiledProductions::append(Run production, CompiledPhrase& phrase,
       result.push_back(phrase.wildcard());
     } else {
       result.push_back(occurrence[static_cast<std::size_t>(each.index)]);
+    }
+    if (phrase.mostText(result.size()) > SimpleSlotSequence::kMostText || !phrase.hasRoom()) {
+      return false;
     }
   }
   return true;

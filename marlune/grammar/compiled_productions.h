@@ -70,7 +70,7 @@ class CompiledProductions {
                     std::span<const Slot> occurrence, const CompiledVocabulary& vocabulary) const;
 
   // Appends to `result` what `production` makes of the matched slots. False when a cell would
-  // hold more attributes than a compiled phrase can.
+  // hold more attributes than a compiled phrase can, or the phrase perhaps more text than it may.
   bool append(Run production, CompiledPhrase& phrase, std::span<const Slot> occurrence,
               std::vector<Slot>& result) const;
 

@@ -1,5 +1,6 @@
 #include "marlune/grammar/compiled_vocabulary.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "marlune/grammar/special_characters.h"
@@ -40,6 +41,7 @@ CompiledVocabulary::Id CompiledVocabulary::add(std::string_view text) {
   }
   const Id id = static_cast<Id>(count());
   _texts += text;
+  _longest = std::max(_longest, text.size());
   _ends.push_back(static_cast<std::uint32_t>(_texts.size()));
   _table[place] = {hash, id};
   return id;

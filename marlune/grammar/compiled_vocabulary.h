@@ -35,6 +35,9 @@ class CompiledVocabulary {
   // One more than the largest number given.
   std::size_t count() const { return _ends.size(); }
 
+  // The bytes of the longest text.
+  std::size_t longest() const { return _longest; }
+
   // The same texts under the same numbers.
   bool equals(const CompiledVocabulary& other) const {
     return _ends == other._ends && _texts == other._texts;
@@ -55,6 +58,7 @@ class CompiledVocabulary {
   std::size_t _placeOf(std::string_view text, std::uint32_t hash) const;
   void _grow();
 
+  std::size_t _longest = 0;
   std::string _texts;                // all texts, one behind the other
   std::vector<std::uint32_t> _ends;  // by number: where its text ends
   std::vector<Entry> _table;         // open addressing; a power of two, at most half full

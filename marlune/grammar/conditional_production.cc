@@ -1,5 +1,7 @@
 #include "marlune/grammar/conditional_production.h"
 
+#include <algorithm>
+
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/grammar/make_shared_of.h"
 #include "marlune/grammar/special_characters.h"
@@ -42,6 +44,9 @@ std::shared_ptr<ConditionalProduction> ConditionalProduction::initFromPlist(cons
     result->_expansions = GrammarError::within(SpecialCharacters::expansionsKey(), [&expansions] {
       return _expansionsOf(*expansions.asDictionary());
     });
+    for (const Expansion& each : *result->_expansions) {
+      result->_longestKey = std::max(result->_longestKey, each.first->size());
+    }
   }
   return result;
 }
@@ -69,10 +74,16 @@ std::string ConditionalProduction::keyForOccurrence(const SimpleSlotSequence* oc
   if (!_signature || !occurrence) return joined;
   for (const std::shared_ptr<AttributeKey>& key : *_signature) {
     const AttributeValue* value = occurrence->valueForAttributeKey(*key);
-    if (!value) continue;
+    // Goes on after the longest key: each AttributeKey must lie within the occurrence.
+    if (!value || joined.size() > _longestKey) continue;
     if (!isFirst) joined += _delimiter.value_or("");
     isFirst = false;
-    joined += value->text();
+    const std::string* const text = value->asString();
+    if (text) {
+      joined.append(*text, 0, _longestKey + 1);
+    } else {
+      joined += value->text();
+    }
   }
   return joined;
 }

@@ -34,7 +34,8 @@ class ConditionalProduction : public GenericProduction {
 
   // The key of an occurrence: the signature's values, without absent ones, joined by the
   // delimiter. A null occurrence has no values. Throws std::out_of_range for an AttributeKey
-  // outside the occurrence.
+  // outside the occurrence. A key that is longer than any expansion's, and than 4 KiB, is cut off,
+  // so that long values take no memory; it is still the key of none.
   std::string keyForOccurrence(const SimpleSlotSequence* occurrence) const;
 
   // nullptr when there is none.
@@ -51,6 +52,7 @@ class ConditionalProduction : public GenericProduction {
   std::optional<std::string> _delimiter;
   std::optional<Signature> _signature;
   std::optional<std::vector<Expansion>> _expansions;  // in the file's order
+  std::size_t _longestKey = 4096;                     // in bytes
 };
 
 }  // namespace marlune

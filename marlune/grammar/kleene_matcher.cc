@@ -40,7 +40,7 @@ bool KleeneMatcher::_isPlain(Run run) const {
 
 bool KleeneMatcher::_runMatchesAt(Run run, std::size_t position) const {
   for (std::uint32_t i = 0; i < run.count; ++i) {
-    if (!_matchesAt(run.first + i, position + i)) return false;
+    if (!_asks(run.first + i, position + i)) return false;
   }
   return true;
 }
@@ -48,7 +48,7 @@ bool KleeneMatcher::_runMatchesAt(Run run, std::size_t position) const {
 std::vector<char> KleeneMatcher::_beforeSlot(Element element, const std::vector<char>& goal) const {
   std::vector<char> result(_end + 1);
   for (std::size_t at = 0; at < _end; ++at) {
-    result[at] = goal[at + 1] && _matchesAt(element, at);
+    result[at] = goal[at + 1] && _asks(element, at);
   }
   return result;
 }
@@ -75,6 +75,7 @@ std::vector<char> KleeneMatcher::_beforeBody(Run body, const std::vector<char>& 
     Positions next = _none();
     bool any = false;
     for (std::size_t at = 0; at < _end; ++at) {
+      if (!found[at]) _countSetOperation();
       if (found[at] || !_meets(_reachOfRun(body, at), latest)) continue;
       add(next, at);
       found[at] = any = true;
@@ -105,8 +106,9 @@ KleeneMatcher::Positions KleeneMatcher::_reachOfElement(Element element, const P
     if (at == _end) return;
     if (repeats) {
       const Positions& more = _reachOfRepetition(element, at);
+      _countSetOperation();
       for (std::size_t i = 0; i < more.size(); ++i) reached[i] |= more[i];
-    } else if (_matchesAt(element, at)) {
+    } else if (_asks(element, at)) {
       add(reached, at + 1);
     }
   });
@@ -128,6 +130,7 @@ const KleeneMatcher::Positions& KleeneMatcher::_reachOfRepetition(Element elemen
     _forEach(latest, [&](std::size_t at) {
       if (at == _end) return;
       const Positions& more = _reachOfRun(body, at);
+      _countSetOperation();
       for (std::size_t i = 0; i < more.size(); ++i) next[i] |= more[i] & ~reached[i];
     });
     for (std::size_t i = 0; i < next.size(); ++i) {

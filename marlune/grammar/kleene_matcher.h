@@ -35,6 +35,9 @@ class KleeneMatcher {
   // what is left of the target there.
   std::vector<char> matchesFrom(Run pattern);
 
+  // The work so far: questions of _matchesAt, and set operations that take as long.
+  std::uint64_t steps() const { return _steps; }
+
  protected:
   virtual bool _repeats(Element element) const = 0;
   virtual Run _bodyOf(Element element) const = 0;
@@ -44,6 +47,12 @@ class KleeneMatcher {
  private:
   // A set of positions, one bit each.
   using Positions = std::vector<std::uint64_t>;
+
+  bool _asks(Element element, std::size_t position) const {
+    ++_steps;
+    return _matchesAt(element, position);
+  }
+  void _countSetOperation() const { _steps += 1 + _end / 256; }
 
   bool _isPlain(Run run) const;
   bool _runMatchesAt(Run run, std::size_t position) const;
@@ -60,6 +69,7 @@ class KleeneMatcher {
   static bool _meets(const Positions& left, const Positions& right);
 
   std::size_t _end;
+  mutable std::uint64_t _steps = 0;
   // What was found out already, by first element of a body or by element, and position.
   std::map<std::pair<Element, std::size_t>, Positions> _runs, _repetitions;
 };

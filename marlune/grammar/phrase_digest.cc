@@ -1,5 +1,7 @@
 #include "marlune/grammar/phrase_digest.h"
 
+#include <algorithm>
+#include <cstring>
 #include <string_view>
 
 #include "marlune/grammar/cell.h"
@@ -18,7 +20,11 @@ std::uint64_t mixed(std::uint64_t bits) {
 
 std::uint64_t digestOfText(std::string_view text, std::uint64_t seed) {
   std::uint64_t digest = mixed(seed + text.size());
-  for (const char c : text) digest = mixed(digest ^ static_cast<unsigned char>(c)) + seed;
+  for (; !text.empty(); text.remove_prefix(std::min(text.size(), sizeof digest))) {
+    std::uint64_t part = 0;
+    std::memcpy(&part, text.data(), std::min(text.size(), sizeof part));
+    digest = mixed(digest ^ part) + seed;
+  }
   return digest;
 }
 

@@ -1,13 +1,12 @@
 #include "marlune/grammar/rule.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 #include "marlune/grammar/conditional_production.h"
+#include "marlune/grammar/context_substitution.h"
 #include "marlune/grammar/grammar_error.h"
 #include "marlune/grammar/make_shared_of.h"
 #include "marlune/grammar/phrase_digest.h"
-#include "marlune/grammar/sequence_matcher.h"
 #include "marlune/grammar/special_characters.h"
 #include "marlune/util/tq_utils.h"
 
@@ -80,24 +79,24 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
                          _leftHandSide);
   auto current = paddedCopy(phrase);
   std::unordered_set<PhraseDigest, PhraseDigest::Hash> earlier;
-  std::size_t work = 0;
+  std::uint64_t steps = 0;
   for (int passes = 1;; ++passes) {
     const auto before = paddedCopy(current->pad());
-    work += _workOfPassOver(*before);
-    current = before->sequenceByReplacingOccurencesOfSlotsInContext(_leftHandSide.get(),
-                                                                    _rightHandSide.get());
+    ContextSubstitution pass(*before, _leftHandSide.get(), _rightHandSide.get());
+    current = pass.result();
     if (!_repeat) return current;
     // Here, other than after a single pass, the result itself gets the blanks that it may lack.
-    if (before->matches(current->pad())) return current;
-    earlier.insert(PhraseDigest::of(*before));
-    if (earlier.contains(PhraseDigest::of(*current))) {
+    if (before->matches(current->pad()) || pass.isFull()) return current;
+    if (passes == 1) earlier.insert(PhraseDigest::of(*before));
+    if (!earlier.insert(PhraseDigest::of(*current)).second) {
       TQUtils::log(
           "ERROR: The repeating rule '%@' stopped after %i passes: the phrase came back "
           "to what it had been.",
           name() ? FormatArgument(*name()) : FormatArgument(nullptr), passes);
       return current;
     }
-    if (passes == kMostPasses || work + _workOfPassOver(*current) > kMostWork) {
+    steps += pass.steps();
+    if (passes == kMostPasses || steps > kMostSteps) {
       TQUtils::log(
           "ERROR: The repeating rule '%@' stopped after %i passes, although each had "
           "changed the phrase.",
@@ -105,11 +104,6 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
       return current;
     }
   }
-}
-
-std::size_t Rule::_workOfPassOver(const SlotSequence& phrase) const {
-  const bool writesLines = _leftHandSide && _leftHandSide->_writesLines();
-  return std::max(phrase.count() * phrase.count(), writesLines ? SequenceMatcher::kMostSteps : 0);
 }
 
 std::string Rule::description() const { return GrammarPart::description() + "RULE"; }

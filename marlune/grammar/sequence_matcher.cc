@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "marlune/grammar/cell.h"
 #include "marlune/grammar/kleene_matcher.h"
 #include "marlune/grammar/kleene_slot.h"
 
@@ -18,6 +19,22 @@ const KleeneSlot* asKleene(const Slot& slot) {
 bool takesOne(const Slot& slot) {
   return slot.kind() == Slot::Kind::simple || slot.kind() == Slot::Kind::disjunction ||
          slot.kind() == Slot::Kind::negation;
+}
+
+// What asking the slot once takes at most, in steps.
+std::uint64_t weightOf(const Slot& slot) {
+  if (slot.kind() == Slot::Kind::simple) {
+    const Cell* const cell = slot._cellOrNull().get();
+    const std::size_t compared = cell && cell->attributes() ? cell->attributes()->count() : 1;
+    return std::max<std::uint64_t>(compared, 1) *
+           (slot._writesLines() ? SequenceMatcher::kStepsOfLine : 1);
+  }
+  if (!takesOne(slot)) return 1;
+  std::uint64_t weight = 1;
+  for (const auto& member : static_cast<const CompoundSlot&>(slot).slots()->slots()) {
+    weight += weightOf(*member);
+  }
+  return weight;
 }
 
 // Whether asking the slots, or what their Kleene slots hold, may write lines.
@@ -39,7 +56,10 @@ class SlotKleeneMatcher : public KleeneMatcher {
         _bodies[element] = _numbered(kleene->slots()->slots());
       }
     }
+    for (const Slot* slot : _slots) _weights.push_back(weightOf(*slot));
   }
+
+  std::uint64_t weighedSteps() const { return steps() + _more; }
 
   std::vector<char> matchesOfPattern() { return matchesFrom(_pattern); }
 
@@ -47,6 +67,7 @@ class SlotKleeneMatcher : public KleeneMatcher {
   bool _repeats(Element element) const override { return asKleene(*_slots[element]) != nullptr; }
   Run _bodyOf(Element element) const override { return _bodies[element]; }
   bool _matchesAt(Element element, std::size_t position) const override {
+    _more += _weights[element] - 1;
     return takesOne(*_slots[element]) && _slots[element]->_matchesAt(_target, position);
   }
 
@@ -59,7 +80,9 @@ class SlotKleeneMatcher : public KleeneMatcher {
 
   SlotRun _target;
   std::vector<const Slot*> _slots;
-  std::vector<Run> _bodies;  // by element, as far as Kleene slots go
+  std::vector<std::uint64_t> _weights;  // by element
+  mutable std::uint64_t _more = 0;      // steps than one for each question
+  std::vector<Run> _bodies;             // by element, as far as Kleene slots go
   Run _pattern;
 };
 
@@ -70,6 +93,8 @@ SequenceMatcher::SequenceMatcher(const SlotArray& pattern, SlotRun target)
   const bool hasKleene =
       std::ranges::any_of(pattern, [](const auto& slot) { return asKleene(*slot) != nullptr; });
   if (hasKleene) _way = mayWriteLines(pattern) ? Way::inOrder : Way::sets;
+  if (hasKleene) return;
+  for (const auto& slot : pattern) _weights.push_back(weightOf(*slot));
 }
 
 bool SequenceMatcher::matchesFrom(std::size_t start) {
@@ -84,11 +109,11 @@ bool SequenceMatcher::matchesFrom(std::size_t start) {
   return false;
 }
 
-bool SequenceMatcher::_matchesStraight(std::size_t position) const {
-  for (const std::shared_ptr<Slot>& slot : _pattern) {
-    if (position == _target.count() || !takesOne(*slot)) return false;
-    if (!slot->_matchesAt(_target, position)) return false;
-    ++position;
+bool SequenceMatcher::_matchesStraight(std::size_t position) {
+  for (std::size_t i = 0; i < _pattern.size(); ++i, ++position) {
+    if (position == _target.count() || !takesOne(*_pattern[i])) return false;
+    _work += _weights[i];
+    if (!_pattern[i]->_matchesAt(_target, position)) return false;
   }
   return true;
 }
@@ -124,6 +149,7 @@ bool SequenceMatcher::_matchesInOrder(std::size_t position) {
 bool SequenceMatcher::_goOn(Continuation at, std::size_t position) {
   while (true) {
     ++_steps;
+    ++_work;
     if (at.index == at.slots->size()) {
       if (at.copies > 0) {
         at = {at.slots, 0, at.copies - 1, at.next};
@@ -141,6 +167,7 @@ bool SequenceMatcher::_goOn(Continuation at, std::size_t position) {
       _choices.push_back({&kleene->slots()->slots(), _continuations.size(), position, 0});
       _continuations.push_back(at);
     } else {
+      _work += weightOf(slot);
       if (!takesOne(slot) || !slot._matchesAt(_target, position)) return false;
       ++position;
     }
@@ -148,7 +175,11 @@ bool SequenceMatcher::_goOn(Continuation at, std::size_t position) {
 }
 
 bool SequenceMatcher::_matchesBySets(std::size_t position) {
-  if (_matches.empty()) _matches = SlotKleeneMatcher(_pattern, _target).matchesOfPattern();
+  if (_matches.empty()) {
+    SlotKleeneMatcher matcher(_pattern, _target);
+    _matches = matcher.matchesOfPattern();
+    _work += matcher.weighedSteps();
+  }
   return _matches[position];
 }
 

@@ -43,6 +43,11 @@ class SequenceMatcher {
   // Whether the target's slots from `start` on begin with the pattern. `start` may be the count.
   bool matchesFrom(std::size_t start);
 
+  // The work so far: comparisons of two words, and what takes as long. A comparison that writes a
+  // line counts kStepsOfLine; a disjunction counts all its members.
+  std::uint64_t steps() const { return _work; }
+  static constexpr std::uint64_t kStepsOfLine = 60;
+
  private:
   enum class Way : unsigned char { straight, inOrder, sets };
 
@@ -63,7 +68,7 @@ class SequenceMatcher {
     std::size_t repetitions;
   };
 
-  bool _matchesStraight(std::size_t position) const;
+  bool _matchesStraight(std::size_t position);
   bool _matchesInOrder(std::size_t position);
   bool _goOn(Continuation at, std::size_t position);
   bool _matchesBySets(std::size_t position);
@@ -74,7 +79,9 @@ class SequenceMatcher {
   std::vector<char> _matches;  // by start, when found by sets
   std::vector<Continuation> _continuations;
   std::vector<Choice> _choices;
-  std::size_t _steps = 0;  // of matching in order
+  std::size_t _steps = 0;               // of matching in order
+  std::vector<std::uint64_t> _weights;  // the steps of asking each slot, matching straight
+  std::uint64_t _work = 0;
 };
 
 }  // namespace marlune

@@ -62,7 +62,7 @@ class SimpleSlotSequence : public SlotSequence {
   //
   // An occurrence whose rewriting reaches outside the phrase or the occurrence stays as it is,
   // with an unconditional line. So do all that remain once the phrase would grow past
-  // kLongestPhrase slots.
+  // kLongestPhrase slots or kMostText bytes of text, or past what it has if that is more.
   std::shared_ptr<SimpleSlotSequence> sequenceByReplacingOccurencesOfSlotsInContext(
       const SlotsInContext* leftHandSide, const GenericProduction* withProduction) const;
 
@@ -73,6 +73,9 @@ class SimpleSlotSequence : public SlotSequence {
   // Far more than can be spoken, far less than what a grammar that doubles its phrase again and
   // again would need to exhaust memory.
   static constexpr std::size_t kLongestPhrase = 10000;
+
+  // Bytes of text: the names and values of all attributes of all slots, each as often as it occurs.
+  static constexpr std::size_t kMostText = std::size_t{16} << 20;
 
  protected:
   using SlotSequence::SlotSequence;

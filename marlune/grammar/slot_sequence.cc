@@ -111,11 +111,18 @@ std::shared_ptr<Slot> SlotSequence::_reversed() { return reversed(); }
 
 std::vector<std::int32_t> SlotSequence::indicesOfOccurrencesInTarget(
     const SlotSequence& target) const {
+  std::uint64_t steps = 0;
+  return _indicesOfOccurrences(target, steps);
+}
+
+std::vector<std::int32_t> SlotSequence::_indicesOfOccurrences(const SlotSequence& target,
+                                                              std::uint64_t& steps) const {
   SequenceMatcher matcher(slots(), SlotRun::forwards(target.slots()));
   std::vector<std::int32_t> indices;
   for (std::size_t index = 0; index < target.count(); ++index) {
     if (matcher.matchesFrom(index)) indices.push_back(static_cast<std::int32_t>(index));
   }
+  steps += matcher.steps();
   return indices;
 }
 

@@ -71,6 +71,10 @@ class SlotSequence : public Slot {
   // target.
   std::vector<std::int32_t> indicesOfOccurrencesInTarget(const SlotSequence& target) const;
 
+  // The same; adds the work that it took, as SequenceMatcher counts it, to `steps`.
+  std::vector<std::int32_t> _indicesOfOccurrences(const SlotSequence& target,
+                                                  std::uint64_t& steps) const;
+
   // Lays the slots here on the target's, position by position and in the target itself, as far as
   // both go. Answers the target.
   std::shared_ptr<SlotSequence> overlayedOn(std::shared_ptr<SlotSequence> target) const;

@@ -66,8 +66,14 @@ std::shared_ptr<SlotsInContext> SlotsInContext::slotsInContextWithSignificantSlo
 
 std::vector<std::int32_t> SlotsInContext::indicesOfOccurrencesInTarget(
     const SimpleSlotSequence& phrase) const {
+  std::uint64_t steps = 0;
+  return _indicesOfOccurrences(phrase, steps);
+}
+
+std::vector<std::int32_t> SlotsInContext::_indicesOfOccurrences(const SimpleSlotSequence& phrase,
+                                                                std::uint64_t& steps) const {
   if (!_significantSlots) return {};
-  std::vector<std::int32_t> indices = _significantSlots->indicesOfOccurrencesInTarget(phrase);
+  std::vector<std::int32_t> indices = _significantSlots->_indicesOfOccurrences(phrase, steps);
 
   // What stands before position i, read backwards, is the end of the whole phrase read backwards;
   // so one matcher and what it remembers serve all positions. Likewise behind.
@@ -82,6 +88,7 @@ std::vector<std::int32_t> SlotsInContext::indicesOfOccurrencesInTarget(
         behind.matchesFrom(std::min(count, position + _significantSlots->count()));
     return !preHolds || !postHolds;
   });
+  steps += before.steps() + behind.steps();
   return indices;
 }
 

@@ -36,6 +36,10 @@ class SlotsInContext : public Describable {
   // are no significant slots.
   std::vector<std::int32_t> indicesOfOccurrencesInTarget(const SimpleSlotSequence& phrase) const;
 
+  // The same; adds the work that it took, as SequenceMatcher counts it, to `steps`.
+  std::vector<std::int32_t> _indicesOfOccurrences(const SimpleSlotSequence& phrase,
+                                                  std::uint64_t& steps) const;
+
   // Whether looking for occurrences can write lines.
   bool _writesLines() const;
 

@@ -224,6 +224,32 @@ TEST_F(CompiledTest, RulesThatNeverEndAndPhrasesThatExplodeAreLeftToTheTree) {
   }
 }
 
+// Where a rule is stopped, and that it is not stopped before, is the tree's business.
+TEST_F(CompiledTest, LimitsAreThoseOfTheTree) {
+  std::string members = "[+, b, a";
+  for (int i = 0; i < 3000; ++i) members += ", w" + std::to_string(i);
+  Words moving(400, "b");
+  moving.front() = "a";
+  const struct {
+    std::string rule;
+    Words words;
+  } cases[] = {
+      {"{_repeat=#1; _lhs={_significantSlots=[a, b]}; _rhs=[{_index=#1}, {_index=#0}]}", moving},
+      {"{_repeat=#1; _lhs={_significantSlots=[" + members + "], c]}; _rhs=[{_index=#0}, b, c]}",
+       {"a", "c"}},
+      {"{_repeat=#1; _lhs={_significantSlots=[a]}; _rhs=[a, a]}", {"a"}},
+      {"{_lhs={_significantSlots=['?']}; _rhs=[{_index=#0}, {_index=#0; post={_index=#0;"
+       " _attribute=content}}]}",
+       Words(6, std::string(1 << 20, 'a'))},
+      {"{_lhs={_significantSlots=['?', '?']}; _rhs=[{_index=#0; post=x}]}", Words(12000, "a")},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.rule.substr(0, 80));
+    compile(plist("{Main={R=" + c.rule + "}}"));
+    compared(c.words);
+  }
+}
+
 // Matching that writes lines keeps to the order of the plain recursion, but not for ever.
 TEST_F(CompiledTest, RepetitionsThatWriteLinesComeToAnEnd) {
   struct CountingLog : SystemLog {
