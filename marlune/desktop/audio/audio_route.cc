@@ -67,8 +67,8 @@ std::optional<AudioRoute::State> AudioRoute::stateFor(const RouteUser& user) con
   const std::lock_guard lock(_mutex);
   if (!_isOpen) return std::nullopt;
   const std::lock_guard userLock(_userMutex);
-  return State{_opening, _user == &user, _output->latencyFrames(), _output->stallLimitSeconds(),
-               _loss(), _output->gapCount()};
+  return State{_opening, _user == &user,     _output->latencyFrames(), _output->stallLimitSeconds(),
+               _loss(),  _output->gapCount()};
 }
 
 std::optional<AudioFormat> AudioRoute::formatForClip(const AudioFormat& clip,

@@ -119,8 +119,7 @@ std::optional<std::string> SdlOutput::open(AudioSource& source, const std::strin
   close();
   const auto device = std::make_shared<Device>(_load, source, _gaps);
   const auto handover = std::make_shared<DeviceHandover>();
-  PatientThread::forDevices().runWithin(_patienceSeconds,
-                                        [=] { device->openFor(*handover); });
+  PatientThread::forDevices().runWithin(_patienceSeconds, [=] { device->openFor(*handover); });
   const bool isMine = handover->accept();
   if (isMine && device->isOpen()) {
     _device = device;
