@@ -45,7 +45,7 @@ Speaker::Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::st
 }
 
 Speaker::~Speaker() {
-  if (_file && !_hasFailed && !_file->draftPath().empty()) {
+  if (_file && !_output->failure() && !_file->draftPath().empty()) {
     complain("not all was rendered; what was is in " + _file->draftPath());
   }
 }
@@ -66,19 +66,18 @@ void Speaker::say(const Words& files, const Playlist& playlist) {
 
 void Speaker::finish() {
   Platform::shared().audioSession->setActive(false);
-  const auto failure = _output->takeFailure();
   if (!_file) return;
-  _hasFailed = failure.has_value();
-  if (failure) throw InputError(*failure);
-  if (const auto unfinished = _file->finish()) throw InputError(*unfinished);
+  if (const auto failure = _output->failure()) throw InputError(*failure);
+  if (const auto failure = _file->finish()) throw InputError(*failure);
   _lastWords.reset();
 }
 
 // A device may be back for the next phrase, unless there has been none yet.
 void Speaker::_throwLosses(std::size_t recordings) {
+  if (_file || !_output->hasOpened()) {
+    if (const auto failure = _output->failure()) throw InputError(*failure);
+  }
   const auto failure = _output->takeFailure();
-  _hasFailed = failure && (_file || !_output->hasOpened());
-  if (_hasFailed) throw InputError(*failure);
   const std::string losses = _items.lossesAmong(recordings);
   if (!losses.empty()) throw PhraseError("it was not said whole: " + failure.value_or(losses));
 }

@@ -47,7 +47,6 @@ class Speaker {
   std::shared_ptr<FileOutput> _file;  // null for the sound device
   std::shared_ptr<WatchedOutput> _output;
   std::optional<LastWords> _lastWords;  // once a file has been begun
-  bool _hasFailed = false;              // the exception that was thrown names the draft
   QueuedItems _items;
   std::weak_ptr<QueuePlayer> _queue;  // the player's
   std::unique_ptr<Player> _player;

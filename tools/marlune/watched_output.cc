@@ -2,6 +2,11 @@
 
 namespace marlune::tool {
 
+std::optional<std::string> WatchedOutput::failure() const {
+  const std::lock_guard lock(_mutex);
+  return _failure;
+}
+
 std::optional<std::string> WatchedOutput::takeFailure() {
   const std::lock_guard lock(_mutex);
   return std::exchange(_failure, std::nullopt);

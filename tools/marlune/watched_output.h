@@ -17,8 +17,9 @@ class WatchedOutput : public AudioOutput {
  public:
   explicit WatchedOutput(std::shared_ptr<AudioOutput> output) : _output(std::move(output)) {}
 
-  // The first failure to open, or loss up to the closing, since it was asked for last, as a
-  // sentence. Any thread.
+  // The first failure to open, or loss up to the closing, since it was taken last, as a sentence.
+  // Any thread.
+  std::optional<std::string> failure() const;
   std::optional<std::string> takeFailure();
 
   // Whether it could be opened so far. Main thread.
