@@ -119,7 +119,8 @@ TEST_F(PlayerOnEngineTest, ARefusalToOpenTheOutputAgainIsTheCauseOfTheFailure) {
   Platform::shared().audioSession->setActive(false);
   output->refuse("There is no device.");
   player->playSoundFilesInSequence(Names{"one"});
-  while (player->isPlaying()) runMainThread();
+  settle();
+  EXPECT_FALSE(player->isPlaying());
   EXPECT_TRUE(
       log->contains("ERROR: The play queue has failed: There is no device. Sound files "
                     "dropped: 1."));

@@ -138,7 +138,7 @@ TEST_F(AllocationFailureTest, AListIsReadOrRefusedInOneSentence) {
         sweep([](std::size_t) {}, [&] { result = reader.readFile(path); },
               [&] {
                 if (result.root.isAbsent()) {
-                  EXPECT_THAT(result.error, testing::ContainsRegex("out of memory|no more memory"));
+                  EXPECT_THAT(result.error, testing::HasSubstr("out of memory"));
                 } else {
                   EXPECT_EQ(*writePropertyListXml(result.root), expected);
                 }

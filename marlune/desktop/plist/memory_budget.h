@@ -33,11 +33,17 @@ class MemoryBudget {
 
   // For what comes and goes, and where nothing may be thrown. Whether there was enough.
   bool tryTake(std::size_t bytes) noexcept {
-    if (bytes > _left) return false;
+    if (bytes > _left) {
+      _hasRefused = true;
+      return false;
+    }
     _left -= bytes;
     return true;
   }
   void giveBack(std::size_t bytes) noexcept { _left += bytes; }
+
+  // Whether there was not enough once. The system may run out of memory while it is false.
+  bool hasRefused() const { return _hasRefused; }
 
   // Room for `count` elements or characters in a vector or string that grows step by step. Counts
   // what it holds at each moment: the former room, too, while its content is moved.
@@ -78,6 +84,7 @@ class MemoryBudget {
   static constexpr std::size_t kMostBytes = std::size_t{652} << 20;
 
   std::size_t _left;
+  bool _hasRefused = false;
 };
 
 }  // namespace marlune

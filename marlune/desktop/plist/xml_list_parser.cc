@@ -304,7 +304,9 @@ std::string XmlListParser::_brokenXml() const {
   const XML_Error code = XML_GetErrorCode(_parser.get());
   switch (code) {
     case XML_ERROR_NO_MEMORY:
-      return _placed("the XML library ran out of the memory that a list may take");
+      return _placed(_libraryBudget.hasRefused()
+                         ? "the XML library ran out of the memory that a list may take"
+                         : "out of memory");
     case XML_ERROR_NO_ELEMENTS:
     case XML_ERROR_UNCLOSED_TOKEN:
     case XML_ERROR_UNCLOSED_CDATA_SECTION:
