@@ -89,5 +89,65 @@ TEST(CorruptRecordingsTest, AreRefusedOrPlayWhatTheyHold) {
   EXPECT_LT(usage.ru_maxrss, 512 * 1024) << "in KiB, a sanitizer's own included";
 }
 
+// The samples of 16 bits that are read without the library are those that the library reads.
+TEST(CorruptRecordingsTest, PlainSamplesAreThoseOfTheLibrary) {
+  const RecordingFolder folder;
+  const std::vector<short> samples = countingSamples(3'000, 0);
+  const Bytes kOriginals[] = {
+      readBytes(folder.write("1.aif", samples, {22'050, 1})),
+      readBytes(folder.write("2.aif", samples, {44'100, 2})),
+      readBytes(folder.write("3.aif", samples, {8'000, 1},
+                             SF_FORMAT_AIFF | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE)),
+  };
+  constexpr void (*kDamages[])(Bytes&, Random&) = {&flipBytes, &truncate, &lie};
+  int compared = 0;
+  for (unsigned i = 0; i < 600; ++i) {
+    SCOPED_TRACE("seed " + std::to_string(kSeed + i));
+    Random random(kSeed + i);
+    Bytes bytes = kOriginals[i % std::size(kOriginals)];
+    if (i >= 3) kDamages[i / std::size(kOriginals) % std::size(kDamages)](bytes, random);
+    const std::string path = folder.writeBytes("damaged.aif", bytes);
+    std::string cause;
+    const std::unique_ptr<Recording> recording = Recording::open(path, cause);
+    if (!recording || !recording->hasShorts()) continue;
+    std::vector<short> plain(static_cast<std::size_t>(recording->frameCount()) *
+                             static_cast<std::size_t>(recording->format().channels));
+    recording->read(plain.data(), static_cast<std::size_t>(recording->frameCount()));
+    const Sound expected = readSound(path);
+    EXPECT_EQ(recording->format(), expected.format);
+    EXPECT_EQ(plain, expected.samples);
+    ++compared;
+  }
+  EXPECT_GT(compared, 200);
+}
+
+TEST(CorruptRecordingsTest, SayHowMuchIsMissing) {
+  const RecordingFolder folder;
+  const std::vector<short> samples = countingSamples(3'000, 0);
+  const struct {
+    const char* why;
+    int encoding;
+    std::size_t bytesAFrame;  // of two channels
+  } kCases[] = {
+      {"16 bits, read without the library", SF_FORMAT_PCM_16, 4},
+      {"little-endian", SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE, 4},
+      {"24 bits", SF_FORMAT_PCM_24, 6},
+      {"8 bits, compressed", SF_FORMAT_ULAW, 2},
+      {"floats", SF_FORMAT_FLOAT, 8},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    Bytes bytes =
+        readBytes(folder.write("whole.aif", samples, {22'050, 2}, SF_FORMAT_AIFF | c.encoding));
+    std::string cause;
+    EXPECT_EQ(Recording::open(folder.path("whole.aif"), cause)->missingFrames(), 0);
+    bytes.resize(bytes.size() - 500 * c.bytesAFrame + 1);
+    const auto recording = Recording::open(folder.writeBytes("cut.aif", bytes), cause);
+    ASSERT_NE(recording, nullptr) << cause;
+    EXPECT_EQ(recording->missingFrames(), 500);
+    EXPECT_EQ(recording->frameCount(), 1'000);
+  }
+}
+
 }  // namespace
 }  // namespace marlune

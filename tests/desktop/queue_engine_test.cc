@@ -139,8 +139,9 @@ TEST_F(QueueEngineTest, UnplayableRecordingsAreLeftOutWithoutAGap) {
       {folder.path("missing.aif"), "No such file"},
       {folder.path("folder.aif"), "not a regular file"},
       {folder.writeBytes("empty.aif", {}), "it is empty"},
-      {folder.writeBytes("text.aif", std::vector<char>(500, 'x')), "it is no AIFF file"},
-      {folder.write("wave.aif", {1, 2}, kMono, SF_FORMAT_WAV | SF_FORMAT_PCM_16), "no AIFF file"},
+      {folder.writeBytes("text.aif", std::vector<char>(500, 'x')), "it is not an AIFF file"},
+      {folder.write("wave.aif", {1, 2}, kMono, SF_FORMAT_WAV | SF_FORMAT_PCM_16),
+       "not an AIFF file"},
       {folder.write("silent.aif", {}, kMono), "it holds no sound"},
       {folder.writeBytes("fast.aif", fast), "its sample rate is"},
       {folder.write("wide.aif", Samples(9), {22'050, 9}), "it has 9 channels"},
@@ -402,6 +403,24 @@ TEST_F(QueueEngineTest, AnItemsFateCanBeReadAfterItHasLeftTheQueue) {
     EXPECT_FALSE(c.item.isQueued());
   }
   EXPECT_TRUE(hasLineWith("1 of them were dropped"));
+}
+
+TEST_F(QueueEngineTest, ARecordingThatIsCutOffPlaysWhatItHoldsAndGetsALine) {
+  std::vector<char> bytes =
+      readBytes(folder.write("cut.aif", countingSamples(44'100, 0), {22'050, 1}));
+  bytes.resize(bytes.size() - 2 * 11'025);
+  std::string cause;
+  const std::string path = folder.writeBytes("cut.aif", bytes);
+  const auto item = std::make_shared<FilePlayerItem>(path, Recording::open(path, cause));
+  std::filesystem::remove(path);  // it is open: nothing opens it again
+  queue->insert(item, nullptr);
+  rig.session.setActive(true);
+  queue->play();
+  EXPECT_EQ(rig.crank(*queue, 33'075), countingSamples(33'075, 0));
+  EXPECT_EQ(item->fate().missingFrames, 11'025u);
+  const std::vector<std::string> expected = {"ERROR: \"" + path +
+                                             "\" is cut off: 11025 frames (0.50 s) are missing."};
+  EXPECT_EQ(log->lines(), expected);
 }
 
 }  // namespace

@@ -1,9 +1,13 @@
 #ifndef MARLUNE_TOOLS_MARLUNE_PLAYLIST_H_
 #define MARLUNE_TOOLS_MARLUNE_PLAYLIST_H_
 
+#include <cstddef>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "marlune/desktop/audio/recording.h"
 #include "marlune/platform/resource_bundle.h"
 #include "tools/marlune/phrase_input.h"
 
@@ -14,7 +18,8 @@ struct PlaylistEntry {
   double seconds = 0;
 };
 
-// The recordings that are about to be played, each opened once to see that it can be.
+// The recordings that are about to be played. Each is opened to see that it can be; the first ones
+// stay open, so that playing does not open them again.
 class Playlist {
  public:
   // REQUIRES: the bundle has each of the files.
@@ -22,6 +27,10 @@ class Playlist {
 
   // The recordings that cannot be played, each with its cause; empty when all can.
   const std::string& faults() const { return _faults; }
+
+  // The next recording in the order of the files, open, if it is the file at `path`. Null when it
+  // is another or has been closed.
+  std::unique_ptr<Recording> takeNext(const std::string& path);
 
   double seconds() const { return _seconds; }
   // The recording that sounds so many seconds after the start; nullptr at the end.
@@ -32,6 +41,8 @@ class Playlist {
 
  private:
   std::vector<PlaylistEntry> _entries;
+  std::vector<std::pair<std::string, std::unique_ptr<Recording>>> _open;  // by path
+  std::size_t _next = 0;
   std::string _faults;
   double _seconds = 0;
 };

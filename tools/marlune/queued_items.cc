@@ -16,9 +16,11 @@ std::string causeOf(const ItemFate& fate) {
 
 }  // namespace
 
-void QueuedItems::install() {
-  Platform::shared().makePlayerItem = [this](const std::string& path) {
-    _items.push_back(std::make_shared<FilePlayerItem>(path));
+void QueuedItems::install(
+    std::function<std::unique_ptr<Recording>(const std::string& path)> takeRecording) {
+  Platform::shared().makePlayerItem = [this,
+                                       take = std::move(takeRecording)](const std::string& path) {
+    _items.push_back(std::make_shared<FilePlayerItem>(path, take(path)));
     return _items.back();
   };
 }

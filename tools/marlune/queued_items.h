@@ -2,6 +2,7 @@
 #define MARLUNE_TOOLS_MARLUNE_QUEUED_ITEMS_H_
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,8 +14,9 @@ namespace marlune::tool {
 // The items that the player has made for one phrase, kept to find out what became of them.
 class QueuedItems {
  public:
-  // Lets the platform make its items through this. REQUIRES: this outlives the player.
-  void install();
+  // Lets the platform make its items through this. `takeRecording` gives the file at a path where
+  // it is open already, else null. REQUIRES: this outlives the player.
+  void install(std::function<std::unique_ptr<Recording>(const std::string& path)> takeRecording);
 
   void forget() { _items.clear(); }
 

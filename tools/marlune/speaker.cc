@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "marlune/desktop/audio/device_output.h"
+#include "marlune/desktop/audio/file_player_item.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/platform/platform.h"
 #include "marlune/playback/audio_session.h"
@@ -35,7 +36,8 @@ Speaker::Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::st
   _output = std::make_shared<WatchedOutput>(_file ? _file : makeDeviceOutput());
   Platform::shared().mainThread = _loop;
   installDesktopAudio(_output);
-  _items.install();
+  _items.install(
+      [this](const std::string& path) { return _queued ? _queued->takeNext(path) : nullptr; });
   Platform::shared().makeQueuePlayer = [this, make = Platform::shared().makeQueuePlayer] {
     auto queue = make();
     _queue = queue;
@@ -50,12 +52,14 @@ Speaker::~Speaker() {
   }
 }
 
-void Speaker::say(const Words& files, const Playlist& playlist) {
+void Speaker::say(const Words& files, Playlist& playlist) {
   if (files.empty()) return;  // an override may say nothing; the queue would wait for something
   if (_file && !_lastWords) _lastWords.emplace(interruptedText(*_file));
   Interruption interruption;
   _items.forget();
+  _queued = &playlist;
   _player->playSoundFilesInSequence(files);
+  _queued = nullptr;
   _runUntilHeard(playlist, interruption);
   if (interruption.hasCome()) {
     _silence();

@@ -31,7 +31,7 @@ class Speaker {
   // PhraseError when one of them was not delivered to its last sample, be it that the sound device
   // was lost meanwhile. Throws InputError when the file cannot be written, or when there is no
   // sound device from the start. Ctrl-C silences it and ends the process.
-  void say(const Words& files, const Playlist& playlist);
+  void say(const Words& files, Playlist& playlist);
 
   // Closes the output, and gives a file its name. Throws InputError when it turns out to have been
   // lost: what a file holds last is written only now.
@@ -43,6 +43,7 @@ class Speaker {
   void _silence();
   void _throwLosses(std::size_t recordings);
 
+  Playlist* _queued = nullptr;  // while its recordings are put into the queue
   const std::shared_ptr<RunLoop> _loop = std::make_shared<RunLoop>();
   std::shared_ptr<FileOutput> _file;  // null for the sound device
   std::shared_ptr<WatchedOutput> _output;

@@ -75,6 +75,9 @@ class AudioRoute : private AudioSource {
   std::size_t render(float* frames, std::size_t count, int channels) noexcept override {
     return _gate.render(frames, count, channels);
   }
+  std::size_t renderShorts(short* frames, std::size_t count, int channels) noexcept override {
+    return _gate.renderShorts(frames, count, channels);
+  }
   void rendered() override;
   std::optional<std::string> _openLocked(const std::string& role);
   void _closeLocked();

@@ -15,6 +15,10 @@ class AudioSource {
   // a rule: takes no lock, allocates and frees nothing, never waits.
   virtual std::size_t render(float* frames, std::size_t count, int channels) noexcept = 0;
 
+  // The same with samples of 16 bits, for outputs that take those. This one renders floats and
+  // rounds them.
+  virtual std::size_t renderShorts(short* frames, std::size_t count, int channels) noexcept;
+
   // Tells the source that its frames have been taken, so that it can go on at once instead of when
   // it looks next. For outputs whose thread may take a lock; a device's must not call it.
   virtual void rendered() {}

@@ -15,6 +15,8 @@ namespace marlune {
 
 namespace {
 
+// Holds the header of most recordings: for many a header is all that is read at first.
+constexpr std::size_t kFirstBytes = std::size_t{4} * 1024;
 // Fits most recordings of a word. A larger one costs more in fresh pages than it saves in calls.
 constexpr std::size_t kBufferBytes = std::size_t{32} * 1024;
 
@@ -62,7 +64,8 @@ sf_count_t BufferedFile::read(void* bytes, sf_count_t count) {
 bool BufferedFile::_fill() {
   if (_position >= _size) return false;
   _start = _position;
-  _buffer.resize(std::min(kBufferBytes, static_cast<std::size_t>(_size - _position)));
+  const std::size_t most = _position == 0 ? kFirstBytes : kBufferBytes;
+  _buffer.resize(std::min(most, static_cast<std::size_t>(_size - _position)));
   const ssize_t count = ::pread(_descriptor, _buffer.data(), _buffer.size(), _start);
   _buffer.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
   return count > 0;

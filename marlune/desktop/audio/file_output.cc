@@ -6,17 +6,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kFramesAtATime = 2'048;
 constexpr AudioFormat kFormatOfNothing = {44'100, 1};  // of a file that nothing was played to
-
-// Full scale is 32768, so that what was read from 16 bits comes back as it was.
-short sampleFrom(float value) {
-  // Added to a value and taken off again, it leaves a whole number: floats of its size have no
-  // digits behind the point. This rounds as lrintf does, but several samples at once.
-  constexpr float kRounder = 12'582'912.0f;  // 1.5 × 2^23
-  const float scaled = std::clamp(value * 32'768.0f, -32'768.0f, 32'767.0f);
-  return static_cast<short>(static_cast<int>(scaled + kRounder - kRounder));
-}
 
 }  // namespace
 
@@ -58,8 +48,7 @@ void FileOutput::takeAvailable(std::size_t frames) {
   if (!_source) return;
   if (frames > 0 && !_writer->isStarted()) _writer->start(formatForClip(kFormatOfNothing));
   do {
-    const std::size_t some =
-        frames == 0 ? 0 : std::min({frames, kFramesAtATime, _writer->roomFrames()});
+    const std::size_t some = frames == 0 ? 0 : std::min(frames, _writer->roomFrames());
     frames = _take(some) == some ? frames - some : 0;
   } while (frames > 0 && !_loss);
 }
@@ -67,11 +56,9 @@ void FileOutput::takeAvailable(std::size_t frames) {
 // Takes so many frames and returns how many were sound. Taking none still lets the source tidy up.
 std::size_t FileOutput::_take(std::size_t frames) {
   const int channels = _format ? _format->channels : 1;
-  _frames.resize(frames * static_cast<std::size_t>(channels));
-  const std::size_t sounding = _source->render(_frames.data(), frames, channels);
+  short* const room = frames > 0 ? _writer->room() : nullptr;
+  const std::size_t sounding = _source->renderShorts(room, frames, channels);
   if (sounding == 0) return 0;
-  const auto samples = static_cast<long>(sounding * static_cast<std::size_t>(channels));
-  std::transform(_frames.begin(), _frames.begin() + samples, _writer->room(), sampleFrom);
   _framesWritten += sounding;
   if (!_writer->add(sounding)) _setUnwritable();
   return sounding;

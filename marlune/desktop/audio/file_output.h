@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "marlune/desktop/audio/audio_output.h"
 #include "marlune/desktop/audio/sound_file_writer.h"
@@ -56,7 +55,6 @@ class FileOutput : public AudioOutput {
   AudioSource* _source = nullptr;
   std::optional<std::string> _loss;
   std::size_t _framesWritten = 0;
-  std::vector<float> _frames;
 };
 
 }  // namespace marlune

@@ -2,11 +2,13 @@
 #define MARLUNE_DESKTOP_AUDIO_FILE_PLAYER_ITEM_H_
 
 #include <atomic>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
 
 #include "marlune/desktop/audio/item_fate.h"
+#include "marlune/desktop/audio/recording.h"
 #include "marlune/playback/queue_player.h"
 
 namespace marlune {
@@ -14,7 +16,10 @@ namespace marlune {
 // An item of the desktop's queue. Any thread may read it.
 class FilePlayerItem : public PlayerItem {
  public:
-  explicit FilePlayerItem(std::string path) : _path(std::move(path)) {}
+  // `recording` may be the file, already open and nothing read from it: it is then not opened again
+  // for the item's first time in a queue.
+  explicit FilePlayerItem(std::string path, std::unique_ptr<Recording> recording = nullptr)
+      : _path(std::move(path)), _recording(std::move(recording)) {}
 
   const std::string& path() const override { return _path; }
   std::string description() const override { return _path; }
@@ -29,7 +34,11 @@ class FilePlayerItem : public PlayerItem {
   // Whether some queue holds it.
   bool isQueued() const { return _isQueued.load(); }
 
-  // For the queues.
+  // For the queues. Null when there is none (any more).
+  std::unique_ptr<Recording> takeRecording() {
+    const std::lock_guard lock(_mutex);
+    return std::move(_recording);
+  }
   void enterQueue() {
     _setFate({});
     _isQueued.store(true);
@@ -47,7 +56,8 @@ class FilePlayerItem : public PlayerItem {
 
   const std::string _path;
   std::atomic<bool> _isQueued = false;
-  mutable std::mutex _mutex;  // for _fate
+  mutable std::mutex _mutex;  // for all below
+  std::unique_ptr<Recording> _recording;
   ItemFate _fate;
 };
 

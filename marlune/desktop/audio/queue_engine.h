@@ -61,6 +61,9 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::size_t render(float* frames, std::size_t count, int channels) noexcept override {
     return _line.render(frames, count, channels, _route->opening());
   }
+  std::size_t renderShorts(short* frames, std::size_t count, int channels) noexcept override {
+    return _line.renderShorts(frames, count, channels, _route->opening());
+  }
   void rendered() override;
 
  private:

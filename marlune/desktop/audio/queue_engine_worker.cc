@@ -218,7 +218,7 @@ bool QueueEngine::_openNext() {
     _decoderGeneration = _generation;
   }
   std::string cause;
-  std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(item->path(), cause);
+  std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(*item, cause);
   if (!decoder) {
     _skip(*item, cause);
     return false;

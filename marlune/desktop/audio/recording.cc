@@ -1,8 +1,10 @@
 #include "marlune/desktop/audio/recording.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+
+#include "marlune/desktop/audio/sample_conversion.h"
 
 namespace marlune {
 
@@ -15,15 +17,6 @@ constexpr int kMaxChannels = 8;
 constexpr sf_count_t kMaxFramesPerByte = 16;  // more than any encoding of an AIFF file packs
 
 constexpr float kLoudest = 1e6f;  // full scale is 1
-
-// Looked at here so that nothing else ever reaches the library's readers of other formats.
-bool isAiff(BufferedFile& file) {
-  char header[12] = {};
-  file.read(header, sizeof header);
-  file.seek(0, SEEK_SET);
-  return std::memcmp(header, "FORM", 4) == 0 &&
-         (std::memcmp(header + 8, "AIFF", 4) == 0 || std::memcmp(header + 8, "AIFC", 4) == 0);
-}
 
 std::optional<std::string> faultOf(const SF_INFO& info, sf_count_t fileBytes) {
   if (info.samplerate < kMinSampleRate || info.samplerate > kMaxSampleRate) {
@@ -53,7 +46,38 @@ std::unique_ptr<Recording> Recording::open(const std::string& path, std::string&
 std::optional<std::string> Recording::_openSound() {
   if (_file->size() == 0) return "it is empty";
   if (_file->size() > kMaxFileBytes) return "it is larger than 1 GiB";
-  if (!isAiff(*_file)) return "it is no AIFF file";
+  // Checked here so that nothing else ever reaches the library's readers of other formats.
+  if (!isAiff(*_file)) return "it is not an AIFF file";
+  const std::optional<AiffHeader> header = AiffHeader::read(*_file);
+  if (header && _openPlain(*header)) return std::nullopt;
+  if (auto fault = _openThroughLibrary()) return fault;
+  if (header) {
+    const auto held = static_cast<std::uint64_t>(_frameCount);
+    _missingFrames = static_cast<std::int64_t>(header->missingFrames(held));
+  }
+  return std::nullopt;
+}
+
+// Most recordings: read without the library, which makes them floats or takes its time over the
+// header. Anything unusual is left to it.
+bool Recording::_openPlain(const AiffHeader& header) {
+  const auto frameBytes = static_cast<std::uint64_t>(header.channels) * sizeof(short);
+  const bool isPlain = header.bits == 16 && header.sampleBytes == sizeof(short) &&
+                       header.channels <= kMaxChannels && header.sampleRate >= kMinSampleRate &&
+                       header.sampleRate <= kMaxSampleRate;
+  if (!isPlain || header.heldBytes < frameBytes) return false;
+  const std::uint64_t held = header.heldBytes / frameBytes;
+  // The library goes by the bytes where the header claims fewer frames.
+  if (header.claimedFrames < header.claimedBytes / frameBytes) return false;
+  _format = {header.sampleRate, header.channels};
+  _frameCount = _plainFramesLeft = static_cast<std::int64_t>(held);
+  _missingFrames = static_cast<std::int64_t>(header.missingFrames(held));
+  _isSwapped = header.isLittleEndian != (std::endian::native == std::endian::little);
+  _file->seek(static_cast<sf_count_t>(header.soundStart), SEEK_SET);
+  return true;
+}
+
+std::optional<std::string> Recording::_openThroughLibrary() {
   SF_INFO info = {};
   _sound.reset(sf_open_virtual(&BufferedFile::operations(), SFM_READ, &info, _file.get()));
   if (!_sound) return sf_strerror(nullptr);
@@ -63,7 +87,18 @@ std::optional<std::string> Recording::_openSound() {
   return std::nullopt;
 }
 
+std::size_t Recording::read(short* frames, std::size_t count) {
+  const auto channels = static_cast<std::size_t>(_format.channels);
+  count = std::min(count, static_cast<std::size_t>(_plainFramesLeft));
+  const auto bytes = static_cast<sf_count_t>(count * channels * sizeof(short));
+  const auto done = static_cast<std::size_t>(_file->read(frames, bytes)) / sizeof(short) / channels;
+  _plainFramesLeft = done == count ? _plainFramesLeft - static_cast<std::int64_t>(done) : 0;
+  if (_isSwapped) std::transform(frames, frames + done * channels, frames, byteSwapped);
+  return done;
+}
+
 std::size_t Recording::read(float* frames, std::size_t count) {
+  if (hasShorts()) return _readPlain(frames, count);
   const sf_count_t done = sf_readf_float(_sound.get(), frames, static_cast<sf_count_t>(count));
   if (done <= 0) return 0;
   const auto samples = static_cast<std::size_t>(done) * static_cast<std::size_t>(_format.channels);
@@ -73,6 +108,14 @@ std::size_t Recording::read(float* frames, std::size_t count) {
     return std::isfinite(value) ? std::clamp(value, -kLoudest, kLoudest) : 0.0f;
   });
   return static_cast<std::size_t>(done);
+}
+
+std::size_t Recording::_readPlain(float* frames, std::size_t count) {
+  _plain.resize(count * static_cast<std::size_t>(_format.channels));
+  const std::size_t done = read(_plain.data(), count);
+  const auto samples = static_cast<long>(done * static_cast<std::size_t>(_format.channels));
+  std::transform(_plain.begin(), _plain.begin() + samples, frames, floatFromShort);
+  return done;
 }
 
 }  // namespace marlune

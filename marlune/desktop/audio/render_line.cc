@@ -2,7 +2,31 @@
 
 #include <algorithm>
 
+#include "marlune/desktop/audio/sample_conversion.h"
+
 namespace marlune {
+
+namespace {
+
+void copySamples(const SoundBlock& block, std::size_t from, std::size_t count, float* to) {
+  if (block.hasShorts) {
+    std::transform(block.shorts.data() + from, block.shorts.data() + from + count, to,
+                   floatFromShort);
+  } else {
+    std::copy_n(block.samples.data() + from, count, to);
+  }
+}
+
+void copySamples(const SoundBlock& block, std::size_t from, std::size_t count, short* to) {
+  if (block.hasShorts) {
+    std::copy_n(block.shorts.data() + from, count, to);
+  } else {
+    std::transform(block.samples.data() + from, block.samples.data() + from + count, to,
+                   shortFromFloat);
+  }
+}
+
+}  // namespace
 
 SoundBlock* RenderLine::freshBlock() {
   if (_fresh.empty()) {
@@ -20,8 +44,9 @@ void RenderLine::send(SoundBlock* block) {
   _sent.put(block);
 }
 
-std::size_t RenderLine::render(float* frames, std::size_t count, int channels,
-                               std::uint64_t opening) noexcept {
+template <typename Sample>
+std::size_t RenderLine::_render(Sample* frames, std::size_t count, int channels,
+                                std::uint64_t opening) noexcept {
   const auto samples = static_cast<std::size_t>(channels);
   const std::uint64_t before = _framesTaken.load(std::memory_order_relaxed);
   const bool isRunning = _isRunning.load() && _opening.load() == opening;
@@ -29,8 +54,7 @@ std::size_t RenderLine::render(float* frames, std::size_t count, int channels,
   // A block is returned as soon as its last frame is out, so that its recording ends then.
   while (_haveBlock() && isRunning && _fits(channels)) {
     const std::size_t some = std::min(count - done, _current->frames - _position);
-    std::copy_n(_current->samples.data() + _position * samples, some * samples,
-                frames + done * samples);
+    copySamples(*_current, _position * samples, some * samples, frames + done * samples);
     _position += some;
     done += some;
     if (_position < _current->frames) break;
@@ -38,11 +62,14 @@ std::size_t RenderLine::render(float* frames, std::size_t count, int channels,
     _current->takenOpening = opening;
     _return(/*isTaken=*/true);
   }
-  std::fill_n(frames + done * samples, (count - done) * samples, 0.0f);
+  std::fill_n(frames + done * samples, (count - done) * samples, Sample{});
   if (isRunning && count > 0) _countUnderrun(done, count);
   _framesTaken.store(before + count);
   return done;
 }
+
+template std::size_t RenderLine::_render(float*, std::size_t, int, std::uint64_t) noexcept;
+template std::size_t RenderLine::_render(short*, std::size_t, int, std::uint64_t) noexcept;
 
 // Silence where a recording that is still to come should have followed at once.
 void RenderLine::_countUnderrun(std::size_t done, std::size_t count) noexcept {

@@ -51,11 +51,20 @@ class RenderLine {
   // blocks are not taken.
   bool hasMisfit() const { return _hasMisfit.load(); }
 
-  // The callback's side; see AudioSource::render. `opening` is that of the output.
+  // The callback's side; see AudioSource. `opening` is that of the output.
   std::size_t render(float* frames, std::size_t count, int channels,
-                     std::uint64_t opening) noexcept;
+                     std::uint64_t opening) noexcept {
+    return _render(frames, count, channels, opening);
+  }
+  std::size_t renderShorts(short* frames, std::size_t count, int channels,
+                           std::uint64_t opening) noexcept {
+    return _render(frames, count, channels, opening);
+  }
 
  private:
+  template <typename Sample>
+  std::size_t _render(Sample* frames, std::size_t count, int channels,
+                      std::uint64_t opening) noexcept;
   bool _haveBlock() noexcept;
   bool _fits(int channels) noexcept;
   void _return(bool isTaken) noexcept;

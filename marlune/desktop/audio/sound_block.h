@@ -12,7 +12,11 @@ namespace marlune {
 struct SoundBlock {
   static constexpr std::size_t kCapacityFrames = 2'048;
 
-  std::vector<float> samples;  // interleaved; only the worker changes its size
+  // Interleaved; only the worker changes their size. One of the two is filled: sound that is read
+  // and taken in the same format of 16 bits stays as it is.
+  std::vector<float> samples;
+  std::vector<short> shorts;
+  bool hasShorts = false;
   std::size_t frames = 0;
   int channels = 0;
   std::uint32_t generation = 0;     // of the queue's content; an older one is no longer wanted

@@ -13,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include "marlune/desktop/audio/sample_conversion.h"
 #include "marlune/platform/open_file.h"
 #include "marlune/platform/quiet_write.h"
 
@@ -24,11 +25,6 @@ constexpr std::size_t kBufferSamples = std::size_t{64} * 1024;
 // Of a file whose end is not known; what is read as "to the end of the stream".
 constexpr std::uint32_t kUnknownBytes = 0x7FFF'F000;
 constexpr std::uint64_t kMaxFileBytes = 0xFFFF'FF00;  // sizes have 32 bits
-
-short swapped(short sample) {
-  const auto bits = static_cast<unsigned short>(sample);
-  return static_cast<short>(bits << 8 | bits >> 8);
-}
 
 }  // namespace
 
@@ -111,7 +107,7 @@ bool SoundFileWriter::add(std::size_t count) {
   const std::size_t samples = count * static_cast<std::size_t>(_format.channels);
   constexpr bool kIsLittleEndian = std::endian::native == std::endian::little;
   if (kIsLittleEndian != (_kind == SoundFileKind::wav)) {
-    std::transform(room(), room() + samples, room(), swapped);
+    std::transform(room(), room() + samples, room(), byteSwapped);
   }
   _used += samples;
   return roomFrames() > 0 || flush();

@@ -20,19 +20,27 @@ class SourceGate {
   }
 
   std::size_t render(float* frames, std::size_t count, int channels) noexcept {
+    return _render<&AudioSource::render>(frames, count, channels);
+  }
+  std::size_t renderShorts(short* frames, std::size_t count, int channels) noexcept {
+    return _render<&AudioSource::renderShorts>(frames, count, channels);
+  }
+
+ private:
+  template <auto Render, typename Sample>
+  std::size_t _render(Sample* frames, std::size_t count, int channels) noexcept {
     _isRendering.store(true);  // before the look at _source: see setSource
     AudioSource* const source = _source.load();
     std::size_t sounding = 0;
     if (source) {
-      sounding = source->render(frames, count, channels);
+      sounding = (source->*Render)(frames, count, channels);
     } else {
-      std::fill_n(frames, count * static_cast<std::size_t>(channels), 0.0f);
+      std::fill_n(frames, count * static_cast<std::size_t>(channels), Sample{});
     }
     _isRendering.store(false);
     return sounding;
   }
 
- private:
   std::atomic<AudioSource*> _source = nullptr;
   std::atomic<bool> _isRendering = false;
 };
