@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "marlune/desktop/audio/clip_decoder.h"
+#include "marlune/desktop/audio/sample_conversion.h"
 
 namespace marlune {
 
@@ -71,9 +72,9 @@ class HeardRecordings {
     do {
       decoder->fill(block);
       for (std::size_t i = 0; i < block.frames; ++i) {
-        const float value = block.samples[i * static_cast<std::size_t>(format.channels)];
-        samples.push_back(
-            static_cast<short>(std::lrintf(std::clamp(value * 32'768.0f, -32'768.0f, 32'767.0f))));
+        const std::size_t first = i * static_cast<std::size_t>(format.channels);
+        samples.push_back(block.hasShorts ? block.shorts[first]
+                                          : shortFromFloat(block.samples[first]));
       }
     } while (!block.endsItem);
     return samples;

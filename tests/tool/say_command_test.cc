@@ -84,6 +84,21 @@ TEST_F(SayCommandTest, RefusesAPhraseWithARecordingThatCannotBePlayed) {
   EXPECT_EQ(run.status, 1);
 }
 
+TEST_F(SayCommandTest, ARecordingThatIsCutOffIsPlayedAndNotCountedAsSaid) {
+  const std::string whole = TemporaryDirectory::contentOf(sounds + "/go.aif");
+  sounds = folder.path();
+  folder.write("go.aif", whole);
+  ASSERT_EQ(say({"go"}).status, 0);
+  const std::string all = samples();
+  folder.write("go.aif", whole.substr(0, whole.size() - 2'000));
+
+  const ToolRun run = say({"go", "flib"});
+  EXPECT_TRUE(samples() == all.substr(0, all.size() - 2'000));
+  EXPECT_THAT(run.err, HasSubstr("marlune: \"go\": it was not said whole: \"go.aif\": the file is "
+                                 "truncated: 1000 frames are missing\n"));
+  EXPECT_EQ(run.status, 1);
+}
+
 TEST_F(SayCommandTest, LeavesARecordingOfAnotherRateOutWhereNoResamplerCanBeLoaded) {
   sounds = folder.path();
   std::string go = TemporaryDirectory::contentOf(std::string(MARLUNE_VOICE_FOLDER) + "/go.aif");
