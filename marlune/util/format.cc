@@ -204,8 +204,7 @@ bool FormatArgument::_appendNumber(std::string& text, const FormatPlaceholder& a
     as.appendInteger(text, isInteger ? _integer : static_cast<std::int64_t>(_natural));
   } else if (as.isSigned() || as.isUnsigned()) {
     auto bits = isInteger ? static_cast<std::uint64_t>(_integer) : _natural;
-    const bool isInt = as.length == FormatPlaceholder::Length::none && _bytes <= sizeof(int);
-    if (isInt) bits = static_cast<unsigned>(bits);
+    if (_bytes <= sizeof(int)) bits = static_cast<unsigned>(bits);
     as.appendNatural(text, bits);
   } else {
     return false;
@@ -265,7 +264,7 @@ class FormatReader {
   void _readFlags(FormatPlaceholder& placeholder) {
     for (; !_rest.empty(); _rest.remove_prefix(1)) {
       const std::size_t flag = FormatPlaceholder::kFlags.find(_rest.front());
-      if (flag == std::string_view::npos) return;
+      if (flag == kNone) return;
       placeholder.addFlag(flag);
     }
   }
@@ -280,16 +279,12 @@ class FormatReader {
     return number;
   }
 
+  // Of the lengths only "h" and "hh" count: others are those of types that an argument has anyway.
   void _readLength(FormatPlaceholder& placeholder) {
     using Length = FormatPlaceholder::Length;
-    if (_skip('h')) {
-      placeholder.length = _skip('h') ? Length::byte : Length::twoBytes;
-      return;
-    }
-    while (!_rest.empty() &&
-           std::string_view("ljztLq").find(_rest.front()) != std::string_view::npos) {
+    if (_skip('h')) placeholder.length = _skip('h') ? Length::byte : Length::twoBytes;
+    while (!_rest.empty() && std::string_view("ljztLq").find(_rest.front()) != kNone) {
       _rest.remove_prefix(1);
-      placeholder.length = Length::larger;
     }
   }
 
@@ -300,6 +295,8 @@ class FormatReader {
   }
 
   FormatArgument _argument() { return _next == _end ? FormatArgument(nullptr) : *_next++; }
+
+  static constexpr std::size_t kNone = std::string_view::npos;
 
   std::string_view _rest;
   const FormatArgument* _next;

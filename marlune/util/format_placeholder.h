@@ -8,9 +8,9 @@
 namespace marlune {
 
 // One placeholder of a log format, taken apart: "%-8.3ld" has the flag '-', the width 8, the
-// precision 3, the length "l" and the conversion 'd'.
+// precision 3, no length that counts and the conversion 'd'.
 struct FormatPlaceholder {
-  enum class Length : unsigned char { none, byte, twoBytes, larger };
+  enum class Length : unsigned char { whole, byte, twoBytes };  // of the number that counts
 
   // A bound for widths and precisions, so that no format makes a text without end.
   static constexpr int kLargestNumber = 100'000;
@@ -20,7 +20,7 @@ struct FormatPlaceholder {
   bool flags[kFlags.size()] = {};
   int width = 0;
   int precision = -1;  // negative: none
-  Length length = Length::none;
+  Length length = Length::whole;
   char conversion = '\0';
 
   bool isSigned() const { return conversion == 'd' || conversion == 'i'; }
