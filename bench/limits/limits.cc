@@ -209,6 +209,16 @@ void measureEndless(const std::string& path, const char* grammar, const Words& w
   row(name, "%.0f", time / 1000);
 }
 
+void measureSettling(const std::string& path) {
+  Words words(1000, "b");
+  words.front() = "a";
+  const auto parser = Parser::initWithPlistAtPath(path, "Settle");
+  const double time =
+      microseconds([&] { words = parser->resultOfRulesAppliedToStrings(words)->stringArray(); });
+  require(words.back() == "a", "a rule that settles is stopped");
+  row("1,000 passes over 1,000 words, ms", "%.0f", time / 1000);
+}
+
 void measureInserts(const std::string& path) {
   bool isRefused = false;
   const double time = microseconds([&] {
@@ -248,6 +258,7 @@ void measureRefused() {
   Words number(15, "0"), growing(300, "a");
   number.front() = "t";
   growing[0] = "b", growing[1] = "c";
+  measureSettling(rules);
   measureEndless(rules, "Count", number, "10,000 passes over 17 slots, ms");
   measureEndless(rules, "Grow", growing, "a phrase that grows under nested repetitions, ms");
   measureEndless(rules, "GrowAndTell", growing, "the same, each comparison written down, ms");
@@ -271,6 +282,8 @@ void measureAll() {
   measureWorst();
   measureLongPhrase(load, 80, "80 words that nothing says, decomposed, ms");
   measureLongPhrase(load, 500, "500 words that nothing says, decomposed, ms");
+  measureLongPhrase(load, 2000, "2,000 words that nothing says, decomposed, ms");
+  measureLongPhrase(load, 10000, "10,000 words, too long to be decomposed, ms");
   measureRefused();
 }
 

@@ -16,6 +16,9 @@ std::string endlessRules() {
           _expansions = {'t 0' = [t, 1]; 't 1' = [t, c]; 'c 0' = [0, 1]; 'c 1' = [0, c]}
         }
       };
+      Settle = {
+        _lhs = {_significantSlots = [a, b]}; _repeat = #1; _rhs = [{_index = #1}, {_index = #0}]
+      };
       Grow = {
         _lhs = {_significantSlots = ['?']; _postContext = [[*, [*, [*, a]]], [*, [*, a]], c]};
         _repeat = #1;

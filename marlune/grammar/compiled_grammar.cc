@@ -174,8 +174,10 @@ bool CompiledGrammar::_repeat(std::uint32_t number, Work& work) const {
                                patterns.weightOf(rule.before) + patterns.weightOf(rule.after);
   for (int pass = 0; pass < kMostCompiledPasses; ++pass) {
     work.before = phrase.slots();
-    work.steps += work.before.size() * (ContextSubstitution::kStepsOfSlot + weight) +
-                  phrase.mostText() / 16 + std::exchange(work.kleeneSteps, 0) * weight;
+    const std::uint64_t asked = work.before.size() + std::exchange(work.kleeneSteps, 0);
+    work.steps += work.before.size() * ContextSubstitution::stepsOfSlot(phrase.mostAttributes()) +
+                  ContextSubstitution::stepsOfMatching(asked * weight, phrase.mostAttributes()) +
+                  phrase.mostText() / 16;
     if (pass > 0 && work.steps > Rule::kMostSteps) return false;
     if (!_rewrite(number, work)) return false;
     phrase.pad();
@@ -207,7 +209,8 @@ bool CompiledGrammar::_rewrite(std::uint32_t number, Work& work) const {
     work.replacement.clear();
     if (!_tables.productions.append(*production, phrase, occurrence, work.replacement))
       return false;
-    work.steps += work.replacement.size() * ContextSubstitution::kStepsOfSlot;
+    work.steps +=
+        work.replacement.size() * ContextSubstitution::stepsOfProduced(phrase.mostAttributes());
     const std::ptrdiff_t grown = std::ssize(work.replacement) - matched;
     if (slots.size() + work.replacement.size() >
         SimpleSlotSequence::kLongestPhrase + rule.significant.count) {

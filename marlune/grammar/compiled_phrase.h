@@ -61,9 +61,12 @@ class CompiledPhrase {
   // An upper bound of the phrase's bytes of text, as SimpleSlotSequence::kMostText counts them, if
   // it had `more` slots more.
   std::uint64_t mostText(std::size_t more = 0) const {
-    return std::uint64_t{_slots.size() + more} * (_mostAttributes + 1) * 2 *
+    return std::uint64_t{_slots.size() + more} * mostAttributes() * 2 *
            std::max(_longest, _vocabulary->longest());
   }
+
+  // No slot of the phrase has or had more attributes.
+  std::size_t mostAttributes() const { return _mostAttributes + 1; }
 
   // Whether the attributes of all slots that the phrase has or had still take little memory.
   bool hasRoom() const { return _attributes.size() <= kMostRoom; }

@@ -31,6 +31,11 @@ class JoinedIndices : public Describable {
   const std::vector<std::int32_t>& _indices;
 };
 
+std::size_t attributeCountOf(const Slot& slot) {
+  const std::shared_ptr<Cell>& cell = slot._cellOrNull();
+  return cell && cell->attributes() ? cell->attributes()->count() : 0;
+}
+
 // The bytes of text that a slot counts for.
 std::size_t textOf(const Slot& slot) {
   const std::shared_ptr<Cell>& cell = slot._cellOrNull();
@@ -86,11 +91,18 @@ ContextSubstitution::ContextSubstitution(const SimpleSlotSequence& phrase,
     : _leftHandSide(leftHandSide), _production(production) {
   const auto target = SimpleSlotSequence::initWithArray(phrase.slots());
   target->pad();
-  for (const std::shared_ptr<Slot>& slot : target->slots()) _text += textOf(*slot);
+  std::size_t mostAttributes = 0;
+  for (const std::shared_ptr<Slot>& slot : target->slots()) {
+    _text += textOf(*slot);
+    const std::size_t attributes = attributeCountOf(*slot);
+    mostAttributes = std::max(mostAttributes, attributes);
+    _steps += stepsOfSlot(attributes);
+  }
   _longest = std::max(SimpleSlotSequence::kLongestPhrase, target->count());
   _mostText = std::max(SimpleSlotSequence::kMostText, _text);
-  _steps = target->count() * kStepsOfSlot + _text / 16;
-  if (leftHandSide) _indices = leftHandSide->_indicesOfOccurrences(*target, _steps);
+  std::uint64_t matching = 0;
+  if (leftHandSide) _indices = leftHandSide->_indicesOfOccurrences(*target, matching);
+  _steps += _text / 16 + stepsOfMatching(matching, mostAttributes);
   _back.assign(target->slots().rbegin(), target->slots().rend());
 }
 
@@ -136,10 +148,12 @@ void ContextSubstitution::_replace(std::int32_t index) {
   _moveTo(position);
   _back.resize(_back.size() - std::min(matched, _back.size()));
   _text = textKept;
-  for (const std::shared_ptr<Slot>& slot : *replacement) _text += textOf(*slot);
+  for (const std::shared_ptr<Slot>& slot : *replacement) {
+    _text += textOf(*slot);
+    _steps += stepsOfProduced(attributeCountOf(*slot));
+  }
   _front.insert(_front.end(), replacement->begin(), replacement->end());
   _shift += static_cast<std::int32_t>(replacement->size()) - static_cast<std::int32_t>(matched);
-  _steps += replacement->size() * kStepsOfSlot;
 }
 
 const std::shared_ptr<Slot>& ContextSubstitution::_slotAt(std::size_t position) const {

@@ -28,11 +28,22 @@ class ContextSubstitution {
   // Whether the phrase would have grown too long, and the occurrences left stay as they are.
   bool isFull() const { return _isFull; }
 
-  // The work done, in the steps of SequenceMatcher::steps: matching, one kStepsOfSlot for each slot
-  // of the phrase and each slot produced, one step for 16 bytes of the phrase's text and one for 16
-  // expansions looked through.
+  // The work done, in the steps of SequenceMatcher::steps: matching, the slots of the phrase and
+  // those produced, one step for 16 bytes of the phrase's text and one for 16 expansions looked
+  // through.
   std::uint64_t steps() const { return _steps; }
-  static constexpr std::uint64_t kStepsOfSlot = 20;
+
+  // Of one slot: carrying it to the next pass, and producing it. Attributes are looked up one after
+  // the other, so their number counts with its square, and makes matching dearer.
+  static std::uint64_t stepsOfSlot(std::uint64_t attributes) {
+    return 20 + 2 * attributes + attributes * attributes / 4;
+  }
+  static std::uint64_t stepsOfProduced(std::uint64_t attributes) {
+    return 20 + 6 * attributes + attributes * attributes;
+  }
+  static std::uint64_t stepsOfMatching(std::uint64_t steps, std::uint64_t mostAttributes) {
+    return steps * (1 + mostAttributes / 8);
+  }
 
  private:
   // Rewrites the occurrence at `index` of the phrase as it stands. Throws std::out_of_range, with

@@ -52,7 +52,7 @@ class KleeneMatcher {
     ++_steps;
     return _matchesAt(element, position);
   }
-  void _countSetOperation() const { _steps += 1 + _end / 256; }
+  void _countSetOperation() const { _steps += 2 + _end / 256; }
 
   bool _isPlain(Run run) const;
   bool _runMatchesAt(Run run, std::size_t position) const;
