@@ -62,9 +62,12 @@ function(marlune_shrink_release target)
     COMPILE_OPTIONS "$<$<CONFIG:Release>:-fvisibility=hidden>")
 endfunction()
 
-# A room of the core: an object library of its own, so that a test can link the rooms it needs and
-# an upward call shows at the link. marlune_room(NAME SOURCES ... HOT ... WARM ... INTERNAL ...
-# ROOMS below...); HOT, WARM and INTERNAL name some of the sources, see marlune_shrink_release.
+# A room of the core: an object library of its own, so that a test can link the rooms it needs.
+# marlune_room(NAME SOURCES ... HOT ... WARM ... INTERNAL ... ROOMS next below...); HOT, WARM and
+# INTERNAL name some of the sources, see marlune_shrink_release.
+#
+# With the tests, each room is also linked with the rooms below it alone and no symbol left
+# undefined, so that a call upwards fails to link.
 function(marlune_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;HOT;WARM;INTERNAL;ROOMS" ${ARGN})
   add_library(marlune_${name} OBJECT ${ROOM_SOURCES})
@@ -74,17 +77,34 @@ function(marlune_room name)
   if(NOT MARLUNE_RTTI)
     target_compile_options(marlune_${name} PRIVATE -fno-rtti)
   endif()
-  foreach(room IN LISTS ROOM_ROOMS)
-    target_link_libraries(marlune_${name} PUBLIC marlune_${room})
-  endforeach()
+  marlune_rooms_below(below ${ROOM_ROOMS})
+  target_link_libraries(marlune_${name} PUBLIC ${below})
+  set_property(GLOBAL PROPERTY MARLUNE_ROOMS_FROM_${name} marlune_${name} ${below})
   set_property(GLOBAL APPEND PROPERTY MARLUNE_ROOMS marlune_${name})
+  if(MARLUNE_TESTS AND NOT MARLUNE_SANITIZE)  # a sanitizer leaves its own symbols undefined
+    add_library(marlune_${name}_alone MODULE)
+    set_target_properties(marlune_${name}_alone PROPERTIES LINKER_LANGUAGE CXX)
+    target_link_libraries(marlune_${name}_alone PRIVATE marlune_${name} ${below})
+    target_link_options(marlune_${name}_alone PRIVATE -Wl,--no-undefined)
+  endif()
 endfunction()
 
-# A test program: marlune_test(NAME SOURCES ... LINK libraries...). Room names without a prefix are
-# not enough: LINK takes targets (marlune_util, marlune_desktop, ...). An object library brings its
-# own objects only, so name every room that the test needs.
+# Sets `result` to the object libraries of the given rooms and of all rooms below them.
+function(marlune_rooms_below result)
+  set(all)
+  foreach(room IN LISTS ARGN)
+    get_property(rooms GLOBAL PROPERTY MARLUNE_ROOMS_FROM_${room})
+    list(APPEND all ${rooms})
+  endforeach()
+  list(REMOVE_DUPLICATES all)
+  set(${result} ${all} PARENT_SCOPE)
+endfunction()
+
+# A test program: marlune_test(NAME SOURCES ... ROOMS rooms... LINK libraries...). ROOMS names rooms
+# of the core without a prefix and brings those below them too; LINK takes other targets.
 function(marlune_test name)
-  cmake_parse_arguments(TEST "" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(TEST "" "" "SOURCES;ROOMS;LINK" ${ARGN})
+  marlune_rooms_below(rooms ${TEST_ROOMS})
   add_executable(${name} ${TEST_SOURCES})
   marlune_target_defaults(${name})
   if(NOT MARLUNE_RTTI)
@@ -92,15 +112,17 @@ function(marlune_test name)
     target_compile_options(${name} PRIVATE -fno-rtti)
   endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE ${TEST_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE ${rooms} ${TEST_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
 
-# A benchmark program: marlune_bench(NAME SOURCES ... LINK libraries...).
+# A benchmark program: marlune_bench(NAME SOURCES ... ROOMS rooms... LINK libraries...).
 function(marlune_bench name)
-  cmake_parse_arguments(BENCH "" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(BENCH "" "" "SOURCES;ROOMS;LINK" ${ARGN})
+  marlune_rooms_below(rooms ${BENCH_ROOMS})
   add_executable(${name} ${BENCH_SOURCES})
   marlune_target_defaults(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/bench)
-  target_link_libraries(${name} PRIVATE ${BENCH_LINK} benchmark::benchmark benchmark::benchmark_main)
+  target_link_libraries(${name} PRIVATE
+    ${rooms} ${BENCH_LINK} benchmark::benchmark benchmark::benchmark_main)
 endfunction()

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "fakes/fake_system_log.h"
-#include "marlune/grammar/compiled_grammar.h"
-#include "marlune/grammar/grammar_file.h"
+#include "marlune/grammar/compiled/grammar.h"
+#include "marlune/grammar/file/grammar_file.h"
+#include "marlune/grammar/model/simple_slot_sequence.h"
 #include "marlune/grammar/parser.h"
-#include "marlune/grammar/simple_slot_sequence.h"
 #include "marlune/platform/platform.h"
 #include "reference/reference_grammar.h"
 #include "support/random_grammar.h"

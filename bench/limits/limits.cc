@@ -12,7 +12,7 @@
 #include "limits/reference_load.h"
 #include "limits/refused_inputs.h"
 #include "marlune/desktop/plist/property_list_file.h"
-#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/base/grammar_error.h"
 #include "marlune/platform/platform.h"
 #include "support/counted_allocation.h"
 #include "support/dense_lists.h"

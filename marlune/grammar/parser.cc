@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
-#include "marlune/grammar/compiled_grammar.h"
-#include "marlune/grammar/grammar_file.h"
-#include "marlune/grammar/grammar_loader.h"
+#include "marlune/grammar/compiled/grammar.h"
+#include "marlune/grammar/file/grammar_file.h"
+#include "marlune/grammar/file/grammar_loader.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "marlune/grammar/grammar_part.h"
-#include "marlune/grammar/simple_slot_sequence.h"
+#include "marlune/grammar/model/grammar_part.h"
+#include "marlune/grammar/model/simple_slot_sequence.h"
 #include "marlune/platform/value.h"
 
 namespace marlune {

@@ -8,7 +8,7 @@
 
 #include "examples/worked_lines.h"
 #include "marlune/desktop/plist/property_list_file.h"
-#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/parser.h"
 #include "support/platform_fixture.h"
 #include "support/temporary_directory.h"

@@ -12,13 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "marlune/grammar/compiled_agenda.h"
-#include "marlune/grammar/compiled_grammar.h"
-#include "marlune/grammar/grammar_file.h"
-#include "marlune/grammar/packed_list.h"
+#include "marlune/grammar/compiled/agenda.h"
+#include "marlune/grammar/compiled/grammar.h"
+#include "marlune/grammar/file/grammar_file.h"
+#include "marlune/grammar/file/packed_list.h"
+#include "marlune/grammar/model/simple_slot.h"
+#include "marlune/grammar/model/simple_slot_sequence.h"
 #include "marlune/grammar/parser.h"
-#include "marlune/grammar/simple_slot.h"
-#include "marlune/grammar/simple_slot_sequence.h"
 #include "reference/reference_grammar.h"
 #include "support/platform_fixture.h"
 #include "support/plist_notation.h"

@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "fakes/fake_property_list_reader.h"
-#include "marlune/grammar/directory.h"
-#include "marlune/grammar/grammar_error.h"
-#include "marlune/grammar/packed_list.h"
+#include "marlune/grammar/base/grammar_error.h"
+#include "marlune/grammar/file/packed_list.h"
+#include "marlune/grammar/model/directory.h"
+#include "marlune/grammar/model/rule.h"
 #include "marlune/grammar/parser.h"
-#include "marlune/grammar/rule.h"
 #include "support/platform_fixture.h"
 #include "support/plist_notation.h"
 

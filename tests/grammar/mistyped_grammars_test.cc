@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "fakes/fake_property_list_reader.h"
-#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/parser.h"
 #include "support/platform_fixture.h"
 #include "support/plist_notation.h"

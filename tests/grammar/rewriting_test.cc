@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "marlune/grammar/conditional_production.h"
-#include "marlune/grammar/grammar_part.h"
-#include "marlune/grammar/new_production.h"
-#include "marlune/grammar/rule.h"
-#include "marlune/grammar/simple_slot_sequence.h"
+#include "marlune/grammar/model/conditional_production.h"
+#include "marlune/grammar/model/grammar_part.h"
+#include "marlune/grammar/model/new_production.h"
+#include "marlune/grammar/model/rule.h"
+#include "marlune/grammar/model/simple_slot_sequence.h"
 #include "support/platform_fixture.h"
 #include "support/plist_notation.h"
 

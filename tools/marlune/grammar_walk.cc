@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "marlune/grammar/cell.h"
-#include "marlune/grammar/directory.h"
+#include "marlune/grammar/model/cell.h"
+#include "marlune/grammar/model/directory.h"
 #include "tools/marlune/captured_log.h"
 
 namespace marlune::tool {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "marlune/grammar/rule.h"
+#include "marlune/grammar/model/rule.h"
 
 namespace marlune::tool {
 

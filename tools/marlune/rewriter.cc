@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "marlune/desktop/text/normal_form.h"
-#include "marlune/grammar/grammar_error.h"
+#include "marlune/grammar/base/grammar_error.h"
 #include "marlune/platform/platform.h"
 #include "marlune/util/tq_utils.h"
 #include "tools/marlune/captured_log.h"

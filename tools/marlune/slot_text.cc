@@ -6,8 +6,8 @@
 #include <span>
 #include <string_view>
 
-#include "marlune/grammar/cell.h"
-#include "marlune/grammar/compound_slot.h"
+#include "marlune/grammar/model/cell.h"
+#include "marlune/grammar/model/compound_slot.h"
 
 namespace marlune::tool {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "marlune/grammar/slot_sequence.h"
+#include "marlune/grammar/model/slot_sequence.h"
 
 namespace marlune::tool {
 

@@ -7,7 +7,7 @@
 #include <span>
 #include <stdexcept>
 
-#include "marlune/grammar/conditional_production.h"
+#include "marlune/grammar/model/conditional_production.h"
 #include "tools/marlune/captured_log.h"
 #include "tools/marlune/shown_text.h"
 #include "tools/marlune/slot_text.h"

@@ -1,0 +1,69 @@
+#ifndef MARLUNE_GRAMMAR_BASE_VOCABULARY_H_
+#define MARLUNE_GRAMMAR_BASE_VOCABULARY_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace marlune {
+
+// The texts that a compiled grammar mentions (words, attribute names, attribute values), each
+// under a number of its own, so that comparing two of them is comparing two numbers. It grows only
+// while the grammar is compiled; the words of phrases never enter it.
+class CompiledVocabulary {
+ public:
+  using Id = std::uint32_t;
+  static constexpr Id kAbsent = 0;   // no text at all
+  static constexpr Id kEmpty = 1;    // ""
+  static constexpr Id kContent = 2;  // "content"
+
+  CompiledVocabulary();
+
+  // The number of `text`, given to it now if it has none yet.
+  Id add(std::string_view text);
+
+  // The number of `text`; kAbsent when the grammar does not mention it.
+  Id find(std::string_view text) const;
+
+  // REQUIRES: 0 < id < count(). The view holds as long as nothing is added.
+  std::string_view text(Id id) const {
+    return std::string_view(_texts).substr(_ends[id - 1], _ends[id] - _ends[id - 1]);
+  }
+
+  // One more than the largest number given.
+  std::size_t count() const { return _ends.size(); }
+
+  // The bytes of the longest text.
+  std::size_t longest() const { return _longest; }
+
+  // The same texts under the same numbers.
+  bool equals(const CompiledVocabulary& other) const {
+    return _ends == other._ends && _texts == other._texts;
+  }
+
+  void shrinkToFit();
+
+  // For a vocabulary whose texts are only asked for by number from now on: lets go of what finds
+  // numbers.
+  void finish();
+
+ private:
+  struct Entry {
+    std::uint32_t hash = 0;
+    Id id = kAbsent;
+  };
+
+  std::size_t _placeOf(std::string_view text, std::uint32_t hash) const;
+  void _grow();
+
+  std::size_t _longest = 0;
+  std::string _texts;                // all texts, one behind the other
+  std::vector<std::uint32_t> _ends;  // by number: where its text ends
+  std::vector<Entry> _table;         // open addressing; a power of two, at most half full
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_BASE_VOCABULARY_H_

@@ -1,0 +1,165 @@
+#include "marlune/grammar/compiled/phrase.h"
+
+#include <algorithm>
+
+#include "marlune/grammar/base/special_characters.h"
+
+namespace marlune {
+
+void CompiledPhrase::reset(const CompiledVocabulary& vocabulary) {
+  _vocabulary = &vocabulary;
+  _slots.clear();
+  _attributes.clear();
+  _unknown.clear();
+  _unknownNames.clear();
+  _identities = 0;
+  _longest = 0;
+  _mostAttributes = 0;
+}
+
+CompiledPhrase::Id CompiledPhrase::idOf(std::string_view text) {
+  if (const Id known = _vocabulary->find(text)) return known;
+  _unknown.push_back(text);
+  _longest = std::max(_longest, text.size());
+  return static_cast<Id>(_vocabulary->count() + _unknown.size() - 1);
+}
+
+CompiledPhrase::Id CompiledPhrase::idOfName(std::string_view name) {
+  if (const Id known = _vocabulary->find(name)) return known;
+  const auto place = std::find_if(_unknownNames.begin(), _unknownNames.end(),
+                                  [&](Id each) { return text(each) == name; });
+  if (place == _unknownNames.end()) return _unknownNames.emplace_back(idOf(name));
+  return *place;
+}
+
+CompiledPhrase::Id CompiledPhrase::valueOf(const Slot& slot, Id name) const {
+  if (name == CompiledVocabulary::kContent) return slot.content;
+  for (const Attribute& attribute : attributesOf(slot)) {
+    if (attribute.name == name) return attribute.value;
+  }
+  return CompiledVocabulary::kAbsent;
+}
+
+bool CompiledPhrase::equal(Id left, Id right) const {
+  left = std::max(left, CompiledVocabulary::kEmpty);
+  right = std::max(right, CompiledVocabulary::kEmpty);
+  if (left == right) return true;
+  const Id known = static_cast<Id>(_vocabulary->count());
+  return left >= known && right >= known && text(left) == text(right);
+}
+
+CompiledPhrase::Slot CompiledPhrase::fromString(std::string_view string) {
+  if (string == SpecialCharacters::wildcardSymbol()) return wildcard();
+  if (string == SpecialCharacters::blankSymbol()) return blank();
+  return word(idOf(string));
+}
+
+CompiledPhrase::Slot CompiledPhrase::beginOverlay(const Slot* base) {
+  Slot slot = word(base ? base->content : CompiledVocabulary::kAbsent);
+  if (base && base->attributeCount > 0) {
+    slot.attributes = static_cast<std::uint32_t>(_attributes.size());
+    slot.attributeCount = base->attributeCount;
+    _attributes.resize(_attributes.size() + base->attributeCount);
+    std::copy_n(_attributes.begin() + base->attributes, base->attributeCount,
+                _attributes.begin() + slot.attributes);
+  }
+  return slot;
+}
+
+bool CompiledPhrase::set(Slot& slot, Id name, Id value) {
+  const bool isContent = name == CompiledVocabulary::kContent;
+  if (!isContent || slot.attributeCount > 0) {
+    if (slot.attributeCount == 0) _spell(slot);
+    const auto begin = _attributes.begin() + slot.attributes;
+    const auto place = std::find_if(begin, _attributes.end(),
+                                    [name](const Attribute& each) { return each.name == name; });
+    if (place != _attributes.end()) {
+      place->value = value;
+    } else {
+      if (slot.attributeCount == kMaxAttributes) return false;
+      _attributes.push_back({name, value});
+      ++slot.attributeCount;
+      _mostAttributes = std::max<std::size_t>(_mostAttributes, slot.attributeCount);
+    }
+  }
+  if (isContent) slot.content = value;
+  return true;
+}
+
+// Starts the list of a slot that held its content at most.
+void CompiledPhrase::_spell(Slot& slot) {
+  slot.attributes = static_cast<std::uint32_t>(_attributes.size());
+  if (slot.content == CompiledVocabulary::kAbsent) return;
+  _attributes.push_back({CompiledVocabulary::kContent, slot.content});
+  slot.attributeCount = 1;
+}
+
+void CompiledPhrase::pad() {
+  const std::size_t count = _slots.size();
+  const bool lacksFirst = count == 0 || _slots.front().type != CellTypeBlank;
+  const bool lacksLast = count < 2 || _slots.back().type != CellTypeBlank;
+  if (lacksFirst) _slots.insert(_slots.begin(), blank());
+  if (lacksLast) _slots.push_back(blank());
+}
+
+bool CompiledPhrase::matches(std::span<const Slot> earlier) const {
+  if (earlier.size() > _slots.size()) return false;
+  return std::equal(earlier.begin(), earlier.end(), _slots.begin(),
+                    [this](const Slot& left, const Slot& right) { return _matches(left, right); });
+}
+
+bool CompiledPhrase::_matches(const Slot& pattern, const Slot& target) const {
+  if (pattern.identity == target.identity) return true;
+  if (pattern.type == CellTypeBlank) return target.type == CellTypeBlank;
+  if (pattern.type == CellTypeWildcard) return target.type != CellTypeBlank;
+  if (pattern.attributeCount == 0) {
+    return pattern.content == CompiledVocabulary::kAbsent || equal(pattern.content, target.content);
+  }
+  const std::span<const Attribute> wanted = attributesOf(pattern);
+  return std::all_of(wanted.begin(), wanted.end(), [&](const Attribute& each) {
+    return equal(each.value, valueOf(target, each.name));
+  });
+}
+
+CompiledPhrase CompiledPhrase::kept(std::string& storage) const {
+  CompiledPhrase copy;
+  copy._vocabulary = _vocabulary;
+  copy._slots = _slots;
+  copy._identities = _identities;
+  std::vector<Id> numbers(_unknown.size(), CompiledVocabulary::kAbsent);
+  for (Slot& slot : copy._slots) {
+    slot.content = _keep(slot.content, copy, numbers);
+    const std::span<const Attribute> attributes = attributesOf(slot);
+    slot.attributes = static_cast<std::uint32_t>(copy._attributes.size());
+    for (const Attribute& each : attributes) {
+      copy._attributes.push_back(
+          {_keep(each.name, copy, numbers), _keep(each.value, copy, numbers)});
+    }
+  }
+  copy._ownTexts(storage);
+  return copy;
+}
+
+// The number in `copy` of one of this phrase's texts. Each text is kept once.
+CompiledPhrase::Id CompiledPhrase::_keep(Id id, CompiledPhrase& copy,
+                                         std::vector<Id>& numbers) const {
+  const std::size_t known = _vocabulary->count();
+  if (id < known) return id;
+  Id& number = numbers[id - known];
+  if (number == CompiledVocabulary::kAbsent) {
+    number = static_cast<Id>(known + copy._unknown.size());
+    copy._unknown.push_back(_unknown[id - known]);
+  }
+  return number;
+}
+
+void CompiledPhrase::_ownTexts(std::string& storage) {
+  for (const std::string_view text : _unknown) storage += text;
+  std::string_view rest = storage;
+  for (std::string_view& text : _unknown) {
+    text = rest.substr(0, text.size());
+    rest.remove_prefix(text.size());
+  }
+}
+
+}  // namespace marlune

@@ -1,0 +1,79 @@
+#include "marlune/grammar/compiled/productions.h"
+
+#include <algorithm>
+
+#include "marlune/grammar/model/simple_slot_sequence.h"
+
+namespace marlune {
+
+const CompiledProductions::Run* CompiledProductions::chosen(
+    const Choice& choice, const CompiledPhrase& phrase, std::span<const Slot> occurrence,
+    const CompiledVocabulary& vocabulary) const {
+  const Id signature = _signatureOf(choice, phrase, occurrence, vocabulary);
+  const auto begin = expansions.begin() + choice.expansions.first;
+  const auto end = begin + choice.expansions.count;
+  const auto place = std::lower_bound(
+      begin, end, signature, [](const Expansion& each, Id id) { return each.signature < id; });
+  if (place == end || place->signature != signature) return nullptr;
+  return &productions[place->production];
+}
+
+// The number of the joined values; one that no expansion has when the grammar does not mention
+// the text. The usual choice by one value needs no text at all.
+CompiledProductions::Id CompiledProductions::_signatureOf(
+    const Choice& choice, const CompiledPhrase& phrase, std::span<const Slot> occurrence,
+    const CompiledVocabulary& vocabulary) const {
+  _joined.clear();
+  Id only = CompiledVocabulary::kEmpty;
+  bool isFirst = true;
+  for (std::uint32_t i = 0; i < choice.references.count; ++i) {
+    const Reference& each = references[choice.references.first + i];
+    const Id value = phrase.valueOf(occurrence[static_cast<std::size_t>(each.index)], each.name);
+    if (value == CompiledVocabulary::kAbsent) continue;
+    if (choice.references.count == 1) return value;
+    if (!isFirst) _joined += phrase.text(choice.delimiter);
+    isFirst = false;
+    _joined += phrase.text(value);
+    if (_joined.size() > vocabulary.longest()) return CompiledVocabulary::kAbsent;
+  }
+  return isFirst ? only : vocabulary.find(_joined);
+}
+
+bool CompiledProductions::append(Run production, CompiledPhrase& phrase,
+                                 std::span<const Slot> occurrence,
+                                 std::vector<Slot>& result) const {
+  for (std::uint32_t i = 0; i < production.count; ++i) {
+    const Produced& each = produced[production.first + i];
+    if (each.isOverlaid) {
+      if (!_overlay(each, phrase, occurrence, result)) return false;
+    } else if (each.index < 0) {
+      result.push_back(phrase.wildcard());
+    } else {
+      result.push_back(occurrence[static_cast<std::size_t>(each.index)]);
+    }
+    if (phrase.mostText(result.size()) > SimpleSlotSequence::kMostText || !phrase.hasRoom()) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool CompiledProductions::_overlay(const Produced& each, CompiledPhrase& phrase,
+                                   std::span<const Slot> occurrence,
+                                   std::vector<Slot>& result) const {
+  const Slot* base = each.index < 0 ? nullptr : &occurrence[static_cast<std::size_t>(each.index)];
+  Slot slot = phrase.beginOverlay(base);
+  for (std::uint32_t i = 0; i < each.settings.count; ++i) {
+    const Setting& setting = settings[each.settings.first + i];
+    Id value = setting.value;
+    if (setting.index >= 0) {
+      value = phrase.valueOf(occurrence[static_cast<std::size_t>(setting.index)], setting.value);
+      if (value == CompiledVocabulary::kAbsent) value = CompiledVocabulary::kEmpty;
+    }
+    if (!phrase.set(slot, setting.name, value)) return false;
+  }
+  result.push_back(slot);
+  return true;
+}
+
+}  // namespace marlune

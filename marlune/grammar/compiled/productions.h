@@ -1,0 +1,88 @@
+#ifndef MARLUNE_GRAMMAR_COMPILED_PRODUCTIONS_H_
+#define MARLUNE_GRAMMAR_COMPILED_PRODUCTIONS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "marlune/grammar/base/vocabulary.h"
+#include "marlune/grammar/compiled/phrase.h"
+
+namespace marlune {
+
+// All right-hand sides of a compiled grammar, in flat arrays.
+class CompiledProductions {
+ public:
+  using Id = CompiledVocabulary::Id;
+  using Slot = CompiledPhrase::Slot;
+
+  static constexpr std::int32_t kNew = -1;  // made from nothing, or from no matched slot
+
+  struct Run {
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+  };
+
+  // One slot of a replacement: a matched one or a new one, with attributes laid over it or as it
+  // stands.
+  struct Produced {
+    std::int32_t index = kNew;
+    bool isOverlaid = false;
+    Run settings;
+  };
+
+  // One attribute laid over: a text, or the value that matched slot `index` has for a name.
+  struct Setting {
+    Id name = 0;
+    Id value = 0;  // the text, or the name to look up
+    std::int32_t index = kNew;
+  };
+
+  // A value that takes part in a choice.
+  struct Reference {
+    std::int32_t index = 0;
+    Id name = 0;
+  };
+
+  // Of several replacements the one filed under the joined values of the references.
+  struct Choice {
+    Run references;
+    Id delimiter = 0;
+    Run expansions;  // ascending by signature
+  };
+  struct Expansion {
+    Id signature = 0;
+    std::uint32_t production = 0;
+  };
+
+  std::vector<Run> productions;  // of Produced
+  std::vector<Choice> choices;
+  std::vector<Produced> produced;
+  std::vector<Setting> settings;
+  std::vector<Reference> references;
+  std::vector<Expansion> expansions;
+
+  // The replacement that `choice` makes for the matched slots; nullptr when it has none.
+  const Run* chosen(const Choice& choice, const CompiledPhrase& phrase,
+                    std::span<const Slot> occurrence, const CompiledVocabulary& vocabulary) const;
+
+  // Appends to `result` what `production` makes of the matched slots. False when a cell would
+  // hold more attributes than a compiled phrase can, or the phrase perhaps more text than it may.
+  bool append(Run production, CompiledPhrase& phrase, std::span<const Slot> occurrence,
+              std::vector<Slot>& result) const;
+
+ private:
+  Id _signatureOf(const Choice& choice, const CompiledPhrase& phrase,
+                  std::span<const Slot> occurrence, const CompiledVocabulary& vocabulary) const;
+  bool _overlay(const Produced& each, CompiledPhrase& phrase, std::span<const Slot> occurrence,
+                std::vector<Slot>& result) const;
+
+  mutable std::string _joined;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_COMPILED_PRODUCTIONS_H_

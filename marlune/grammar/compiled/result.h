@@ -1,0 +1,32 @@
+#ifndef MARLUNE_GRAMMAR_COMPILED_RESULT_H_
+#define MARLUNE_GRAMMAR_COMPILED_RESULT_H_
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "marlune/grammar/base/vocabulary.h"
+#include "marlune/grammar/compiled/phrase.h"
+#include "marlune/grammar/model/pending_slots.h"
+
+namespace marlune {
+
+// What a compiled grammar made of words. Independent of the grammar and of the words.
+class CompiledResult : public PendingSlots {
+ public:
+  CompiledResult(const CompiledPhrase& phrase, std::shared_ptr<const CompiledVocabulary> vocabulary)
+      : _vocabulary(std::move(vocabulary)), _phrase(phrase.kept(_texts)) {}
+
+  SlotArray slots() const override;
+  std::vector<std::string> stringArray() const override;
+
+ private:
+  std::shared_ptr<const CompiledVocabulary> _vocabulary;
+  std::string _texts;
+  CompiledPhrase _phrase;  // looks into both
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_COMPILED_RESULT_H_

@@ -1,0 +1,38 @@
+#ifndef MARLUNE_GRAMMAR_COMPILED_RULE_H_
+#define MARLUNE_GRAMMAR_COMPILED_RULE_H_
+
+#include <cstdint>
+
+#include "marlune/grammar/compiled/patterns.h"
+
+namespace marlune {
+
+// One rule of a compiled grammar. Rules are numbered in the order in which they are applied.
+struct CompiledRule {
+  static constexpr std::uint32_t kNoAnchor = 0xFFFFFFFF;
+
+  // Of every feature that a slot must have for the rule to apply the bit; see CompiledIndex.
+  std::uint64_t mask = 0;
+
+  CompiledPatterns::Run significant;
+  CompiledPatterns::Run before;  // the pre-context, from its last slot to its first
+  CompiledPatterns::Run after;
+
+  // A slot of the three patterns that few words match, and how far before it (less than 0) the
+  // significant slots begin.
+  std::uint32_t anchor = kNoAnchor;
+  std::int32_t anchorOffset = 0;
+
+  std::uint32_t production = 0;  // or, with isChoice, the choice
+  bool isChoice = false;
+  bool repeats = false;
+  bool hasKleene = false;
+
+  // To be applied by the grammar's own object: matching writes lines, or something in the rule has
+  // no compiled form.
+  bool isLeftToObject = false;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_COMPILED_RULE_H_

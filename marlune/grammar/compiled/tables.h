@@ -1,0 +1,26 @@
+#ifndef MARLUNE_GRAMMAR_COMPILED_TABLES_H_
+#define MARLUNE_GRAMMAR_COMPILED_TABLES_H_
+
+#include <memory>
+#include <vector>
+
+#include "marlune/grammar/base/vocabulary.h"
+#include "marlune/grammar/compiled/index.h"
+#include "marlune/grammar/compiled/patterns.h"
+#include "marlune/grammar/compiled/productions.h"
+#include "marlune/grammar/compiled/rule.h"
+
+namespace marlune {
+
+// Everything that compiling a grammar makes. Does not change afterwards.
+struct CompiledTables {
+  std::shared_ptr<CompiledVocabulary> vocabulary;  // results hold it too
+  CompiledPatterns patterns;
+  CompiledProductions productions;
+  std::vector<CompiledRule> rules;
+  CompiledIndex index;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_COMPILED_TABLES_H_

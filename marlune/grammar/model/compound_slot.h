@@ -1,0 +1,41 @@
+#ifndef MARLUNE_GRAMMAR_MODEL_COMPOUND_SLOT_H_
+#define MARLUNE_GRAMMAR_MODEL_COMPOUND_SLOT_H_
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "marlune/grammar/model/slot.h"
+#include "marlune/grammar/model/slot_sequence.h"
+
+namespace marlune {
+
+// A slot that holds a group of slots, in the grammar's order. Abstract: matching, describing and
+// reversing write an error line and answer false, "" and nullptr.
+class CompoundSlot : public Slot {
+ public:
+  std::string description() const override;
+
+  const std::shared_ptr<SlotSequence>& slots() const { return _slots; }  // never null
+
+  bool _matchesAt(const SlotRun& target, std::size_t index) const override;
+
+ protected:
+  explicit CompoundSlot(std::shared_ptr<SlotSequence> slots) : _slots(std::move(slots)) {}
+
+  // The members' descriptions with `separator` between them.
+  std::string _joinedDescriptions(std::string_view separator) const;
+
+  // The first member, tried in order, that matches decides.
+  bool _anyMemberMatchesAt(const SlotRun& target, std::size_t index) const;
+  bool _anyMemberWritesLines() const;
+
+ private:
+  std::shared_ptr<Slot> _reversed() override;
+
+  std::shared_ptr<SlotSequence> _slots;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_MODEL_COMPOUND_SLOT_H_

@@ -1,0 +1,62 @@
+#ifndef MARLUNE_GRAMMAR_MODEL_GRAMMAR_PART_H_
+#define MARLUNE_GRAMMAR_MODEL_GRAMMAR_PART_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "marlune/grammar/model/simple_slot_sequence.h"
+#include "marlune/platform/value.h"
+#include "marlune/util/describable.h"
+
+namespace marlune {
+
+// A node of the grammar's tree: a directory of parts, or a rule. Abstract. Built once with its
+// grammar; applying it changes nothing in it.
+class GrammarPart : public Describable {
+ public:
+  enum class Kind : unsigned char { other, directory, rule };
+
+  // A dictionary with "_lhs" becomes a rule, any other a directory; anything else: nullptr.
+  static std::shared_ptr<GrammarPart> instanceFromPlist(const Value& plist);
+
+  virtual Kind kind() const { return Kind::other; }
+
+  // Reads order, depth and name. What is missing is written into the dictionary first: order 0
+  // (with a traced warning), depth 0, name "ROOT".
+  virtual void genericSetUpFromPlist(Dictionary& plist);
+
+  // -1, 0 or 1: whether this part's order is smaller than, equal to or greater than the other's.
+  int orderComparedTo(const GrammarPart& other) const;
+
+  // The rewritten phrase, a new object. Abstract: logs an error and answers nullptr.
+  virtual std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase) const;
+
+  // A root's depth can be anything that its file says, and prints as at most so many tabs.
+  static constexpr std::int32_t kDeepestPrinted = 1000;
+
+  std::string description() const override;  // a line feed, tabs as deep as the part is, name, ": "
+
+  std::int32_t order() const { return _order; }            // smaller ones run first
+  std::int32_t depth() const { return _depth; }            // 0 at the root
+  const std::string* name() const { return _name.get(); }  // nullptr when it has none
+
+  // Among siblings: by order, and by name where orders are equal, since the file's enumeration
+  // order is nobody's promise.
+  bool _runsBefore(const GrammarPart& sibling) const;
+
+  // Writes the place of a subpart of this part into its dictionary.
+  void _placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const;
+
+ protected:
+  GrammarPart() = default;
+
+ private:
+  std::int32_t _order = 0;
+  std::int32_t _depth = 0;
+  std::shared_ptr<const std::string> _name;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_MODEL_GRAMMAR_PART_H_
