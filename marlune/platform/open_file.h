@@ -5,14 +5,17 @@
 
 namespace marlune {
 
-// A process can start with standard streams closed, and open(2) then gives their numbers to
-// other files: what the process prints would end up in those. Every file of ours is opened here.
+// A process can start with standard streams closed. open(2) then gives their numbers to other
+// files, which would receive what the process prints. The library opens every file with these
+// functions to prevent that.
 
-// open(2) with O_CLOEXEC, above the standard streams. -1 with errno when it fails.
+// open(2) with O_CLOEXEC; the descriptor is above the standard streams. Returns -1 and sets errno
+// on failure.
 int openFile(const char* path, int flags, mode_t mode = 0) noexcept;
 
-// `descriptor` or, in place of a standard stream, a copy above them; the original is then closed.
-// A negative one is returned as it is. -1 with errno when there is no room for the copy.
+// Returns `descriptor` unless it is a standard stream; then it returns a copy above them and closes
+// the original. A negative descriptor is returned unchanged. Returns -1 and sets errno when no
+// descriptor is free for the copy.
 int aboveStandardStreams(int descriptor) noexcept;
 
 }  // namespace marlune

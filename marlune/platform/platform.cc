@@ -3,7 +3,7 @@
 namespace marlune {
 
 Platform& Platform::shared() {
-  // Never destroyed: objects that die at the process's end may still log.
+  // Never destroyed: objects destroyed at process exit may still log.
   static Platform* const table = new Platform;
   return *table;
 }

@@ -17,26 +17,28 @@ class AudioSession;
 class PlayerItem;
 class QueuePlayer;
 
-// What the library asks of the system it runs on, in one table for the process. The app, or the
-// desktop library for it, fills the table once at start, before any other call; tests put their
-// fakes in. A service that is missing (null) is done without: see each.
+// The services that the library needs from the system, in one table for the process. The app, or
+// the desktop library for it, fills the table once at start, before any other call; tests set
+// fakes. A service may be null; the comments below give what happens then.
 //
-// Threads: any may read the table, at any time; no other runs while it is filled.
+// Threads: any may read the table, at any time. While it is being filled, no other thread may use
+// the library.
 struct Platform {
   std::shared_ptr<SystemLog> systemLog;      // null: lines go to standard error
   std::shared_ptr<Preferences> preferences;  // null: every preference is missing
-  // null: every thread counts as the main thread, work runs at once, delayed work is dropped with a
-  // line. A queue player that has threads of its own needs one: the desktop's is not made without.
+  // null: every thread counts as the main thread, work runs at once, and delayed work is dropped
+  // after a log line. A queue player with threads of its own needs a main thread; the desktop's is
+  // not created without one.
   std::shared_ptr<MainThread> mainThread;
   std::shared_ptr<PropertyListReader> propertyListReader;  // null: no file can be read
   std::shared_ptr<AudioSession> audioSession;              // null: activation reports an error
 
-  // A new, empty queue player, and an item for the file at a path. Missing or returning null: the
-  // player logs that nothing can be played.
+  // Make a new, empty queue player, and an item for the file at a path. If a function is missing or
+  // returns null, the player logs that nothing can be played.
   std::function<std::shared_ptr<QueuePlayer>()> makeQueuePlayer;
   std::function<std::shared_ptr<PlayerItem>(const std::string& path)> makePlayerItem;
 
-  // The process's table.
+  // The table of this process.
   static Platform& shared();
 };
 

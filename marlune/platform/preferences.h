@@ -9,10 +9,10 @@
 
 namespace marlune {
 
-// Named values that outlive the process, in domains: one domain an application, named by its
-// reverse-DNS identifier. The empty domain is the running application's own.
+// Named values that outlive the process, grouped in domains. Each application has one domain, named
+// by its reverse-DNS identifier. The empty domain is the running application's own.
 //
-// Threads: any, at any time: a line of the log asks from the thread that writes it.
+// Threads: any, at any time: every thread that writes a log line reads preferences.
 class Preferences {
  public:
   virtual ~Preferences() = default;
@@ -20,30 +20,31 @@ class Preferences {
   // The value under `key`; absent when there is none or the domain cannot be read. Any thread.
   virtual Value valueForKey(std::string_view key, std::string_view domain) const = 0;
 
-  // Stores the value; an absent value removes the key. Seen by valueForKey at once, by other
-  // processes after synchronize. Other keys of the domain are kept.
+  // Stores the value; an absent value removes the key. valueForKey returns the new value at once;
+  // other processes see it after synchronize. The domain's other keys are kept.
   virtual void setValueForKey(const Value& value, std::string_view key,
                               std::string_view domain) = 0;
 
-  // Writes what has changed in the domain and reads what others changed. Whether that worked.
+  // Writes the domain's changes and reads those of other processes. Returns whether that succeeded.
   virtual bool synchronize(std::string_view domain) = 0;
 
-  // A number that no Preferences of this process has shown before whenever a value of this one may
-  // differ from what it was; a new object starts with a new number. Logging asks for it at every
-  // trace, so that it need not look the switches up. Any thread.
+  // Identifies the state of the values: whenever a value may have changed, the count becomes a
+  // number that no Preferences of this process has returned before. A new object starts with a new
+  // number. Every trace reads the count, and looks a switch up again only when the count has
+  // changed. Any thread.
   std::uint64_t changeCount() const noexcept {
     return _changeCount.load(std::memory_order_acquire);
   }
 
  protected:
-  // An implementation calls it after every change, once valueForKey answers the new value.
+  // Implementations call this after every change, once valueForKey returns the new value.
   void _noteChange() noexcept {
     _changeCount.store(_freshChangeCount(), std::memory_order_release);
   }
 
  private:
-  // From 1 up. Counting for all objects together keeps one object's numbers from being taken for
-  // those of another that was put in its place.
+  // Starts at 1. One count for all objects: when an object replaces another, their numbers cannot
+  // be confused.
   static std::uint64_t _freshChangeCount() noexcept;
 
   std::atomic<std::uint64_t> _changeCount{_freshChangeCount()};

@@ -8,20 +8,21 @@
 
 namespace marlune {
 
-// Reads a property-list file into values. Every container is mutable and has one holder only: what
-// the file shares (two references to one object in a binary list) arrives as two copies.
+// Reads a property-list file into values. Every container is mutable and has exactly one holder: an
+// object that the file shares (two references in a binary list) is returned as two copies.
 //
 // Threads: any, at any time.
 class PropertyListReader {
  public:
   struct Result {
     Value root;         // absent when the file could not be read
-    std::string error;  // then why, with the place in the file: a sentence without a line feed
+    std::string error;  // the cause and the place in the file, if root is absent: a sentence
+                        // without a line feed
   };
 
   virtual ~PropertyListReader() = default;
 
-  // The whole file at `path`. Never throws, whatever the file holds or is.
+  // Reads the whole file at `path`. Never throws, whatever the file contains or is.
   virtual Result readFile(const std::string& path) const noexcept = 0;
 };
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kSignals[] = {SIGPIPE, SIGXFSZ};
 
-// Holds the signals of a failing write back from the calling thread.
+// Blocks the signals of a failing write for the calling thread.
 class HeldSignals {
  public:
   HeldSignals() {
@@ -26,7 +26,8 @@ class HeldSignals {
   HeldSignals(const HeldSignals&) = delete;
   HeldSignals& operator=(const HeldSignals&) = delete;
 
-  // Takes away what arrived meanwhile. What was pending before stays, it is somebody else's.
+  // Discards the signals that arrived since construction. Signals that were pending before are not
+  // ours and stay pending.
   void drop() {
     sigset_t pending;
     if (sigpending(&pending) != 0) return;
@@ -61,7 +62,7 @@ ssize_t quietWrite(int descriptor, std::string_view bytes) noexcept {
   HeldSignals signals;
   const ssize_t written = writeUninterrupted(descriptor, bytes);
   const int error = errno;
-  // A whole write raises none.
+  // A complete write raises no signal.
   if (written != static_cast<ssize_t>(bytes.size())) signals.drop();
   errno = error;
   return written;

@@ -7,10 +7,10 @@
 
 namespace marlune {
 
-// write(2) of `bytes` to `descriptor`, once, but never the process's end: where the system would
-// raise SIGPIPE (the reader of a pipe is gone) or SIGXFSZ (the file-size limit is reached), the
-// signal is held back and taken away again, whatever handler the process has, and the write just
-// fails. Returns what write returned, with its errno. An interrupted write is tried again.
+// write(2) of `bytes` to `descriptor`, once, without ever ending the process. Where the system
+// would raise SIGPIPE (the pipe's reader is gone) or SIGXFSZ (the file-size limit is reached), the
+// signal is blocked and discarded, whatever handler the process has, and the write merely fails.
+// Returns the result of write, with its errno. Retries an interrupted write.
 ssize_t quietWrite(int descriptor, std::string_view bytes) noexcept;
 
 }  // namespace marlune

@@ -20,7 +20,7 @@ void StandardErrorLog::write(std::string_view message) noexcept try {
     rest.remove_prefix(static_cast<std::size_t>(written));
   }
 } catch (const std::exception&) {
-  // No memory for the line: it is lost.
+  // Out of memory: the line is lost.
 }
 
 }  // namespace marlune

@@ -5,8 +5,8 @@
 
 namespace marlune {
 
-// The system log where the app names no other: each message as it is, with a line feed, on
-// standard error. A message up to the size of a pipe's atomic write is never torn by another one.
+// The default system log: writes each message unchanged, with a line feed, to standard error. A
+// message up to the size of a pipe's atomic write is never interleaved with another.
 class StandardErrorLog : public SystemLog {
  public:
   void write(std::string_view message) noexcept override;

@@ -5,7 +5,7 @@
 
 namespace marlune {
 
-// Where the lines go that a developer or a grammar author reads: standard error on a desktop, the
+// Receives the lines meant for a developer or a grammar author: standard error on a desktop, the
 // device's log on a phone, a buffer in a test.
 //
 // Threads: any, at any time.
@@ -13,9 +13,9 @@ class SystemLog {
  public:
   virtual ~SystemLog() = default;
 
-  // Takes one message, which may hold line feeds and has none at its end. How it is decorated
-  // (time, process) and where it ends up is the log's business.
-  // Never throws and never fails towards the caller: a message that cannot be written is lost.
+  // Writes one message, which may contain line feeds but does not end with one. The log decides how
+  // to decorate it (time, process) and where to put it. Never throws and reports no failure: a
+  // message that cannot be written is lost.
   virtual void write(std::string_view message) noexcept = 0;
 };
 

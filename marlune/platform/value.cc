@@ -11,7 +11,7 @@ namespace {
 
 const Value kAbsentValue;
 
-// The number cut to the range of Integer, toward zero.
+// The number truncated toward zero and clamped to the range of Integer.
 template <typename Integer>
 Integer clampedInteger(double number) {
   if (std::isnan(number)) return 0;
@@ -271,8 +271,8 @@ std::size_t Dictionary::_indexOf(std::string_view key) const {
   return kNone;
 }
 
-// Room for the entry comes first: were memory to run out between the two, a key that stands in the
-// entries and not in the index would be set a second time.
+// Reserves room for the entry first. If memory ran out between the two steps, a key would be in the
+// entries but not in the index, and could be set a second time.
 void Dictionary::_append(Key key, Value value) {
   const std::size_t at = _entries.size();
   if (at == _entries.capacity()) _entries.reserve(std::max<std::size_t>(1, 2 * at));

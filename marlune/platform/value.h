@@ -16,13 +16,13 @@ namespace marlune {
 class Array;
 class Dictionary;
 
-// One value of a property list: what a grammar file, a preferences file or an overrides file is
-// made of. A Value is a small handle: copying one that holds a dictionary or an array shares that
-// container, which every holder may change; copying one that holds text shares the text, which
-// nobody changes. The default Value is absent: the answer of every look-up that finds nothing.
+// One value of a property list: the content of a grammar file, a preferences file or an overrides
+// file. A Value is a small handle. Copying one that holds a dictionary or an array shares that
+// container, and every holder may change it. Copying one that holds text shares the text, which
+// never changes. The default Value is absent, the result of every look-up that finds nothing.
 //
-// Threads: any may read, at the same time; while one changes a value or a container, no other may
-// use it. The same holds of Dictionary and Array.
+// Threads: any number may read at the same time. While one changes a value or a container, no other
+// may use it. The same holds for Dictionary and Array.
 class Value {
  public:
   enum class Kind : unsigned char {
@@ -33,7 +33,7 @@ class Value {
     integer,
     real,
     boolean,
-    data,  // raw bytes; files may hold them, nothing here reads them
+    data,  // raw bytes, kept but never interpreted
     date,  // a point in time; likewise
   };
 
@@ -51,28 +51,28 @@ class Value {
 
   Kind kind() const;
   bool isAbsent() const { return kind() == Kind::absent; }
-  bool isNumber() const;  // integer, real or boolean: what counts as a number in a grammar
+  bool isNumber() const;  // integer, real or boolean: all count as numbers in a grammar
 
-  // The container or text held, or nullptr when the value is of another kind.
+  // The container or text of the value; nullptr when the value is of another kind.
   const std::shared_ptr<Dictionary>& asDictionary() const;
   const std::shared_ptr<Array>& asArray() const;
   const std::string* asString() const;
   std::shared_ptr<const std::string> sharedString() const;
   const std::string* asData() const;
 
-  // Numbers. An integer reads a number truncated toward zero and cut to 32 bits (out of range:
-  // the nearest bound; not a number: 0), and a string by its leading decimal digits, an optional
-  // sign before them. Everything else is 0.
+  // Numbers. A number as an integer is truncated toward zero and clamped to 32 bits; NaN gives 0. A
+  // string gives its leading decimal digits, with an optional sign before them. Every other kind
+  // gives 0.
   std::int32_t integerValue() const;
-  std::int64_t int64() const;  // of an integer or boolean as it stands, of a real truncated; else 0
-  double realValue() const;    // of any number; of a date its seconds since 2001; else 0
-  bool booleanValue() const;   // a boolean as it stands, a number when not 0; else false
+  std::int64_t int64() const;  // an integer or boolean unchanged, a real truncated; else 0
+  double realValue() const;    // any number; a date's seconds since 2001; else 0
+  bool booleanValue() const;   // a boolean unchanged, true for a number other than 0; else false
 
   // "dictionary", "array", "string", "number", "boolean", "data", "date" or "(null)".
   std::string_view kindName() const;
 
-  // Same kind and same content, through all nested containers (an integer equals a real of the
-  // same value; a boolean equals only a boolean).
+  // Whether kind and content are the same, through all nested containers. An integer equals a real
+  // of the same value; a boolean equals only a boolean.
   bool equals(const Value& other) const;
 
  private:
@@ -91,22 +91,22 @@ class Value {
 };
 
 // Keys and values in the order in which they were first set, as in the file. Keys are unique and
-// compared byte by byte. A look-up is linear in small dictionaries and hashed in large ones.
+// compared byte by byte. A look-up is linear in a small dictionary and hashed in a large one.
 class Dictionary {
  public:
   using Key = std::shared_ptr<const std::string>;
   using Entry = std::pair<Key, Value>;  // the key is never null
 
-  // More entries are found by their hashes.
+  // Above this number of entries, look-ups use the hash index.
   static constexpr std::size_t kLargestLinear = 16;
 
-  // The value under `key`; the absent value when there is none. The reference holds until the
+  // The value under `key`; the absent value when there is none. The reference is valid until the
   // dictionary changes.
   const Value& valueForKey(std::string_view key) const;
   bool contains(std::string_view key) const { return _indexOf(key) != kNone; }
 
-  // A key that is there keeps its place; a new one goes to the end. Setting an absent value
-  // removes the key.
+  // An existing key keeps its place; a new key goes to the end. Setting an absent value removes the
+  // key.
   void setValueForKey(Value value, std::string_view key);
   void setValueForKey(Value value, Key key);
   void removeKey(std::string_view key);
@@ -115,7 +115,7 @@ class Dictionary {
   const std::vector<Entry>& entries() const { return _entries; }
   void reserve(std::size_t entries) { _entries.reserve(entries); }
 
-  // A new dictionary with the same keys and the very same values.
+  // A new dictionary with the same keys and the same values, whose containers are shared.
   std::shared_ptr<Dictionary> oneLevelCopy() const;
 
  private:
@@ -126,10 +126,10 @@ class Dictionary {
   void _append(Key key, Value value);
 
   std::vector<Entry> _entries;
-  std::unique_ptr<Index> _index;  // only when the dictionary is large; its keys live in _entries
+  std::unique_ptr<Index> _index;  // null while the dictionary is small; its keys live in _entries
 };
 
-// Values in order; every element is present.
+// Values in order. Every element is present.
 class Array {
  public:
   Array() = default;

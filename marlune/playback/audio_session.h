@@ -7,33 +7,33 @@
 
 namespace marlune {
 
-// The app's standing with the device's sound system: what kind of sound it makes, how that goes
-// with the sound of others, and whether it is making any just now.
+// The app's relation to the device's sound system: the kind of sound that it plays, how that mixes
+// with other apps' sound, and whether it is playing any now.
 //
 // Threads: the main thread only.
 class AudioSession {
  public:
-  // The category of an app whose sound is to be heard although the device is locked or silenced.
+  // The category of an app whose sound stays audible while the device is locked or silenced.
   static constexpr std::string_view kCategoryPlayback = "playback";
 
-  // Options of a category, as bits.
+  // Options of a category, a bit set.
   enum CategoryOption : unsigned {
-    kMixWithOthers = 1,  // the sound of others goes on
-    kDuckOthers = 2,     // and is turned down while this session is active
+    kMixWithOthers = 1,  // other apps' sound continues
+    kDuckOthers = 2,     // and is quieter while this session is active
   };
 
-  // What an operation reports: success, and an error although it may also have reported success.
+  // The result of an operation. It may report success and an error at the same time.
   struct Outcome {
     bool succeeded = true;
-    std::optional<std::string> error;  // a sentence, when something went wrong
+    std::optional<std::string> error;  // a sentence, if something went wrong
   };
 
   virtual ~AudioSession() = default;
 
   virtual Outcome setCategory(std::string_view category, unsigned options) = 0;
 
-  // Activating opens the sound output, deactivating closes it and gives others their level back.
-  // Deactivating while sound is running is refused with an error; the session stays active.
+  // Activating opens the sound output. Deactivating closes it and restores the level of other apps.
+  // Deactivating during playback fails with an error, and the session stays active.
   virtual Outcome setActive(bool active) = 0;
 };
 

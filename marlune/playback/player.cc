@@ -18,13 +18,13 @@ namespace {
 constexpr double kDeactivationDelaySeconds = 0.5;
 constexpr unsigned kCategoryOptions = AudioSession::kMixWithOthers | AudioSession::kDuckOthers;
 
-// Without a main thread in the platform's table every thread counts as one.
+// Without a main thread in the platform's table, every thread counts as one.
 bool onMainThread() {
   const auto mainThread = Platform::shared().mainThread;
   return !mainThread || mainThread->isCurrent();
 }
 
-// For the operations that apps call. Logs a line when it is false.
+// Checks the thread for operations that apps call. Logs a line when it returns false.
 bool isOnMainThread(std::string_view operation) {
   if (onMainThread()) return true;
   TQUtils::log("ERROR: %@ was called off the main thread and does nothing.", operation);
@@ -56,7 +56,7 @@ void trace(std::string_view format, const Arguments&... arguments) {
   TQUtils::forDefaultLog(TQUtilsApplicationTraceDefault, format, arguments...);
 }
 
-// Raised while an item is inserted, and lowered however the insertion ends.
+// True while an item is inserted, however the insertion ends.
 class RaisedFlag {
  public:
   explicit RaisedFlag(bool& flag) : _flag(flag) { _flag = true; }
@@ -70,7 +70,7 @@ class RaisedFlag {
 
 }  // namespace
 
-// The class itself is the observer, so what is registered is one object without state.
+// The observer is a single object without state, shared by all queues.
 class Player::Observer : public QueuePlayerObserver {
  public:
   static Observer* shared() {
@@ -86,7 +86,7 @@ class Player::Observer : public QueuePlayerObserver {
 struct Player::ClassState {
   std::once_flag initialized;
   std::shared_ptr<QueuePlayer> sharedPlayQueue;
-  // An insertion into an empty queue changes its current item; that is no end of playback.
+  // Inserting into an empty queue changes its current item, but does not end playback.
   bool isAdding = false;
 };
 
@@ -151,7 +151,7 @@ void Player::__clearSharedPlayQueue() {
   queue->removeObserver(Observer::shared(), QueuePlayer::kStatusKeyPath);
 }
 
-// The rate counts in whole numbers: 0.5 is cut to 0 and so is not playing.
+// The rate is truncated to a whole number: 0.5 becomes 0 and counts as not playing.
 bool Player::_isPlaying(const QueuePlayer& queue) {
   return std::fabs(std::trunc(queue.rate())) > std::numeric_limits<float>::epsilon();
 }
@@ -161,7 +161,7 @@ void Player::observeValueForKeyPath(std::string_view keyPath,
   if (keyPath == QueuePlayer::kCurrentItemKeyPath) {
     runOnMainThreadAndWait([&object] { __nts_indicateEndOfQueuePlayback(object); });
   } else if (keyPath == QueuePlayer::kStatusKeyPath) {
-    // Held weakly: what waits in the main thread's loop must not keep a dropped queue alive.
+    // A weak pointer: work waiting in the main thread's loop must not keep a dropped queue alive.
     postToMainThread([held = std::weak_ptr<QueuePlayer>(object)] {
       if (const auto queue = held.lock()) __nts_queuePlayerStatusChanged(queue);
     });
@@ -172,11 +172,11 @@ void Player::__nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>
   assert(onMainThread());
   const ClassState& state = *_classState();
   if (!object || object != state.sharedPlayQueue || state.isAdding) return;
-  if (!object->items().empty()) return;  // a step from one file to the next
+  if (!object->items().empty()) return;  // one file ended and the next one began
   if (!_isPlaying(*object)) return;
   object->setRate(0);
   _setAudioSessionActive(false);
-  // Nothing is left, so the count is not asked for again.
+  // No items are left, so the count is a constant here.
   trace("%s setting rate to 0, items.count:[%lu]", "__nts_indicateEndOfQueuePlayback", 0UL);
 }
 
@@ -215,9 +215,9 @@ void Player::playSoundFilesInSequence(
 void Player::playSoundFilesInSequence(const std::vector<std::string>& names) {
   if (!isOnMainThread("playSoundFilesInSequence")) return;
   trace("%s - filenames:[%@]", "playSoundFilesInSequence", names);
-  // All of them before any sound, so that the queue can play them back to back.
+  // Adds all files before any sound starts, so that the queue can play them back to back.
   for (const auto& name : names) _addFileToQueue(name);
-  if (isPlaying()) return;  // they follow what is being played
+  if (isPlaying()) return;  // the new files follow those being played
   const auto queue = __sharedPlayQueue();
   if (!queue) {
     TQUtils::log("ERROR: The platform has no queue player. Nothing can be played.");
@@ -253,7 +253,8 @@ bool Player::isPlaying() const {
 std::shared_ptr<PlayerItem> Player::_playerItemForFileNamed(const std::string& name) const {
   const auto path = _bundle ? _bundle->pathForResource(name, "aif", _directory) : std::nullopt;
   if (!path) {
-    TQUtils::log("ERROR: Could not find \"%@.aif.\"", name);  // the full stop stands inside
+    TQUtils::log("ERROR: Could not find \"%@.aif.\"", name);  // the message has the full stop
+                                                              // inside the quotation marks
     return nullptr;
   }
   const auto& makePlayerItem = Platform::shared().makePlayerItem;
@@ -268,7 +269,7 @@ void Player::_addFileToQueue(const std::string& name) {
     trace("%s calling the play queue's insert after nil", "_addFileToQueue");
     queue->insert(std::move(item), nullptr);
   } else {
-    // Shows the item, which tells what the queue refused: "(null)" for a file that is missing.
+    // Logs the item, which shows what the queue refused: "(null)" for a missing file.
     TQUtils::log("ERROR: Could not append the player item for \"%@.aif\" to the play queue.", item);
   }
 }

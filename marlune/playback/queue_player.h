@@ -12,40 +12,40 @@ namespace marlune {
 
 class QueuePlayer;
 
-// One recording to be played once: the file and what the queue knows of it. An item belongs to at
-// most one queue, and to that only once.
+// One recording, to be played once: its file and the queue's state for it. An item belongs to at
+// most one queue, and is in that queue only once.
 class PlayerItem : public Describable {
  public:
-  virtual const std::string& path() const = 0;  // of the file, which need not be readable
+  virtual const std::string& path() const = 0;  // of the file, which may be unreadable
 };
 
-// Who is told that a queue has changed.
+// Receives notifications of a queue's changes.
 class QueuePlayerObserver {
  public:
   virtual ~QueuePlayerObserver() = default;
 
-  // `keyPath` of `object` has a new value. Called on any thread, mostly the queue's own
-  // notification thread, which holds no lock meanwhile and waits for the return.
+  // The value at `keyPath` of `object` has changed. Called on any thread, usually the queue's
+  // notification thread, which holds no lock during the call and waits for it to return.
   virtual void observeValueForKeyPath(std::string_view keyPath,
                                       const std::shared_ptr<QueuePlayer>& object) = 0;
 };
 
-// A queue of items that play back to back without a gap. A new queue is empty, stopped (rate 0)
-// and touches no sound device until it plays.
+// A queue of items that play back to back without a gap. A new queue is empty, stopped (rate 0) and
+// opens no sound device until it plays.
 //
-// When an item has been heard to its end it leaves the queue and the next becomes the current one;
-// after the last, the current item is none while the rate stays as it is. An item that turns out
-// unplayable is left out, with a line in the log.
+// An item that has been played to its end leaves the queue, and the next one becomes the current
+// item. After the last item there is no current item; the rate stays as it is. An item that turns
+// out to be unplayable is skipped after a log line.
 //
 // Threads: the main thread only. Observers are called on any thread.
 class QueuePlayer : public std::enable_shared_from_this<QueuePlayer> {
  public:
   enum class Status { unknown = 0, readyToPlay = 1, failed = 2 };
 
-  // Options of an observation, as bits.
+  // Options of an observation, a bit set.
   enum ObservingOption : unsigned {
-    kNewValue = 1,      // told after every change
-    kInitialValue = 4,  // and told once during addObserver, with the value as it is
+    kNewValue = 1,      // notify after every change
+    kInitialValue = 4,  // notify once during addObserver, with the current value
   };
 
   static constexpr std::string_view kCurrentItemKeyPath = "currentItem";
@@ -53,12 +53,12 @@ class QueuePlayer : public std::enable_shared_from_this<QueuePlayer> {
 
   virtual ~QueuePlayer() = default;
 
-  // Whether `item` may stand right behind `after`, or at the end when `after` is null. Never true
-  // for a null item, one that is in a queue already, or when `after` is not in this queue.
+  // Whether `item` may be inserted right after `after`, or at the end when `after` is null. False
+  // for a null item, for one that is already in a queue, and when `after` is not in this queue.
   // Changes nothing.
   virtual bool canInsert(const PlayerItem* item, const PlayerItem* after) const = 0;
 
-  // REQUIRES: canInsert(item, after). The queue shares the item until it has left.
+  // REQUIRES: canInsert(item, after). The queue shares ownership of the item until the item leaves.
   virtual void insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) = 0;
 
   // Plays from the current item on: sets the rate to 1.
@@ -67,18 +67,18 @@ class QueuePlayer : public std::enable_shared_from_this<QueuePlayer> {
   virtual float rate() const = 0;  // 0 is stopped, 1 is normal speed
   virtual void setRate(float rate) = 0;
 
-  // Drops everything, the current item included, which falls silent at once.
+  // Removes all items. The current one falls silent at once.
   virtual void removeAllItems() = 0;
 
   virtual std::vector<std::shared_ptr<PlayerItem>> items() const = 0;  // the current one first
   virtual std::shared_ptr<PlayerItem> currentItem() const = 0;         // nullptr when empty
-  virtual Status status() const = 0;  // failed is final: the queue plays nothing any more
+  virtual Status status() const = 0;  // failed is final: the queue never plays again
 
-  // Whether sound may go to another device's player; false keeps it on this device.
+  // Whether another device may play the sound; false keeps it on this device.
   virtual void setAllowsExternalPlayback(bool allows) = 0;
 
-  // The observer is not owned and must be removed before it ends. After removeObserver it is not
-  // told of anything new; a notification under way may still be delivered.
+  // The observer is not owned and must be removed before it is destroyed. After removeObserver no
+  // new notification is sent; one already under way may still be delivered.
   virtual void addObserver(QueuePlayerObserver* observer, std::string_view keyPath,
                            unsigned options) = 0;
   virtual void removeObserver(QueuePlayerObserver* observer, std::string_view keyPath) = 0;

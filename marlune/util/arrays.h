@@ -13,19 +13,19 @@
 
 #include "marlune/platform/value.h"
 
-// Small operations on arrays: vectors, spans and what else has elements in a row. Each returns a
-// new vector and leaves its operands as they are. Indices count from 0.
+// Small operations on arrays: vectors, spans and other contiguous ranges. Each returns a new vector
+// and leaves its operands unchanged. Indices count from 0.
 namespace marlune {
 
 template <typename Array>
 concept ElementsInARow =
     std::ranges::random_access_range<const Array> && std::ranges::sized_range<const Array>;
 
-// What the array's elements are, without const.
+// The type of the array's elements, without const.
 template <ElementsInARow Array>
 using ElementOf = std::ranges::range_value_t<const Array>;
 
-// Whether an element equals the empty string: never, when it is no string.
+// Whether an element equals the empty string. Always false for an element that is not a string.
 template <typename Element>
 bool isEmptyString(const Element& element) {
   if constexpr (std::convertible_to<const Element&, std::string_view>) {
@@ -37,7 +37,7 @@ bool isEmptyString(const Element& element) {
   }
 }
 
-// The elements, in order, except those that equal the empty string.
+// The elements, in order, without those that equal the empty string.
 template <ElementsInARow Array>
 std::vector<ElementOf<Array>> _withoutEmptyStrings(const Array& array) {
   std::vector<ElementOf<Array>> kept;
@@ -46,7 +46,7 @@ std::vector<ElementOf<Array>> _withoutEmptyStrings(const Array& array) {
   return kept;
 }
 
-// The elements `n` times end to end; none when n < 1.
+// The elements repeated `n` times; empty when n < 1.
 template <ElementsInARow Array>
 std::vector<ElementOf<Array>> repeatedNTimes(const Array& array, std::int32_t n) {
   std::vector<ElementOf<Array>> repeated;
@@ -56,8 +56,8 @@ std::vector<ElementOf<Array>> repeatedNTimes(const Array& array, std::int32_t n)
   return repeated;
 }
 
-// Whether `subArray` equals some contiguous run of the array, by `equal` on their elements. An
-// empty one is contained in every array.
+// Whether `subArray` equals a contiguous run of the array, comparing elements with `equal`. Every
+// array contains an empty one.
 template <ElementsInARow Array, ElementsInARow SubArray, typename Equal = std::equal_to<>>
 bool _containsSubArray(const Array& array, const SubArray& subArray, Equal equal = {}) {
   if (std::ranges::empty(subArray)) return true;
@@ -66,8 +66,8 @@ bool _containsSubArray(const Array& array, const SubArray& subArray, Equal equal
                      std::ranges::end(subArray), equal) != end;
 }
 
-// The elements [from, to); none when to < from. An end beyond the array means the whole array,
-// whatever `from` is: callers rely on it.
+// The elements [from, to); empty when to < from. An end beyond the array selects the whole array,
+// whatever `from` is; callers rely on this.
 template <ElementsInARow Array>
 std::vector<ElementOf<Array>> _subsequenceFrom(const Array& array, std::size_t from,
                                                std::size_t to) {
@@ -87,8 +87,9 @@ std::vector<ElementOf<Array>> _subsequenceFromIndex(const Array& array, std::siz
   return _subsequenceFrom(array, from, std::ranges::size(array));
 }
 
-// `run` with each overlay laid on the element at its position: overlayedOn(overlay, element) makes
-// the new element. What has no counterpart stays (elements) or is left out (overlays).
+// `run` with each overlay applied to the element at the same position: overlayedOn(overlay,
+// element) makes the new element. Elements without an overlay are kept; surplus overlays are
+// ignored.
 template <ElementsInARow Array, ElementsInARow Overlays, typename OverlayedOn>
 std::vector<ElementOf<Array>> _arrayWithOverlayedCells(const Array& run, const Overlays& overlays,
                                                        OverlayedOn overlayedOn) {
@@ -101,8 +102,8 @@ std::vector<ElementOf<Array>> _arrayWithOverlayedCells(const Array& run, const O
   return result;
 }
 
-// The run [at, at + amount) of an array as unsigned bounds: a negative one lies beyond every array.
-// The sum is taken in 32 bits.
+// The run [at, at + amount) of an array as unsigned bounds; a negative bound becomes one beyond
+// every array. The sum is computed in 32 bits.
 struct SplicedRun {
   SplicedRun(std::int32_t at, std::int32_t amount)
       : from(static_cast<std::size_t>(at)),
@@ -111,8 +112,8 @@ struct SplicedRun {
   const std::size_t from, to;
 };
 
-// The array with the run [at, at + amount) replaced by `middle`. The pieces before and after it
-// follow _subsequenceFrom: an `at` beyond the array makes the head the whole array.
+// The array with the run [at, at + amount) replaced by `middle`. The parts before and after it
+// follow the rules of _subsequenceFrom: if `at` is beyond the array, the head is the whole array.
 template <ElementsInARow Array, ElementsInARow Middle>
 std::vector<ElementOf<Array>> _spliceAtAndInsert(const Array& array, std::int32_t at,
                                                  std::int32_t amount, const Middle& middle) {
@@ -123,7 +124,7 @@ std::vector<ElementOf<Array>> _spliceAtAndInsert(const Array& array, std::int32_
   return result;
 }
 
-// The array with the overlays laid on the run [at, at + amount), as _arrayWithOverlayedCells does.
+// The array with the overlays applied to the run [at, at + amount), as in _arrayWithOverlayedCells.
 template <ElementsInARow Array, ElementsInARow Overlays, typename OverlayedOn>
 std::vector<ElementOf<Array>> _spliceAtAndOverlay(const Array& array, std::int32_t at,
                                                   std::int32_t amount, const Overlays& overlays,

@@ -5,7 +5,7 @@
 
 namespace marlune {
 
-// An object that can be printed: what "%@" of a log format shows for it.
+// An object with a printed form, which "%@" of a log format shows.
 class Describable {
  public:
   virtual ~Describable() = default;

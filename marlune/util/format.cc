@@ -9,7 +9,8 @@ namespace {
 
 constexpr std::size_t kIndent = 4;
 
-// Deeper values print as "...": a caller's own ring of containers must not overflow the stack.
+// Deeper values print as "...", so that a cycle of containers built by the caller cannot overflow
+// the stack.
 constexpr std::size_t kDeepest = 256;
 
 bool isPlainWord(std::string_view text) {
@@ -40,7 +41,7 @@ void appendQuoted(std::string& text, std::string_view word) {
 }
 
 void appendReal(std::string& text, double number) {
-  // As "%.15g" in the C locale, whatever the process's locale is.
+  // "%.15g" in the C locale, independent of the process's locale.
   char digits[32];
   text.append(
       digits,
@@ -73,7 +74,7 @@ void appendDictionary(std::string& text, const Dictionary& dictionary, std::size
   text += '}';
 }
 
-// A list whose elements `appendElement(i)` appends.
+// A list; `appendElement(i)` appends element i.
 template <typename AppendElement>
 void appendArray(std::string& text, std::size_t count, std::size_t depth,
                  AppendElement appendElement) {
@@ -186,7 +187,7 @@ void FormatArgument::appendTo(std::string& text, const FormatPlaceholder& placeh
   placeholder.appendText(text, shown);
 }
 
-// Whether the argument is a number and the placeholder for one of its kind.
+// Appends a number if the placeholder is for its kind. Returns whether it did.
 bool FormatArgument::_appendNumber(std::string& text, const FormatPlaceholder& as) const {
   if (_kind == Kind::real && as.isReal()) {
     as.appendReal(text, _real);
@@ -221,7 +222,7 @@ int FormatArgument::asNumber() const {
 
 namespace {
 
-// Reads a format from its front to its end and takes the arguments as the placeholders need them.
+// Reads a format from start to end and takes arguments as the placeholders need them.
 class FormatReader {
  public:
   FormatReader(std::string_view format, std::initializer_list<FormatArgument> arguments)
@@ -269,7 +270,7 @@ class FormatReader {
     }
   }
 
-  // Digits, none (0), or "*" for the next argument.
+  // Digits, nothing (0), or "*" for the next argument.
   int _number() {
     if (_skip('*')) return _argument().asNumber();
     int number = 0;

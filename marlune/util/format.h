@@ -18,15 +18,15 @@
 
 namespace marlune {
 
-// One argument of a log format: a reference to what the caller has, with its type. Making one
-// copies nothing and allocates nothing; only a line that is really written describes it. It must
-// not outlive the full expression that it was made in.
+// One argument of a log format: a typed reference to the caller's object. Constructing one copies
+// and allocates nothing; the object is described only when a line is written. It must not outlive
+// the full expression that creates it.
 //
-// Threads: any, while no other changes what it refers to.
+// Threads: any, while no other thread changes the referenced object.
 class FormatArgument {
  public:
   FormatArgument(std::nullptr_t) {}  // absent: prints "(null)"
-  // A template, so that no pointer is taken for a boolean.
+  // A template, so that a pointer does not convert to a boolean.
   template <std::same_as<bool> Boolean>
   FormatArgument(Boolean truth)
       : _kind(Kind::integer), _bytes(sizeof truth), _integer(truth ? 1 : 0) {}
@@ -62,14 +62,15 @@ class FormatArgument {
   FormatArgument(const std::vector<std::int32_t>& numbers)
       : FormatArgument(numbers, &_appendNumbers) {}
 
-  // Appends what "%@" shows for the argument.
+  // Appends the text that "%@" shows for the argument.
   void appendTo(std::string& text) const;
 
-  // Appends what the placeholder shows. One that is for another kind of argument shows the same as
-  // "%@", with its width and precision.
+  // Appends the text that the placeholder shows. A placeholder for another kind of argument shows
+  // the same as "%@", with its own width and precision.
   void appendTo(std::string& text, const FormatPlaceholder& placeholder) const;
 
-  // A width or precision given as "*": the integer, cut to the range of int; 0 for anything else.
+  // The value of a width or precision given as "*": the integer, clamped to the range of int; 0 for
+  // any other kind.
   int asNumber() const;
 
  private:
@@ -101,7 +102,7 @@ class FormatArgument {
     Append append;
   };
   Kind _kind = Kind::absent;
-  unsigned char _bytes = 0;  // the size of an integer's own type
+  unsigned char _bytes = 0;  // the size of the integer's own type
   union {
     std::int64_t _integer = 0;
     std::uint64_t _natural;
@@ -112,19 +113,19 @@ class FormatArgument {
 };
 
 // `format` with each placeholder replaced by the next argument. "%@" shows an argument of any type.
-// The others are those of the C library, with its flags, widths and precisions ("*" as well) and
-// lengths, and give what it gives: "%d", "%i", "%u", "%o", "%x", "%X" and "%c" for integers, "%f",
-// "%e", "%g", "%a" and their capitals for reals, "%s" for text; "%%" gives "%".
+// The other placeholders are those of the C library, with its flags, widths, precisions ("*" as
+// well) and lengths, and give the same text: "%d", "%i", "%u", "%o", "%x", "%X" and "%c" for
+// integers, "%f", "%e", "%g", "%a" and their capitals for reals, "%s" for text; "%%" gives "%".
 //
-// The argument's own type always counts. An integer is never cut to the size that the placeholder
-// has, except by "h" and "hh"; a placeholder for another kind of argument shows what "%@" shows,
-// with its width and precision. So does a placeholder that is none of these. One without an
-// argument prints "(null)"; an argument without a placeholder is left out. An unfinished
-// placeholder at the end stays as it is. A width or precision is at most 100,000.
+// The argument's own type always counts. Only "h" and "hh" truncate an integer to the placeholder's
+// size. A placeholder for another kind of argument, or one not listed here, shows the same as "%@",
+// with its width and precision. A placeholder without an argument prints "(null)"; a surplus
+// argument is ignored. An unfinished placeholder at the end is copied unchanged. A width or
+// precision is at most 100,000.
 //
-// A dictionary or array prints as an old-style property list: "{\n    key = value;\n}" and
-// "(\n    one,\n    two\n)", nested ones indented by four more blanks; text in it stands in
-// quotes unless it is made of ASCII letters, digits and "_" alone.
+// A dictionary or array prints as an old-style property list: "{\n    key = value;\n}" and "(\n
+// one,\n    two\n)", nested ones indented by four more blanks. Text inside it is quoted unless it
+// consists only of ASCII letters, digits and "_".
 std::string formatted(std::string_view format, std::initializer_list<FormatArgument> arguments);
 
 }  // namespace marlune

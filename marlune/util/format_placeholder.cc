@@ -28,8 +28,7 @@ void FormatPlaceholder::appendReal(std::string& text, double number) const {
   _appendNumber(text, {&conversion, 1}, number);
 }
 
-// The C library's own work: the placeholder is put together again, with the type that the number
-// really has.
+// Leaves the formatting to the C library: rebuilds the placeholder with the number's actual type.
 template <typename Number>
 void FormatPlaceholder::_appendNumber(std::string& text, std::string_view type,
                                       Number number) const {

@@ -7,19 +7,19 @@
 
 namespace marlune {
 
-// One placeholder of a log format, taken apart: "%-8.3ld" has the flag '-', the width 8, the
+// The parts of one placeholder of a log format: "%-8.3ld" has the flag '-', the width 8, the
 // precision 3, no length that counts and the conversion 'd'.
 struct FormatPlaceholder {
   enum class Length : unsigned char { whole, byte, twoBytes };  // of the number that counts
 
-  // A bound for widths and precisions, so that no format makes a text without end.
+  // The largest width or precision, which limits the length of the text.
   static constexpr int kLargestNumber = 100'000;
 
   static constexpr std::string_view kFlags = "-+ #0'";
 
   bool flags[kFlags.size()] = {};
   int width = 0;
-  int precision = -1;  // negative: none
+  int precision = -1;  // negative: no precision
   Length length = Length::whole;
   char conversion = '\0';
 
@@ -27,15 +27,16 @@ struct FormatPlaceholder {
   bool isUnsigned() const { return std::string_view("uoxX").find(conversion) != kNone; }
   bool isReal() const { return std::string_view("fFeEgGaA").find(conversion) != kNone; }
 
-  void setWidth(int number);  // a negative one aligns to the left
+  void setWidth(int number);  // negative: left-aligned
   void addFlag(std::size_t index) { flags[index] = true; }
 
-  // As the C library formats a number or a character. REQUIRES: the conversion is of that kind.
+  // Formats a number or a character as the C library does. REQUIRES: the conversion is of that
+  // kind.
   void appendInteger(std::string& text, long long number) const;
   void appendNatural(std::string& text, unsigned long long number) const;
   void appendReal(std::string& text, double number) const;
 
-  // As "%s": cut to the precision, filled with blanks to the width, both counted in bytes.
+  // Formats as "%s": cut to the precision and padded with blanks to the width, both in bytes.
   void appendText(std::string& text, std::string_view content) const;
 
  private:

@@ -10,7 +10,7 @@ const LogDateFormatter& LogDateFormatter::shared() {
   return formatter;
 }
 
-// localtime_r alone need not look at the process's time zone.
+// localtime_r alone is not required to read the process's time zone.
 LogDateFormatter::LogDateFormatter() { ::tzset(); }
 
 std::string LogDateFormatter::stringForDate(std::chrono::system_clock::time_point date) const {

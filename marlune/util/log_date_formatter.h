@@ -6,15 +6,15 @@
 
 namespace marlune {
 
-// Turns times into the stamps of log files and their lines: "yyyy-MM-dd-HH-mm-SS" in the time zone
+// Formats times as the stamps of log files and their lines: "yyyy-MM-dd-HH-mm-SS" in the time zone
 // that the process had when the first stamp was made.
 class LogDateFormatter {
  public:
-  // The one formatter, made at the first call. Any thread.
+  // The shared formatter, created at the first call. Any thread.
   static const LogDateFormatter& shared();
 
-  // The stamp of `date`. Its last field is hundredths of a second, not seconds: file names and
-  // stamps have always been so.
+  // The stamp of `date`. The last field is hundredths of a second, not seconds; the names of log
+  // files depend on it.
   std::string stringForDate(std::chrono::system_clock::time_point date) const;
 
  private:

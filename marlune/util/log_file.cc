@@ -9,12 +9,12 @@
 namespace marlune {
 
 std::shared_ptr<LogFile> LogFile::openAtPath(const std::string& path) {
-  // O_NONBLOCK: a FIFO at the path would otherwise hold the caller until somebody reads it.
-  // O_APPEND: a thread that still writes to the former file, which may have had the same name,
-  // must not write over new lines.
+  // O_NONBLOCK: opening a FIFO would otherwise block until it has a reader. O_APPEND: a thread may
+  // still be writing to the previous file, which may have the same name, and must not overwrite new
+  // lines.
   constexpr int kFlags =
       O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  // Not openFile, which moves 0 too: a descriptor of 0 counts as a failure here.
+  // Not openFile, which also moves descriptor 0: here a descriptor of 0 counts as a failure.
   const int descriptor = ::open(path.c_str(), kFlags, 0644);
   if (descriptor == 0) {
     ::close(descriptor);

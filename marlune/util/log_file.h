@@ -7,29 +7,29 @@
 
 namespace marlune {
 
-// The log file of one run: an open descriptor, closed at the end. Lines that cannot be written
-// (no space, a size limit, a file that never opened) are lost without a word. Any thread.
+// The log file of one run: an open descriptor, closed in the destructor. Lines that cannot be
+// written (no space, a size limit, a file that failed to open) are dropped silently. Any thread.
 class LogFile {
  public:
-  // Opens `path` for writing, created if absent, emptied if present. nullptr only when the system
-  // hands out descriptor 0; an open that fails gives a file that loses what is written to it.
-  // Never waits, whatever stands at `path`.
+  // Opens `path` for writing; creates the file if it is absent and empties it if present. Returns
+  // nullptr only when the system returns descriptor 0. If the open fails, returns a file that drops
+  // every line. Never blocks, whatever kind of file `path` is.
   static std::shared_ptr<LogFile> openAtPath(const std::string& path);
 
   ~LogFile();
   LogFile(const LogFile&) = delete;
   LogFile& operator=(const LogFile&) = delete;
 
-  // Appends `line`, in one write.
+  // Appends `line` with a single write.
   void write(std::string_view line) const noexcept;
 
-  // Brings what was written to the disk.
+  // Flushes the written lines to disk.
   void flush() const noexcept;
 
  private:
   explicit LogFile(int descriptor) : _descriptor(descriptor) {}
 
-  const int _descriptor;  // negative: the open failed
+  const int _descriptor;  // negative if the open failed
 };
 
 }  // namespace marlune

@@ -6,13 +6,13 @@ namespace marlune {
 
 namespace {
 
-// All characters that are looked for are ASCII, which UTF-8 holds nowhere inside another
-// character: the scans go by bytes.
+// All characters searched for are ASCII, and UTF-8 never uses those bytes inside another character,
+// so the scans work on bytes.
 constexpr std::string_view kWhitespace = " \n\t";
 
 bool isWhitespace(char c) { return kWhitespace.find(c) != std::string_view::npos; }
 
-// Where the last character begins, in bytes. `text` is not empty.
+// The index in bytes at which the last character begins. `text` is not empty.
 std::size_t startOfLastCharacter(std::string_view text) {
   const auto unit = utf16Suffix(text, 1);
   return text.size() - (unit ? *unit : *utf16Suffix(text, 2)).size();

@@ -21,21 +21,21 @@ constexpr std::string_view kExportedKeys[] = {
     TQUtilsBluetoothTraceDefault, TQUtilsApplicationTraceDefault};
 constexpr std::size_t kExportedKeyCount = std::size(kExportedKeys);
 
-// The place of `key` among the exported ones, their number for any other. They all differ in
-// length, so this compares one text at most.
+// The index of `key` among the exported keys; their number for any other key. The exported keys
+// differ in length, so at most one comparison reads any text.
 std::size_t exportedKeyIndex(std::string_view key) {
   std::size_t index = 0;
   while (index < kExportedKeyCount && kExportedKeys[index] != key) ++index;
   return index;
 }
 
-// What is known of each exported key: the preferences' change count when it was looked up, times
-// two, plus one if it was on. 0 is nothing known, since change counts begin with 1. In one number,
-// so that a thread never sees half of another's answer.
+// The cached result for each exported key: the preferences' change count at the look-up, times two,
+// plus one if the key was on. 0 means nothing is cached, since change counts begin at 1. It is a
+// single number, so that no thread reads half of another's result.
 using Decisions = std::array<std::atomic<std::uint64_t>, kExportedKeyCount>;
 
-// The settings of the process. They are meant to be made early, from one thread; the lock makes
-// one that comes late harmless too. It is never held while a line is written.
+// The settings of the process. They should be made early, from one thread; the lock also makes a
+// later change safe. It is never held while a line is written.
 struct LogSettings {
   std::atomic<bool> usesPartnerPreferences{false};
   Decisions ownDecisions{};
@@ -46,13 +46,13 @@ struct LogSettings {
   std::shared_ptr<LogFile> file;
 };
 
-// Never destroyed: objects that die at the process's end may still log.
+// Never destroyed: objects destroyed at process exit may still log.
 LogSettings& settings() {
   static LogSettings* const shared = new LogSettings;
   return *shared;
 }
 
-thread_local int silences = 0;  // of this thread, that live
+thread_local int silences = 0;  // Silence objects alive on this thread
 
 SystemLog& systemLogInUse() {
   static StandardErrorLog* const standardError = new StandardErrorLog;
@@ -65,7 +65,7 @@ std::string pathInDirectory(const std::string& directory, const std::string& nam
   return directory + (needsSlash ? "/" : "") + name;
 }
 
-// The open log file, while a log directory is set.
+// The open log file; nullptr while no log directory is set.
 std::shared_ptr<LogFile> fileToLogTo() {
   LogSettings& all = settings();
   const std::lock_guard lock(all.mutex);
@@ -103,7 +103,7 @@ void TQUtils::_systemLog(std::string_view format,
   if (silences > 0) return;
   systemLogInUse().write(formatted(format, arguments));
 } catch (const std::exception&) {
-  // A line that cannot be made is lost, as one that cannot be written.
+  // A line that cannot be formatted is lost, like one that cannot be written.
 }
 
 void TQUtils::_write(std::string_view type, std::string_view format,
@@ -113,7 +113,7 @@ void TQUtils::_write(std::string_view type, std::string_view format,
   systemLogInUse().write(message);
   __logToFileForMessageType(type, message);
 } catch (const std::exception&) {
-  // As above.
+  // The line is lost.
 }
 
 void TQUtils::__logToFileForMessageType(std::string_view type, std::string_view message) {

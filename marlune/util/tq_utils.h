@@ -13,7 +13,7 @@
 
 namespace marlune {
 
-// Boolean preferences that switch traces on. Each is named as its constant is.
+// Boolean preferences that switch traces on. The value of each constant is its own name.
 inline constexpr std::string_view ZKPlistErrorDefault = "ZKPlistErrorDefault";
 inline constexpr std::string_view ZKPlistNotificationDefault = "ZKPlistNotificationDefault";
 inline constexpr std::string_view ZKSnOMilestoneDefault = "ZKSnOMilestoneDefault";
@@ -27,43 +27,43 @@ inline constexpr std::string_view TQUtilsApplicationTraceDefault = "TQUtilsAppli
 // The preferences domain of the partner application.
 inline constexpr std::string_view VexaPreferencesDomain = "com.example.vexa";
 
-// The library's way of writing diagnostics, and its gateway to preferences. Lines go to the system
-// log and, while a log directory is set, to a log file of this run as well. Nothing here ever
-// fails towards its caller.
+// Writes the library's diagnostics and gives access to preferences. Lines go to the system log and,
+// while a log directory is set, also to a log file of this run. Nothing here reports a failure to
+// the caller.
 //
-// Threads: any, at any time, except the settings (directory, switch, new log file): one at a time,
-// meant to be made once, early. A Silence counts for its own thread.
+// Threads: any, at any time, except the settings (directory, switch, new log file): change them
+// from one thread at a time, early. A Silence applies to its own thread.
 class TQUtils {
  public:
   TQUtils() = delete;
 
-  // Writes an unconditional line. Formats as `formatted` tells.
+  // Writes an unconditional line, formatted as by `formatted`.
   template <typename... Arguments>
   static void log(std::string_view format, const Arguments&... arguments) {
     _log(format, {FormatArgument(arguments)...});
   }
 
-  // Writes a line that is wanted only while the boolean preference `key` is true, in the app's own
-  // preferences or, with the partner switch on, in the partner's. Decides before it describes any
-  // argument: an unwanted line costs a few nanoseconds and allocates nothing.
+  // Writes a line only while the boolean preference `key` is true in the app's own preferences or,
+  // with the partner switch on, in the partner's. The check comes before any argument is described:
+  // an unwanted line costs a few nanoseconds and allocates nothing.
   template <typename... Arguments>
   static void forDefaultLog(std::string_view key, std::string_view format,
                             const Arguments&... arguments) {
     if (isWantedForDefault(key)) _write(key, format, {FormatArgument(arguments)...});
   }
 
-  // Whether lines under `key` are written just now. The exported keys are looked up again only when
+  // Whether lines under `key` are written now. Exported keys are looked up again only after
   // preferences have changed, any other key at every call.
   static bool isWantedForDefault(std::string_view key);
 
-  // Writes a line straight to the system log: never to a log file, never keyed.
+  // Writes a line only to the system log, never to a log file, and without a key.
   template <typename... Arguments>
   static void systemLog(std::string_view format, const Arguments&... arguments) {
     _systemLog(format, {FormatArgument(arguments)...});
   }
 
-  // While one lives, this thread writes no lines, of whatever way: for work that is done a second
-  // time and has written its lines the first time. They nest.
+  // While one exists, this thread logs nothing. Used when work that has already logged its lines is
+  // repeated. Silences nest.
   class Silence {
    public:
     Silence();
@@ -72,39 +72,40 @@ class TQUtils {
     Silence& operator=(const Silence&) = delete;
   };
 
-  // Starts a new log file in `directory` and files every later line there too; nullptr stops
-  // filing and leaves the open file as it is. The very same object as before changes nothing.
-  // The directory must exist (see ensureDirectoryExists).
+  // Starts a new log file in `directory` and writes every later line to it too. nullptr stops that
+  // and leaves the open file unchanged. Passing the same object as before has no effect. The
+  // directory must exist (see ensureDirectoryExists).
   static void setShouldLogToFilesInDirectory(std::shared_ptr<const std::string> directory);
 
-  // With true, keyed lines are switched by the partner app's preferences alone.
+  // If true, keyed lines are switched by the partner app's preferences alone.
   static void setShouldUseVexaAppPreferenceKeyForLogging(bool flag);
 
   // Starts a new log file, "<stamp>_Oskavel.log", in the log directory.
   static void resetLogs();
 
-  // Makes `path` a directory, with its parents. Something else in its place is moved aside first,
-  // to "<path>.tmp<n>". What goes wrong is logged.
+  // Creates the directory `path`, with its parents. Anything else at the path is first moved to
+  // "<path>.tmp<n>". Failures are logged.
   static void ensureDirectoryExists(std::string_view path);
 
-  // The partner app's preferences. A value of another kind reads as false or absent; what is set
-  // or removed is written at once. True are the boolean, a number other than 0, and the texts "1",
-  // "yes" and "true" in any case; a number is a whole one in text too, or a real, truncated.
+  // The partner app's preferences. A value of another kind reads as false or absent; a value set or
+  // removed is written at once. True values are the boolean, a number other than 0, and the texts
+  // "1", "yes" and "true" in any case. A number may also be the text of a whole number, or a real,
+  // which is truncated.
   static bool vexaUserDefaultsBoolForKey(std::string_view key);
   static std::optional<std::string> vexaUserDefaultsStringForKey(std::string_view key);
   static std::optional<std::int64_t> vexaUserDefaultsNumberForKey(std::string_view key);
   static void vexaUserDefaultsSetString(std::string_view value, std::string_view forKey);
   static void vexaUserDefaultsRemoveObjectForKey(std::string_view key);
 
-  // The time in the local zone as "yyyy-MM-dd-HH-mm-SS". The last field is hundredths of a
-  // second, not seconds: file names and stamps have always been so.
+  // The time in the local zone as "yyyy-MM-dd-HH-mm-SS". The last field is hundredths of a second,
+  // not seconds; the names of log files depend on it.
   static std::string __dateStringForDate(std::chrono::system_clock::time_point date);
 
  private:
   static void _log(std::string_view format, std::initializer_list<FormatArgument> arguments);
   static void _systemLog(std::string_view format,
                          std::initializer_list<FormatArgument> arguments) noexcept;
-  // Both ways at once; `type` is what the line is filed as.
+  // Writes to the system log and the log file; `type` is the type of the line in the file.
   static void _write(std::string_view type, std::string_view format,
                      std::initializer_list<FormatArgument> arguments) noexcept;
   static void __logToFileForMessageType(std::string_view type, std::string_view message);

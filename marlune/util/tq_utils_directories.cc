@@ -1,4 +1,4 @@
-// The directories' side of TQUtils.
+// The part of TQUtils that deals with directories.
 
 #include <pwd.h>
 #include <unistd.h>
@@ -17,7 +17,8 @@ namespace {
 
 constexpr unsigned long kLastNumberAside = 1000;
 
-// The home directory of `user`, of the current user when empty. Nothing when there is no such user.
+// The home directory of `user`, or of the current user when empty. Nothing when there is no such
+// user.
 std::optional<std::string> homeDirectory(const std::string& user) {
   const char* const home = user.empty() ? std::getenv("HOME") : nullptr;
   if (home && *home) return home;
@@ -42,14 +43,14 @@ std::string withoutTilde(std::string_view path) {
   return *home + std::string(path.substr(end));
 }
 
-// `path` with "~", ".", ".." and redundant separators resolved, by its text alone.
+// `path` with "~", ".", ".." and redundant separators resolved, from the text alone.
 std::string standardizedPath(std::string_view path) {
   std::string standard = std::filesystem::path(withoutTilde(path)).lexically_normal().string();
   while (standard.size() > 1 && standard.back() == '/') standard.pop_back();
   return standard;
 }
 
-// Whether anything at all stands at `path`, a link that leads nowhere included.
+// Whether anything exists at `path`, including a dangling link.
 bool isTaken(const std::string& path) {
   std::error_code error;
   return std::filesystem::exists(std::filesystem::symlink_status(path, error));
@@ -68,7 +69,7 @@ void moveAside(const std::string& path) {
   const std::string aside = freePathAside(path);
   std::error_code error;
   if (isTaken(aside)) {
-    error = std::make_error_code(std::errc::file_exists);  // never lose what is there
+    error = std::make_error_code(std::errc::file_exists);  // never overwrite an existing file
   } else {
     std::filesystem::rename(path, aside, error);
   }

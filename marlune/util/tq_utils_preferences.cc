@@ -1,4 +1,4 @@
-// The preferences' side of TQUtils.
+// The part of TQUtils that deals with preferences.
 
 #include <algorithm>
 #include <charconv>
@@ -23,7 +23,7 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) {
                     });
 }
 
-// Settings written by hand hold their switches as text too.
+// In settings written by hand, switches may also be text.
 bool isTrue(const Value& value) {
   if (const std::string* text = value.asString()) {
     return *text == "1" || equalsIgnoringCase(*text, "yes") || equalsIgnoringCase(*text, "true");

@@ -15,7 +15,7 @@ bool isContinuation(std::string_view text, std::size_t at) {
   return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
 }
 
-// The character at `at`, which is inside the text.
+// The character at `at`, a byte index inside the text.
 Character characterAt(std::string_view text, std::size_t at) {
   const auto lead = static_cast<unsigned char>(text[at]);
   const auto next = at + 1 < text.size() ? static_cast<unsigned char>(text[at + 1]) : 0;
@@ -39,7 +39,7 @@ bool isAscii(std::string_view text) {
   return bits < 0x80;
 }
 
-// The number of bytes that the first `units` characters take.
+// The number of bytes in the first `units` UTF-16 units.
 std::optional<std::size_t> bytesOfUnits(std::string_view text, std::size_t units) {
   std::size_t at = 0;
   while (units > 0) {
