@@ -12,7 +12,7 @@ namespace marlune {
 
 namespace {
 
-// Joined only for a line that is really written.
+// Joins the words only if the line is written.
 class SpokenWords : public Describable {
  public:
   explicit SpokenWords(std::span<const std::string> words) : _words(words) {}
@@ -29,8 +29,8 @@ class SpokenWords : public Describable {
   std::span<const std::string> _words;
 };
 
-// The last path component without its last four characters. These are ".aif": the bundle was asked
-// for nothing else.
+// The last path component without its last four characters, which are ".aif": the bundle was asked
+// for that type only.
 std::string nameOfRecording(std::string_view path) {
   std::string_view name = path.substr(path.find_last_of('/') + 1);
   const auto extension = utf16Suffix(name, 4);
@@ -48,8 +48,7 @@ std::unique_ptr<Decomposer> Decomposer::initWithDirectory(
 Decomposer::Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle)
     : _bundle(std::move(bundle)), _memo(std::make_unique<DecompositionMemo>()) {
   _readRecordings(directory);
-  // Not before the paths are given back: what the allocator makes of so many small pieces it does
-  // here, and not when the first phrase asks for a large one.
+  // After `paths` is freed, so that the allocator consolidates now rather than on the first phrase.
   _memo->addRecordings(_availableSoundFiles);
 }
 
@@ -92,19 +91,19 @@ Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>&
 Decomposition Decomposer::_refuse(std::size_t words) {
   TQUtils::log("ERROR: A phrase of %lu words and %lu bytes is too long to be decomposed.", words,
                _key.text().size());
-  _key = JoinedKey();  // which has grown to the phrase's size
+  _key = JoinedKey();  // release the buffer, which has grown to the phrase's size
   return nullptr;
 }
 
-// Which phrases are said otherwise now is not known here.
+// We cannot tell which phrases changed, so drop them all.
 void Decomposer::_forgetSuperseded() {
   if (_memo->superseded().size() == _supersededSeen) return;
   _phrases.clear();
   _supersededSeen = _memo->superseded().size();
 }
 
-// A delegate may ask this decomposer while it is being asked; that inner question then finds no
-// idle search and makes its own.
+// A delegate may call this decomposer while answering. The nested call then finds no idle search
+// and creates its own.
 std::uint32_t Decomposer::_search(std::span<const std::string> words, bool isSubsetOfWhole) {
   std::unique_ptr<SplitSearch> search = std::move(_idleSearch);
   if (!search) search = std::make_unique<SplitSearch>(*this, *_memo);

@@ -21,66 +21,68 @@ namespace marlune {
 class DecompositionMemo;
 class SplitSearch;
 
-// Answers which recordings, played one after the other, say a phrase: the fewest, and of equally
-// few those with the longest leading ones. A recording of the whole stretch is better than any
-// split, and what the delegate says is better than everything.
+// Finds the recordings that say a phrase when played one after the other: the fewest, and among
+// equally few those with the longest leading recordings. A single recording of a stretch is better
+// than any split, and the delegate's answer takes precedence over everything.
 //
-// A recording is named by the decomposition key of its words: these joined with "_", "_[" made
-// "[". A phrase with a bracketed attribute falls back to the recording without it, a single word
-// does not. Every answer, "cannot be said" included, is remembered under its key for the
-// decomposer's lifetime, for parts and whole phrases alike.
+// A recording is named by the decomposition key of its words: the words joined with "_", then "_["
+// replaced by "[". A phrase with a bracketed attribute falls back to the recording without it; a
+// single word does not. Every answer, including "cannot be said", is remembered under its key for
+// the decomposer's lifetime, for whole phrases and their parts alike.
 //
 // Words are compared byte by byte with the names that the bundle reports. Pass words in Unicode's
 // normal form C (NFC), which is the form of the names that a bundle reports.
 //
-// A phrase of more than 2,000 words, or of so much text that the square of its words times the
-// bytes of its key is more than 2^37 (128 GiB; 2,000 words of 16 bytes each are just allowed), is
-// not split: remembering all its stretches would take gigabytes, or minutes. It is answered by what
-// is remembered for it, the delegate, or a recording of the whole; otherwise the answer is null,
-// with an unconditional line each time, and nothing is remembered.
+// A phrase is not split if it has more than 2,000 words, or if the square of its words times the
+// bytes of its key exceeds 2^37 (128 GiB; 2,000 words of 16 bytes each are just allowed):
+// remembering all its stretches would take gigabytes, or minutes. Such a phrase is answered by a
+// remembered answer, the delegate, or a recording of the whole. Otherwise the answer is null, an
+// unconditional line is logged each time, and nothing is remembered.
 //
-// Where memory runs out, std::bad_alloc leaves to the caller: no decomposer was made, or the one at
-// hand is as good as before. What it has remembered by then is right and stays; the same call may
-// be made again, and goes on from there. What a delegate throws leaves in the same way.
+// If memory runs out, std::bad_alloc reaches the caller. The decomposer either was not created or
+// is still usable: the answers remembered so far are correct and kept, and a repeated call
+// continues from them. Exceptions from a delegate reach the caller in the same way.
 //
-// Lines go under ZKPlistNotificationDefault.
+// Lines are logged under ZKPlistNotificationDefault.
 //
-// Threads: any, one at a time for each decomposer; others may be used at the same time.
+// Threads: any; each decomposer is used by one thread at a time. Different decomposers may be used
+// at the same time.
 class Decomposer {
  public:
-  // The recordings are the "aif" resources of the bundle's sub-directory `directory`, read now and
-  // never again. Keeps a share of the bundle; null is a bundle without resources.
+  // The recordings are the "aif" resources in the bundle's sub-directory `directory`. They are read
+  // now and never again. Shares ownership of the bundle; a null bundle has no resources.
   static std::unique_ptr<Decomposer> initWithDirectory(
       std::string_view directory, std::shared_ptr<const ResourceBundle> bundle);
   ~Decomposer();
   Decomposer(const Decomposer&) = delete;
   Decomposer& operator=(const Decomposer&) = delete;
 
-  // How to say the phrase; null when it cannot be said. A word may carry a bracketed attribute
-  // ("finish[x]"). An absent phrase (null) has no answer and leaves no trace. From the second time
-  // on, the same phrase gets the same list, without an allocation.
+  // The recordings that say the phrase; null when it cannot be said. A word may have a bracketed
+  // attribute ("finish[x]"). An absent phrase (null) has no answer and logs nothing. From the
+  // second call on, the same phrase returns the same list without an allocation.
   Decomposition optimalDecompositionOf(const std::vector<std::string>& words);
   Decomposition optimalDecompositionOf(const std::vector<std::string>* words);
 
-  // The same without the opening line. `isSubsetOfWhole` is what a delegate is told of the words:
-  // whether they are a part of a phrase.
+  // The same without the opening line. `isSubsetOfWhole` is passed to the delegate: whether the
+  // words are part of a phrase.
   Decomposition optimalDecompositionOf(const std::vector<std::string>& words, bool isSubsetOfWhole);
 
-  // Asked before every search; not owned, and may be absent. A new one does not change what is
-  // remembered.
+  // Asked before every search. Not owned; may be absent. A new delegate does not change the
+  // remembered answers.
   std::shared_ptr<DecomposerOverrides> delegate() const { return _delegate.lock(); }
   void setDelegate(std::weak_ptr<DecomposerOverrides> delegate) { _delegate = std::move(delegate); }
 
-  // The recordings' names in the bundle's order, duplicates kept.
+  // The names of the recordings in the bundle's order, duplicates included.
   const std::vector<std::string>& availableSoundFiles() const { return _availableSoundFiles; }
 
-  // The worker calls so far, as the plain recursion over all splits would make them. Wraps around.
+  // The number of worker calls so far, as the plain recursion over all splits would make them.
+  // Wraps around.
   std::int32_t iterations() const { return static_cast<std::int32_t>(_iterations); }
 
-  // Internal: with true, every counted call writes a line.
+  // Internal: if true, every counted call logs a line.
   void _setDebugging(bool debugging) { _debugging = debugging; }
 
-  // Internal: a copy of all that is remembered; null values are the failures.
+  // Internal: a copy of all remembered answers; null values are failures.
   std::map<std::string, Decomposition> _cache() const;
 
  private:
@@ -97,10 +99,10 @@ class Decomposer {
   std::vector<std::string> _availableSoundFiles;
   std::shared_ptr<const ResourceBundle> _bundle;
   std::unique_ptr<DecompositionMemo> _memo;
-  PhraseMemo _phrases;                       // the memo's answers once more
-  std::size_t _supersededSeen = 0;           // of the memo's, when the phrases were last right
-  JoinedKey _key;                            // of the phrase being looked up
-  std::unique_ptr<SplitSearch> _idleSearch;  // kept for its tables; null while it is at work
+  PhraseMemo _phrases;                       // a second-level cache, keyed by the words
+  std::size_t _supersededSeen = 0;           // superseded entries already handled
+  JoinedKey _key;                            // the key of the phrase being looked up
+  std::unique_ptr<SplitSearch> _idleSearch;  // kept for its tables; null while in use
   std::weak_ptr<DecomposerOverrides> _delegate;
   std::uint32_t _iterations = 0;
   bool _debugging = false;

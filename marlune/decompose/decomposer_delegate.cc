@@ -4,7 +4,7 @@ namespace marlune {
 
 namespace {
 
-// The lists become shared ones here, once, so that an answer is handed out without a copy.
+// Converts the lists to shared ones once, so that answers are returned without copying.
 std::map<std::string, Decomposition, std::less<>> sharedLists(
     const DecomposerDelegate::Overrides& overrides) {
   std::map<std::string, Decomposition, std::less<>> table;

@@ -12,17 +12,17 @@
 
 namespace marlune {
 
-// Dictates from two fixed tables how phrases are said: one for whole phrases, one for parts of
-// phrases. A table never answers for the other, and no file is checked for existence.
+// Answers from two fixed tables: one for whole phrases, one for parts of phrases. Neither table is
+// used for the other kind, and the files are not checked for existence.
 //
 // Threads: any, at any time; the tables never change.
 class DecomposerDelegate : public DecomposerOverrides {
  public:
-  // From decomposition key (the words joined with "_", "_[" collapsed to "[") to file names
+  // Maps a decomposition key (the words joined with "_", "_[" replaced by "[") to file names
   // without extension.
   using Overrides = std::map<std::string, std::vector<std::string>, std::less<>>;
 
-  // Both tables are copied; an empty one answers nothing.
+  // Copies both tables. An empty table answers nothing.
   static std::shared_ptr<DecomposerDelegate> initWithWholeOverrides(const Overrides& wholeOverrides,
                                                                     const Overrides& partOverrides);
 

@@ -9,18 +9,19 @@ namespace marlune {
 
 class Decomposer;
 
-// What a Decomposer asks before it searches by itself: anything that may dictate how a phrase, or a
-// stretch of one, is said. DecomposerDelegate is the library's own.
+// The delegate of a Decomposer, asked before every search: it may decide how a phrase, or a stretch
+// of one, is said. DecomposerDelegate is the library's implementation.
 //
-// Threads: called on the thread that asks the decomposer, during the question.
+// Threads: called during a call to the decomposer, on the same thread.
 class DecomposerOverrides {
  public:
   virtual ~DecomposerOverrides() = default;
 
   // The files that say the stretch whose decomposition key is `key`; null leaves it to the
   // decomposer. `isSubsetOfWhole` is false for a whole phrase, true for a part that the search
-  // tries. `key` lives for the call only. An answer is taken as it is, may have any length, and
-  // is final for that key. May ask `decomposer` itself and may change its delegate.
+  // tries. `key` is valid during the call only. The answer is used unchanged, may have any length,
+  // and is final for that key. The implementation may call `decomposer` and may change its
+  // delegate.
   virtual Decomposition decompositionOf(Decomposer& decomposer, std::string_view key,
                                         bool isSubsetOfWhole) = 0;
 };

@@ -7,9 +7,8 @@
 
 namespace marlune {
 
-// The recordings that say a phrase, in the order in which they are to be played: file names
-// without extension. Null when the phrase cannot be said. May be the very list that a cache holds,
-// so it is shared and never changed.
+// The recordings that say a phrase, in playing order: file names without extension. Null when the
+// phrase cannot be said. The list may also be held by a cache, so it is shared and never changes.
 using Decomposition = std::shared_ptr<const std::vector<std::string>>;
 
 }  // namespace marlune

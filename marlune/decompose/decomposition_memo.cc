@@ -12,7 +12,7 @@ namespace marlune {
 
 namespace {
 
-// Asks for memory that will be read soon.
+// Prefetches memory that will be read soon.
 void prefetch([[maybe_unused]] const void* memory) {
 #if defined(__GNUC__)
   __builtin_prefetch(memory);
@@ -22,8 +22,8 @@ void prefetch([[maybe_unused]] const void* memory) {
 constexpr std::size_t kSmallTable = std::size_t{8} * 1024;  // slots
 constexpr std::size_t kTextBlock = std::size_t{16} * 1024;
 
-// Appends `key` without what stands between "[" and "]", and without these; no more than `limit`
-// bytes of it. Whether it ended within the limit.
+// Appends `key` without the brackets "[" and "]" and the text between them, at most `limit` bytes.
+// Returns whether it fitted.
 bool appendWithoutBrackets(std::string& text, std::string_view key, std::size_t limit) {
   bool inside = false;
   for (const char c : key) {
@@ -59,7 +59,7 @@ void DecompositionMemo::addRecordings(std::span<const std::string> names) {
 DecompositionMemo::Id DecompositionMemo::recordingWithoutBrackets(std::string_view key) {
   _stripped.clear();
   if (!appendWithoutBrackets(_stripped, key, _longestRecording)) return 0;
-  if (_stripped.size() == key.size()) return 0;  // no bracket in it
+  if (_stripped.size() == key.size()) return 0;  // no brackets
   const Id id = find({_stripped, key_hash::ofText(_stripped)});
   return isRecording(id) ? id : 0;
 }
@@ -94,7 +94,7 @@ void DecompositionMemo::findOrAdd(std::span<const Key> keys, Id* ids) {
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const std::uint32_t tag = _tag(keys[i].hash);
     prefetch(&_slots[tag & mask]);
-    ids[i] = tag;  // until the second round
+    ids[i] = tag;  // holds the tag until the second loop
   }
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const std::uint32_t tag = ids[i];
@@ -125,10 +125,11 @@ DecompositionMemo::Id DecompositionMemo::_add(const Entry& entry) {
 void DecompositionMemo::_makeRoomFor(std::size_t keys) {
   if (2 * (_used + keys) <= _slots.size()) [[likely]]
     return;
-  // A small table grows in larger steps: that costs little memory, and saves moving most of it.
+  // A small table grows by a larger factor: this costs little memory and saves most of the
+  // rehashing.
   const std::size_t room = _slots.size() <= kSmallTable ? 4 : 2;
   std::vector<Slot> slots(std::bit_ceil(room * (_used + keys)));
-  // The used ones are moved together first: whether a slot is used is anybody's guess.
+  // Compacts the used slots first, because slot occupancy is unpredictable to the branch predictor.
   std::size_t used = 0;
   for (const Slot& slot : _slots) {
     _slots[used] = slot;
@@ -146,7 +147,7 @@ void DecompositionMemo::_makeRoomFor(std::size_t keys) {
 void DecompositionMemo::_makeTextBlock(std::size_t size) {
   _texts.push_back(std::make_unique<char[]>(size));
   _freeText = _texts.back().get();
-  _freeTextSize = size;  // not before there is such a block
+  _freeTextSize = size;  // only once the block exists
 }
 
 const char* DecompositionMemo::keep(std::string_view text) {
@@ -184,7 +185,7 @@ DecompositionMemo::Id DecompositionMemo::_remember(Id id, const Key& key, const 
   return id;
 }
 
-// Rare: a stretch with the very same key stood inside this one, or a delegate asked meanwhile.
+// Rare: this stretch contained another with the same key, or a delegate called the decomposer.
 DecompositionMemo::Id DecompositionMemo::_supersede(const Key& key, const Entry& answer) {
   const std::size_t at = _slotOf(key);
   const Id earlier = _slots[at].id;
@@ -204,7 +205,7 @@ DecompositionMemo::Id DecompositionMemo::_supersede(const Key& key, const Entry&
 std::vector<std::string> DecompositionMemo::_files(const Entry& answer) const {
   std::vector<std::string> files;
   files.reserve(answer.fileCount);
-  std::vector<const Entry*> pending{&answer};  // a stack: halves can be nested a phrase deep
+  std::vector<const Entry*> pending{&answer};  // a stack: halves nest up to a phrase deep
   while (!pending.empty()) {
     const Entry& entry = *pending.back();
     pending.pop_back();

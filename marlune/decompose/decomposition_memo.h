@@ -14,44 +14,44 @@
 
 namespace marlune {
 
-// What is known of decomposition keys, in one table: which of them name a recording, and what was
-// worked out for them, failures included. Only grows.
+// Everything known about decomposition keys, in one table: which keys name a recording, and the
+// answers found for them, including failures. Only grows.
 //
-// An entry is a few numbers. Its key lies in a text that is shared with the other stretches of the
-// phrase; a found split is the two entries of its halves. Lists are built when handed out.
+// An entry is a few numbers. Its key is a slice of a text shared with the phrase's other stretches;
+// a split refers to the entries of its two halves. Lists are built when they are returned.
 class DecompositionMemo {
  public:
-  // An entry, good for the memo's lifetime; 0 is none.
+  // Identifies an entry for the memo's lifetime; 0 means no entry.
   using Id = std::uint32_t;
 
-  // A key with its hash (key_hash::ofText of the whole of it).
+  // A key with its hash (key_hash::ofText of the whole key).
   struct Key {
     std::string_view text;
     std::uint64_t hash;
   };
 
   enum class State : std::uint8_t {
-    open,      // nothing remembered
+    open,      // no answer remembered
     failed,    // remembered: cannot be said
-    recorded,  // one recording says it: its entry is `first`
+    recorded,  // said by one recording, whose entry is `first`
     split,     // said by `first`, then `second`
-    given      // a list from outside
+    given      // said by a list from outside
   };
 
-  // Makes the names known as recordings, and room for as many other keys: not in the middle of the
-  // first phrases is the table to grow. REQUIRES: the texts outlive the memo.
+  // Marks the names as recordings, and reserves room for as many other keys so that the table does
+  // not grow during the first phrases. REQUIRES: the texts outlive the memo.
   void addRecordings(std::span<const std::string> names);
 
-  // The recording named as the key is without what stands between "[" and "]", and without these; 0
-  // when there is none, or no bracket.
+  // The recording whose name is the key without brackets and the text between them; 0 when there is
+  // none, or the key has no brackets.
   Id recordingWithoutBrackets(std::string_view key);
 
-  // The entry of the key; `findOrAdd` makes an open one, and keeps a view of the text, when there
-  // is none. REQUIRES for `findOrAdd`: the text outlives the memo (see `keep`).
+  // The entry of the key. If there is none, `findOrAdd` adds an open one, which refers to the key's
+  // text. REQUIRES for `findOrAdd`: the text outlives the memo (see `keep`).
   Id find(const Key& key) const;
   Id findOrAdd(const Key& key);
 
-  // The same for many keys, for whose places memory is asked at once. `ids` has room for as many.
+  // The same for many keys; prefetches their slots first. `ids` has room for one entry per key.
   void findOrAdd(std::span<const Key> keys, Id* ids);
 
   // A copy of the text that lives as long as the memo.
@@ -62,7 +62,7 @@ class DecompositionMemo {
   std::uint32_t fileCount(Id id) const { return _entry(id).fileCount; }  // 0 when failed
   std::string_view text(Id id) const { return {_entry(id).text, _entry(id).length}; }
 
-  // Remembers the answer of an open entry.
+  // Store the answer of an open entry.
   void answerWithFailure(Id id) { _setAnswer(_entry(id), _answer(State::failed)); }
   void answerWithRecording(Id id, Id recording) {
     _setAnswer(_entry(id), _answer(State::recorded, 1, recording));
@@ -71,48 +71,48 @@ class DecompositionMemo {
     _setAnswer(_entry(id), _answer(State::split, files, first, second));
   }
 
-  // Remembers what was found for the key, whose entry was `id` when the work on it began. Returns
-  // the entry that now holds it. That is `id`, unless the key was answered otherwise meanwhile:
-  // then the last answer counts for the key, and the entry that held the earlier one joins
-  // `superseded`, still the half of whatever split was found with it.
+  // Store the answer found for the key, whose entry was `id` when the search began. Return the
+  // entry that holds the answer now. This is `id`, unless the key was answered during the search:
+  // then the last answer replaces the earlier one for the key, and the earlier entry joins
+  // `superseded`. Splits found with the earlier entry still refer to it.
   Id rememberFailure(Id id, const Key& key);
   Id rememberRecording(Id id, const Key& key, Id recording);
   Id rememberSplit(Id id, const Key& key, Id first, Id second);
   Id rememberGiven(Id id, const Key& key, Decomposition files);
   const std::vector<Id>& superseded() const { return _superseded; }
 
-  // The remembered answer; null when failed. A list that was not given from outside is built anew.
+  // The remembered answer; null when failed. Builds a new list, except for one from outside.
   // REQUIRES: the entry is not open.
   Decomposition decomposition(Id id) const;
 
-  // Calls back with every remembered key and its entry, in no particular order.
+  // Calls `visit` for every remembered key and its entry, in no particular order.
   void forEachRemembered(const std::function<void(std::string_view key, Id id)>& visit) const;
 
  private:
   struct Entry {
     const char* text = nullptr;
     std::uint32_t length = 0;
-    Id first = 0;  // or, for a list from outside, its place in _given
+    Id first = 0;  // or the index in _given of a list from outside
     Id second = 0;
     std::uint32_t fileCount : 28 = 0;
     std::uint32_t state : 3 = 0;
     std::uint32_t isRecording : 1 = 0;
   };
   static constexpr std::uint32_t kMostFiles = (1u << 28) - 1;
-  // Part of the hash stands beside the entry's number, so that most misses end here.
+  // Part of the hash is stored with the entry's number, so that most misses end here.
   struct Slot {
     std::uint32_t tag = 0;
     Id id = 0;
   };
 
-  // Entries stand in blocks: a growing memo never moves them, nor holds twice what it needs.
+  // Entries are stored in blocks: the memo grows without moving them or allocating twice its size.
   static constexpr std::size_t kBlock = 128;
   const Entry& _entry(Id id) const { return _blocks[id / kBlock][id % kBlock]; }
   Entry& _entry(Id id) { return _blocks[id / kBlock][id % kBlock]; }
   Id _add(const Entry& entry);
 
   static std::uint32_t _tag(std::uint64_t hash);
-  // Where it is, or the free slot where it belongs.
+  // The key's slot, or the free slot in which to put it.
   std::size_t _slotOf(std::string_view text, std::uint32_t tag) const;
   std::size_t _slotOf(const Key& key) const { return _slotOf(key.text, _tag(key.hash)); }
   Id _addAt(std::size_t slot, std::string_view text, std::uint32_t tag);
@@ -137,7 +137,7 @@ class DecompositionMemo {
   std::vector<std::string> _files(const Entry& answer) const;
 
   std::vector<std::unique_ptr<Entry[]>> _blocks;
-  std::size_t _entryCount = 1;                       // entry 0 is none, and never looked at
+  std::size_t _entryCount = 1;                       // entry 0 means none and is never read
   std::vector<Slot> _slots = std::vector<Slot>(16);  // a power of two, at most half used
   std::size_t _used = 0;
   std::vector<Decomposition> _given;

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kShort = 16;
 constexpr std::uint64_t kOnes = 0x0101010101010101u;
 
-// Not zero when a byte of `bytes` is `c`.
+// Nonzero if any byte of `bytes` equals `c`.
 constexpr std::uint64_t found(std::uint64_t bytes, unsigned char c) {
   const std::uint64_t zeroWhereFound = bytes ^ (kOnes * c);
   return (zeroWhereFound - kOnes) & ~zeroWhereFound & (kOnes << 7);
@@ -37,7 +37,8 @@ void copyShort(char* to, const char* from, std::size_t count) {
   }
 }
 
-// Appends a word as it stands in a key: " " as "_", and no "_" before a "[". Returns the new end.
+// Appends a word in the form it has in a key: " " becomes "_", and a "_" before a "[" is dropped.
+// Returns the new end.
 char* appendWord(char* to, std::string_view word) {
   char* const begin = to;
   for (const char c : word) {
@@ -51,8 +52,8 @@ bool isPlain(std::string_view word) {
   return !word.empty() && word[0] != '[' && word.find_first_of(" _") == std::string_view::npos;
 }
 
-// Most words are short and without any mark; they are one piece, copied and hashed in one go.
-// Gives up `plain` where the word is not.
+// Most words are short and contain no special character: these are one piece, copied and hashed in
+// one step. Clears `plain` if the word is not plain.
 char* appendAndRead(char* to, const std::string& word, key_hash::Reader& reader, bool& plain) {
   if (word.size() <= kShort) {
     const key_hash::Bytes bytes = key_hash::loadShort(word.data(), word.size());
@@ -89,7 +90,7 @@ void JoinedKey::join(std::span<const std::string> words) {
   char* end = begin;
   Word* next = _words.data();
   for (const std::string& word : words) {
-    // Not before the first word; and a bracket swallows the "_" that would part it off.
+    // No separator before the first word, and none before a bracket.
     if (next != _words.data() && !word.starts_with('[')) {
       *end++ = '_';
       reader.addSeparator();

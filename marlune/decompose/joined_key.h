@@ -10,28 +10,28 @@
 
 namespace marlune {
 
-// The decomposition key of a phrase: its words joined with " ", every " " then turned into "_",
-// every "_[" into "[". What makes it fast: the key of any stretch of the words is a slice of the
-// key of the whole. The "_" that an attribute bracket swallows stands between two words, or inside
-// one, and so never at a stretch's edge.
+// The decomposition key of a phrase: its words joined with " ", then every " " replaced by "_" and
+// every "_[" by "[". The key of any stretch of the words is a slice of the key of the whole phrase,
+// which makes it fast. A "_" dropped before a bracket lies between two words or inside one, and so
+// never at the edge of a stretch.
 //
-// Reused from phrase to phrase, it allocates only for a longer one than it has seen.
+// When reused, allocates only for a phrase longer than any before.
 class JoinedKey {
  public:
-  // Replaces what was there. The words are not kept.
+  // Replaces the previous key. The words are not kept.
   void join(std::span<const std::string> words);
 
   std::string_view text() const { return {_text.data(), _size}; }
   std::uint64_t hash() const { return _hash; }
 
-  // Whether the key tells which words it is of: none is empty, holds " " or "_" or begins with "[".
+  // Whether the key determines the words: none is empty, contains " " or "_", or begins with "[".
   bool isPlain() const { return _isPlain; }
   bool hasBrackets() const {
     return text().find('[') != std::string_view::npos || text().find(']') != std::string_view::npos;
   }
 
-  // The rest speaks of the stretch [from, to) of words, counted from 0. REQUIRES: from < to, and
-  // for `hash` that `prepareSlices` was called after `join`.
+  // The functions below refer to the stretch [from, to) of words, counted from 0. REQUIRES: from <
+  // to; `hash` also requires that `prepareSlices` was called after `join`.
   void prepareSlices();
   std::size_t offset(std::size_t from) const { return _words[from].begin; }
   std::size_t length(std::size_t from, std::size_t to) const {
@@ -44,7 +44,7 @@ class JoinedKey {
   }
 
  private:
-  // Where a word stands in the text, and what a reader of the text has come to there.
+  // A word's position in the text, and the hash of the text before it.
   struct Word {
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -56,7 +56,7 @@ class JoinedKey {
 
   void _makeRoomFor(std::span<const std::string> words);
 
-  std::vector<char> _text;  // only ever grows: the key is its first `_size` bytes
+  std::vector<char> _text;  // never shrinks: the key is its first `_size` bytes
   std::size_t _size = 0;
   std::uint64_t _hash = 0;
   std::uint32_t _pieces = 0;
@@ -65,7 +65,7 @@ class JoinedKey {
   std::vector<std::uint64_t> _powers;  // of the hash's base
 };
 
-// The key alone, for whoever needs it as a string.
+// The key as a string of its own.
 std::string decompositionKey(std::span<const std::string> words);
 
 }  // namespace marlune

@@ -7,18 +7,18 @@
 #include <cstring>
 #include <string_view>
 
-// A hash of decomposition keys that can be had for any slice of a key between two words without
-// looking at its characters again.
+// A hash of decomposition keys. The hash of any slice between two words is available without
+// reading the slice's characters again.
 //
-// A key is read as pieces: every "_" is one, and the text between is cut before each "[". Words
-// begin and end between two pieces, so the same stretch has the same pieces wherever it stands and
-// however the words were cut. The hash is a polynomial over the pieces' own hashes, modulo 2^64.
+// A key is divided into pieces: every "_" is one, and the text in between is cut before each "[".
+// Words begin and end between two pieces, so a stretch has the same pieces wherever it occurs and
+// however its words were cut. The hash is a polynomial over the hashes of the pieces, modulo 2^64.
 namespace marlune::key_hash {
 
 inline constexpr std::uint64_t kBase = 0x9e3779b97f4a7c15u;       // odd, else powers lose bits
 inline constexpr std::uint64_t kSeparator = 0xd6e8feb86659fd93u;  // the hash of the piece "_"
 
-// Up to 16 bytes as two numbers; the halves overlap when there are fewer.
+// Up to 16 bytes as two numbers, which overlap when there are fewer bytes.
 struct Bytes {
   std::uint64_t first = 0;
   std::uint64_t last = 0;
@@ -63,7 +63,7 @@ inline std::uint64_t ofPiece(const char* from, std::size_t count) {
   return mixed(loadShort(from, count), seed);
 }
 
-// Reads a key from left to right.
+// Hashes a key from left to right.
 struct Reader {
   std::uint64_t hash = 0;
   std::uint32_t pieces = 0;
@@ -79,7 +79,7 @@ struct Reader {
   }
 };
 
-// Adds any number of pieces, a beginning or end of text being a cut as well.
+// Adds any number of pieces; the beginning and the end of the text are cuts too.
 inline void Reader::addText(std::string_view text) {
   std::size_t begin = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {

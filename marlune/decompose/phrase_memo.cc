@@ -11,7 +11,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kLongest = 7;  // bytes of a word that is packed into one number
+constexpr std::size_t kLongest = 7;  // bytes of a word that fits into one number
 
 // REQUIRES: size <= kLongest.
 std::uint64_t packShort(const char* word, std::size_t size) {
@@ -29,7 +29,7 @@ std::uint64_t packShort(const char* word, std::size_t size) {
 
 std::size_t mostNumbers(const std::string& word) { return word.size() / 8 + 2; }
 
-// No short word begins with the mark of a long one. Returns how many numbers it takes.
+// The mark of a long word never begins a short one. Returns the number of numbers written.
 std::size_t packLong(std::uint64_t* const to, const std::string& word) {
   std::uint64_t* end = to;
   const char* from = word.data();
@@ -40,7 +40,8 @@ std::size_t packLong(std::uint64_t* const to, const std::string& word) {
   return static_cast<std::size_t>(end - to);
 }
 
-// Four lanes, since a multiplication takes several cycles. Within a lane nothing gets lost.
+// Four lanes, since a multiplication takes several cycles. Each step is invertible within its lane,
+// so no information is lost.
 std::uint64_t hashOf(const std::uint64_t* numbers, std::size_t count) {
   std::array<std::uint64_t, 4> lanes{count, 1, 2, 3};
   const auto mix = [](std::uint64_t& lane, std::uint64_t number) {
@@ -67,7 +68,8 @@ void PhraseMemo::_pack(std::span<const std::string> words) {
     if (word.size() <= kLongest) [[likely]] {
       _packed[size++] = packShort(word.data(), word.size());
     } else {
-      const std::size_t most = size + mostNumbers(word) + left;  // the rest takes one each
+      const std::size_t most =
+          size + mostNumbers(word) + left;  // at least one for each remaining word
       if (_packed.size() < most) _packed.resize(most);
       size += packLong(&_packed[size], word);
     }
@@ -100,7 +102,7 @@ void PhraseMemo::clear() {
   _slots.assign(_slots.size(), kNone);
 }
 
-// Where the packed phrase is, or the free slot where it belongs.
+// The slot of the packed phrase, or the free slot in which to put it.
 std::size_t PhraseMemo::_slotOf(std::uint64_t hash) const {
   const std::size_t mask = _slots.size() - 1;
   std::size_t at = static_cast<std::size_t>(hash) & mask;

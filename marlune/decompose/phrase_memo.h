@@ -11,18 +11,18 @@
 
 namespace marlune {
 
-// The answers to whole phrases once more, found by their words as they stand: a phrase that comes
-// again needs no key.
+// A second-level cache of answers to whole phrases, keyed by the words: a repeated phrase needs no
+// key.
 //
-// Words are compared as the numbers that they are packed into, eight bytes at a time. One of up to
-// seven bytes is one number, its size in the highest byte; a longer one has its size before it.
+// Words are packed into numbers, eight bytes each, and compared as such. A word of up to seven
+// bytes is one number with its size in the highest byte; a longer one is preceded by its size.
 class PhraseMemo {
  public:
-  // The list given for the phrase, null being one; a null pointer when none was. Good until the
-  // next `add` or `clear`. Allocates only for a longer phrase than it has seen.
+  // A pointer to the list stored for the phrase, which may be null; nullptr when none was stored.
+  // Valid until the next `add` or `clear`. Allocates only for a phrase longer than any before.
   const Decomposition* find(std::span<const std::string> words);
 
-  // Keeps the list for the phrase, instead of an earlier one.
+  // Stores the list for the phrase and replaces an earlier one.
   void add(std::span<const std::string> words, Decomposition files);
 
   void clear();
@@ -30,7 +30,7 @@ class PhraseMemo {
  private:
   struct Phrase {
     std::uint64_t hash = 0;
-    std::size_t begin = 0;  // of its packed words, in _words
+    std::size_t begin = 0;  // index of its packed words in _words
     std::size_t size = 0;
     Decomposition files;
   };
@@ -40,9 +40,9 @@ class PhraseMemo {
   std::size_t _slotOf(std::uint64_t hash) const;
   void _grow();
 
-  std::vector<std::uint64_t> _packed;  // the phrase being looked up: the first _packedSize of it
+  std::vector<std::uint64_t> _packed;  // the phrase looked up, in the first _packedSize numbers
   std::size_t _packedSize = 0;
-  std::vector<std::uint64_t> _words;  // of all phrases
+  std::vector<std::uint64_t> _words;  // the packed words of all phrases
   std::vector<Phrase> _phrases;
   std::vector<std::uint32_t> _slots = std::vector<std::uint32_t>(16, kNone);  // at most half used
 };

@@ -11,8 +11,8 @@ namespace marlune {
 
 namespace {
 
-// Instead of a count: so large that no sum with it is accepted, and so small that no sum with it
-// is a count. Sums of two still fit.
+// Stands for an absent count: large enough that no sum with it is accepted or equals a real count.
+// The sum of two still fits.
 constexpr std::int32_t kCannotBeSaid = 1 << 29;
 constexpr std::int32_t kNotReached = -(1 << 30);
 
@@ -26,8 +26,8 @@ bool SplitSearch::isWorthKeeping() const {
 
 DecompositionMemo::Id SplitSearch::run(std::span<const std::string> words, JoinedKey& key,
                                        bool isSubsetOfWhole) {
-  // Taken away while a delegate may ask in between, and given back with the room that it has: the
-  // next phrase of this length is joined without an allocation.
+  // Takes the caller's key, because a delegate may call the decomposer during the search, and gives
+  // it back with its capacity, so that joining the next phrase of this length does not allocate.
   std::swap(_key, key);
   const DecompositionMemo::Id answer = _run(words, isSubsetOfWhole);
   std::swap(_key, key);
@@ -60,7 +60,7 @@ DecompositionMemo::Id SplitSearch::_run(std::span<const std::string> words, bool
   return _answer;
 }
 
-// The entry of a key that has none yet; the key's text is then the one that the memo keeps.
+// Adds the entry of a key that has none. Afterwards the key refers to the memo's copy of its text.
 DecompositionMemo::Id SplitSearch::_enter(DecompositionMemo::Key& key) {
   key.text = {_memo.keep(key.text), key.text.size()};
   return _memo.findOrAdd(key);
@@ -71,8 +71,8 @@ bool SplitSearch::_isTooLong() const {
   return words > kMostWords || words * words * _key.text().size() > kMostWork;
 }
 
-// Of a phrase whose key has no entry, and is not the name of a recording therefore. It gets one
-// only with an answer, since the entry would keep the text.
+// Answers a long phrase whose key has no entry and hence names no recording. Adds an entry only for
+// an answer, because the entry would keep the text.
 DecompositionMemo::Id SplitSearch::_answerOfLongPhrase(bool isSubsetOfWhole) {
   DecompositionMemo::Key whole{_key.text(), _key.hash()};
   Decomposition given = _askDelegate(whole.text, isSubsetOfWhole);
@@ -83,8 +83,8 @@ DecompositionMemo::Id SplitSearch::_answerOfLongPhrase(bool isSubsetOfWhole) {
                : _memo.rememberRecording(id, whole, recording);
 }
 
-// Whether nobody can tell the order of the calls. A delegate that is no more may have had the
-// phrase answered before it went.
+// Whether the order of the calls is unobservable. An expired delegate may have had the phrase
+// answered before it expired, so the entry must still be open.
 bool SplitSearch::_isUnwatched(Id whole) const {
   return _key.isPlain() && _words.size() <= StretchSweep::kMostWords && !_decomposer._debugging &&
          _decomposer._delegate.expired() && _memo.state(whole) == DecompositionMemo::State::open &&
@@ -96,8 +96,8 @@ DecompositionMemo::Key SplitSearch::_keyOf(std::size_t from, std::size_t to) con
   return {{_text + _key.offset(from), _key.length(from, to)}, _key.hash(from, to)};
 }
 
-// Everything that a worker tries once the memo has no answer, short of the split search. Returns
-// the entry that now holds the answer, or 0 when only a search can tell.
+// Everything that a worker tries once the memo has no answer, except the split search. Returns the
+// entry that now holds the answer, or 0 when a search is needed.
 DecompositionMemo::Id SplitSearch::_answerWithoutSplit(std::size_t from, std::size_t to, Id id,
                                                        bool isSubsetOfWhole) {
   const DecompositionMemo::Key key = _keyOf(from, to);
@@ -119,7 +119,7 @@ DecompositionMemo::Id SplitSearch::_answerWithoutSplit(std::size_t from, std::si
   return count <= 1 ? _memo.rememberFailure(id, key) : 0;
 }
 
-// nullptr when there is no delegate, or it has no answer.
+// nullptr when there is no delegate or it has no answer.
 Decomposition SplitSearch::_askDelegate(std::string_view key, bool isSubsetOfWhole) {
   const auto delegate = _decomposer._delegate.lock();
   if (!delegate) return nullptr;
@@ -131,7 +131,7 @@ Decomposition SplitSearch::_askDelegate(std::string_view key, bool isSubsetOfWho
   return answer;
 }
 
-// A recording must have the word's own name here: a word that holds a blank differs from its key.
+// Here a recording must have the word's own name: a word with a blank differs from its key.
 bool SplitSearch::_isRecordedWord(const std::string& word, Id id) const {
   if (word == _memo.text(id)) return _memo.isRecording(id);
   return _memo.isRecording(_memo.find({word, key_hash::ofText(word)}));
@@ -144,7 +144,7 @@ void SplitSearch::_makeTables() {
   _idsByBegin.resize(cells);
 }
 
-// A worker call, already counted, for a part whose cell is not filled.
+// Performs a worker call, already counted, for a part whose cell is not filled.
 void SplitSearch::_open(std::size_t from, std::size_t to) {
   Id id = _memo.findOrAdd(_keyOf(from, to));
   if (_memo.state(id) != DecompositionMemo::State::open) return _set(from, to, id);
@@ -157,7 +157,7 @@ void SplitSearch::_search(std::size_t from, std::size_t to, Id id) {
   _forgetSuperseded();
   const Frame frame{from, to, id, 0};
   const std::int32_t fewest = _fewestFiles(from, to);
-  // Mostly everything inside was reached before, and none of the calls would do anything.
+  // Usually every stretch inside has been reached before, so none of the calls would do anything.
   const bool anyNotReached = fewest < 0;
   if (anyNotReached || _decomposer._debugging) {
     _frames.push_back(frame);
@@ -184,7 +184,7 @@ void SplitSearch::_callOrFinish() {
   if (_countsByBegin[_byBegin(begin, end)] < 0) _open(begin, end);
 }
 
-// The fewest files that a split of the stretch gives; negative while a half was not reached yet.
+// The fewest files over all splits of the stretch; negative if a half has not been reached yet.
 std::int32_t SplitSearch::_fewestFiles(std::size_t from, std::size_t to) const {
   const std::int32_t* const first = &_countsByBegin[_byBegin(from, from + 1)];
   const std::int32_t* const second = &_countsByEnd[_byEnd(from + 1, to)];
@@ -196,11 +196,11 @@ std::int32_t SplitSearch::_fewestFiles(std::size_t from, std::size_t to) const {
 void SplitSearch::_finish(const Frame& frame, std::int32_t fewest) {
   const auto [from, to, id, call] = frame;
   const DecompositionMemo::Key key = _keyOf(from, to);
-  // More files than words can only come of a delegate's answers, and are not taken.
+  // Only a delegate's answers can give more files than words. Such a split is not taken.
   if (static_cast<std::size_t>(fewest) > to - from) {
     return _set(from, to, _memo.rememberFailure(id, key));
   }
-  // Among ties the longest first half wins.
+  // Among ties, the longest first half wins.
   std::size_t middle = to - 1;
   while (_countsByBegin[_byBegin(from, middle)] + _countsByEnd[_byEnd(middle, to)] != fewest) {
     --middle;
@@ -222,8 +222,8 @@ void SplitSearch::_set(std::size_t from, std::size_t to, Id id) {
   if (from == 0 && to == _words.size()) _answer = id;
 }
 
-// Cells are copies of what the memo holds. A key that got another answer is to be looked up again;
-// no open frame has used the earlier one, since it was not there when the frame came by.
+// Cells are copies of the memo's entries. A key with a new answer is looked up again. No open frame
+// has used the earlier answer, because it did not exist when the frame passed the stretch.
 void SplitSearch::_forgetSuperseded() {
   for (; _supersededSeen < _memo.superseded().size(); ++_supersededSeen) {
     const Id superseded = _memo.superseded()[_supersededSeen];

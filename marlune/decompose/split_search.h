@@ -16,39 +16,40 @@ namespace marlune {
 
 class Decomposer;
 
-// The work on one phrase that the memo does not know. Mostly a StretchSweep does it. Where the
-// order of calls can be told, this does what the plain recursion does (ask the worker for both
-// halves of every split, from left to right, and keep the last of the shortest answers), with the
-// same calls counted and the same questions and lines in the same order, but makes a call only
-// where it would reach a stretch for the first time.
+// Solves one phrase that the memo cannot answer. A StretchSweep solves most phrases. Where the
+// order of calls is observable, this class does what the plain recursion does: for every split,
+// from left to right, ask the worker for both halves, and keep the last of the shortest answers. It
+// counts the same calls and makes the same delegate calls and log lines in the same order, but
+// performs a call only if it reaches a stretch for the first time.
 //
-// Stretches [from, to) of words are looked up once each; after that their file counts stand in two
-// tables, by first word and by last, so that the splits of a stretch are two runs of numbers.
+// Each stretch [from, to) of words is looked up once. Its file count is then stored in two tables,
+// one ordered by first word and one by last word, so that the splits of a stretch are two
+// contiguous runs of numbers.
 class SplitSearch {
  public:
   SplitSearch(Decomposer& decomposer, DecompositionMemo& memo)
       : _decomposer(decomposer), _memo(memo), _sweep(memo) {}
 
-  // A phrase is split only when it has at most so many words, and the square of the words times
-  // the bytes of its key is at most kMostWork. Every stretch of a phrase is remembered, about 57
+  // A phrase is split only if it has at most this many words and the square of the words times the
+  // bytes of its key is at most kMostWork. Every stretch of a phrase is remembered, at about 57
   // bytes each, and where words repeat, the keys of equal stretches are compared.
   static constexpr std::size_t kMostWords = 2000;
   static constexpr std::uint64_t kMostWork = std::uint64_t{1} << 37;
 
-  // The entry that answers `words`; 0 when the phrase would have to be split and is too long, of
-  // which nothing is remembered. `key` is their key, and is swapped for a reusable one.
-  // REQUIRES: the call for the whole is already counted, and the memo was asked for it in vain.
+  // The entry that answers `words`; 0 when the phrase would have to be split but is too long, in
+  // which case nothing is remembered. `key` is the key of the words, and is swapped for a reusable
+  // buffer. REQUIRES: the call for the whole is already counted, and the memo has no answer for it.
   DecompositionMemo::Id run(std::span<const std::string> words, JoinedKey& key,
                             bool isSubsetOfWhole);
 
-  // Whether the next phrase may use the same object, which then allocates less.
+  // Whether to reuse the object for the next phrase, which then allocates less.
   bool isWorthKeeping() const;
 
  private:
   using Id = DecompositionMemo::Id;
 
-  // A stretch whose splits are being tried, and the next of its worker calls: first half, second
-  // half of the split after one word, of the split after two, and so on.
+  // A stretch whose splits are being tried, and the index of its next worker call: first half,
+  // second half of the split after one word, then of the split after two words, and so on.
   struct Frame {
     std::size_t from;
     std::size_t to;
@@ -75,8 +76,8 @@ class SplitSearch {
   void _set(std::size_t from, std::size_t to, Id id);
   void _forgetSuperseded();
 
-  // A stretch's place in the table that is ordered by first word, then by last; and in the one
-  // ordered by last word, then by first.
+  // A stretch's index in the table ordered by first word, then by last word; and in the table
+  // ordered by last word, then by first word.
   std::size_t _byBegin(std::size_t from, std::size_t to) const {
     return from * (2 * _words.size() - from + 1) / 2 + (to - from - 1);
   }
@@ -87,7 +88,7 @@ class SplitSearch {
   StretchSweep _sweep;
   std::span<const std::string> _words;
   JoinedKey _key;
-  const char* _text = nullptr;  // the key's, where the memo keeps it
+  const char* _text = nullptr;  // the key's text, in the memo's copy
   bool _hasBrackets = false;
   Id _answer = 0;
   std::vector<std::int32_t> _countsByBegin;

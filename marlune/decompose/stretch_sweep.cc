@@ -7,12 +7,13 @@ namespace marlune {
 
 namespace {
 
-// Instead of a count: so large that no sum with it is accepted, and so small that sums of two fit.
+// Stands for an absent count: large enough that no sum with it is accepted, small enough that the
+// sum of two fits.
 constexpr std::int16_t kCannotBeSaid = (1 << 14) - 1;
 
 constexpr std::uint32_t kLastSplit = 0xffff;
 
-// Eight counts, on which most processors work at once.
+// Eight counts fit one vector register of most processors.
 constexpr std::int16_t kLanes = 8;
 using Lanes __attribute__((vector_size(kLanes * sizeof(std::int16_t)))) = std::int16_t;
 
@@ -33,7 +34,7 @@ void StretchSweep::run(const JoinedKey& key, const char* text, std::size_t wordC
   _makeTables();
   _addSearched({{0, static_cast<std::uint32_t>(wordCount)}, whole});
   for (std::size_t length = wordCount - 1; length > 0; --length) _reach(length);
-  // From here on nothing allocates: what was reached is answered.
+  // Nothing below allocates, so every stretch that was reached gets its answer.
   for (std::size_t i = _searched.size(); i-- > 0;) _answer(_searched[i]);
 }
 
@@ -45,7 +46,7 @@ void StretchSweep::_makeTables() {
     _countsByEnd.resize(cells);
     _ids.resize(cells);
   }
-  // Cells are set before they are read, but for those behind a run.
+  // Cells are written before they are read, except those after a run's end.
   for (std::size_t to = 0; to <= _wordCount; ++to) {
     std::fill_n(&_countsByEnd[to * _stride + to], std::size_t{kLanes}, kCannotBeSaid);
   }
@@ -63,7 +64,7 @@ void StretchSweep::_addSearched(const Searched& searched) {
   _isEndReached[searched.stretch.to] = 1;
 }
 
-// Looks up the stretches of a length that are halves of longer ones, all at once.
+// Looks up, in one batch, the stretches of this length that are halves of longer ones.
 void StretchSweep::_reach(std::size_t length) {
   std::size_t count = 0;
   for (std::size_t from = 0; from + length <= _wordCount; ++from) {
@@ -86,7 +87,7 @@ void StretchSweep::_reach(std::size_t length) {
   }
 }
 
-// As the recursion does it: a single word needs a recording of its own.
+// As in the recursion, a single word needs a recording of its own.
 bool StretchSweep::_isAnsweredWithoutSplit(Id id, const Key& key, std::size_t length) {
   if (_memo.isRecording(id)) {
     _memo.answerWithRecording(id, id);
@@ -100,15 +101,16 @@ bool StretchSweep::_isAnsweredWithoutSplit(Id id, const Key& key, std::size_t le
   return true;
 }
 
-// REQUIRES: all shorter ones inside are answered.
+// REQUIRES: all shorter stretches inside it have answers.
 void StretchSweep::_answer(const Searched& searched) {
   const auto [from, to] = searched.stretch;
   const Id id = searched.id;
   if (_memo.state(id) != DecompositionMemo::State::open) return _set(from, to, id);  // a repetition
+                                                                                     // before
   const std::size_t length = to - from;
   _calls += 2 * (length - 1);
   const auto [files, split] = _bestSplit(from, to);
-  // More files than words can only come of a delegate's answers, and are not taken.
+  // Only a delegate's answers can give more files than words. Such a split is not taken.
   if (files > length) {
     _memo.answerWithFailure(id);
     return _setCount(from, to, id, kCannotBeSaid);
@@ -118,9 +120,9 @@ void StretchSweep::_answer(const Searched& searched) {
   _setCount(from, to, id, static_cast<Count>(files));
 }
 
-// Of the splits with the fewest files the one with the longest first half. Every lane keeps the
-// last of its own; the runs may be read beyond their end, since no count stands there in the table
-// by end.
+// Among the splits with the fewest files, the one with the longest first half. Every lane keeps its
+// own last best split. Reading past the end of a run is harmless: the table by end has no
+// count there.
 StretchSweep::Split StretchSweep::_bestSplit(std::size_t from, std::size_t to) const {
   const Count* first = &_countsByBegin[from * _stride];
   const Count* second = &_countsByEnd[to * _stride + from + 1];
@@ -129,12 +131,12 @@ StretchSweep::Split StretchSweep::_bestSplit(std::size_t from, std::size_t to) c
   Lanes split{0, 1, 2, 3, 4, 5, 6, 7};
   for (std::size_t i = 0; i < to - from - 1; i += kLanes) {
     const Lanes sum = lanesAt(first + i) + lanesAt(second + i);
-    const Lanes isBetter = sum <= files;  // all bits or none
+    const Lanes isBetter = sum <= files;  // each lane is all ones or zero
     files = (files & ~isBetter) | (sum & isBetter);
     splits = (splits & ~isBetter) | (split & isBetter);
     split += kLanes;
   }
-  // The same order as one number: fewer files first, then the later split.
+  // The same order in a single number: fewer files first, then the later split.
   std::uint32_t best = ~0u;
   for (std::size_t lane = 0; lane < kLanes; ++lane) {
     const auto sum = static_cast<std::uint32_t>(files[lane]);

@@ -12,24 +12,24 @@
 
 namespace marlune {
 
-// The work on one phrase while nobody watches: no delegate, no lines, and words whose key tells
-// them apart. Then the order of the plain recursion cannot be told, and its stretches are worked on
-// by length. Longest first it finds those that the recursion would reach, which are the halves of
-// every stretch that neither the memo nor a recording answers; shortest first it finds their
-// answers. Remembers the same answers, and counts the same calls, as the recursion.
+// Solves one phrase when the call order is unobservable: no delegate, no log lines, and words that
+// are determined by their key. Works on the stretches by length. A pass from the longest to the
+// shortest finds those that the recursion would reach: the halves of every stretch that neither the
+// memo nor a recording answers. A pass from the shortest to the longest then finds their answers.
+// Remembers the same answers and counts the same calls as the recursion.
 class StretchSweep {
  public:
-  static constexpr std::size_t kMostWords = 4000;  // sums of counts are small numbers
+  static constexpr std::size_t kMostWords = 4000;  // so that sums of counts fit in a Count
 
   explicit StretchSweep(DecompositionMemo& memo) : _memo(memo) {}
 
-  // Remembers the answer for the whole phrase, under the entry `whole`. `text` is its key's where
-  // the memo keeps it. REQUIRES: the key is plain and ready for slices, 2 to kMostWords words,
-  // `whole` is open and no recording says it.
+  // Remembers the answer for the whole phrase under the entry `whole`. `text` is the memo's copy of
+  // the key's text. REQUIRES: the key is plain and ready for slices, there are 2 to kMostWords
+  // words, `whole` is open and no recording says it.
   void run(const JoinedKey& key, const char* text, std::size_t wordCount,
            DecompositionMemo::Id whole);
 
-  // The worker calls of the last run, without the one for the whole.
+  // The number of worker calls in the last run, without the one for the whole.
   std::size_t calls() const { return _calls; }
 
   bool isWorthKeeping() const { return _ids.capacity() <= kCellsWorthKeeping; }
@@ -51,7 +51,7 @@ class StretchSweep {
   };
   struct Split {
     std::uint32_t files;
-    std::uint32_t split;  // after the word of this number in the stretch
+    std::uint32_t split;  // how many words of the stretch precede the split
   };
 
   void _makeTables();
@@ -72,18 +72,17 @@ class StretchSweep {
   std::size_t _wordCount = 0;
   std::size_t _stride = 0;
   std::size_t _calls = 0;
-  // The fewest files of [from, to): at [from][to - from - 1], and at [to][from].
+  // The fewest files of [from, to): at [from][to - from - 1] and at [to][from].
   std::vector<Count> _countsByBegin;
   std::vector<Count> _countsByEnd;
   std::vector<Id> _ids;
-  // Whether a longer stretch with this begin, or this end, is searched.
+  // Whether a longer stretch with this begin, or with this end, is searched.
   std::vector<std::uint8_t> _isBeginReached;
   std::vector<std::uint8_t> _isEndReached;
   std::vector<Searched> _searched;  // longest first
-  std::vector<Stretch> _reached;    // of one length
+  std::vector<Stretch> _reached;    // all of one length
   std::vector<Key> _keys;
   std::vector<Id> _found;
-  std::string _stripped;
 };
 
 }  // namespace marlune
