@@ -68,8 +68,7 @@ void PhraseMemo::_pack(std::span<const std::string> words) {
     if (word.size() <= kLongest) [[likely]] {
       _packed[size++] = packShort(word.data(), word.size());
     } else {
-      const std::size_t most =
-          size + mostNumbers(word) + left;  // at least one for each remaining word
+      const std::size_t most = size + mostNumbers(word) + left;  // one each for the rest
       if (_packed.size() < most) _packed.resize(most);
       size += packLong(&_packed[size], word);
     }

@@ -74,7 +74,7 @@ std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedTo(
   return theGrammar() ? theGrammar()->appliedTo(phrase) : nullptr;
 }
 
-// The compiled grammar skips what only the trace would show.
+// The compiled grammar skips work that only the trace would show.
 bool Parser::_worksCompiled() const {
   return _compiled && !TQUtils::isWantedForDefault(ZKPlistNotificationDefault);
 }

@@ -9,12 +9,12 @@
 
 namespace marlune {
 
-// Why a grammar cannot be loaded: a place in the file and what was found there. The only exception
-// that leaves the loading of a grammar.
+// Why a grammar cannot be loaded: a place in the file and the cause. The only exception that
+// loading a grammar throws, apart from std::bad_alloc.
 class [[gnu::visibility("default")]] GrammarError : public std::runtime_error {
  public:
   // `place` is a path such as "Main.Units._rhs[1]": keys joined by ".", positions in arrays from 0.
-  // It may be empty while the error is on its way through `within`.
+  // It may be empty until `within` has completed it.
   GrammarError(std::string place, std::string reason)
       : std::runtime_error(_message(place, reason)),
         _place(std::move(place)),
@@ -23,9 +23,9 @@ class [[gnu::visibility("default")]] GrammarError : public std::runtime_error {
   const std::string& place() const { return _place; }
   const std::string& reason() const { return _reason; }
 
-  // What `read` answers. A GrammarError that leaves it gets the key, or the array position, that
-  // was being read put before its place: a reader knows where its value stands in its own
-  // container, and the whole path comes together on the way out.
+  // Returns the result of `read`. Adds `key`, or the array position, to the front of the place of a
+  // GrammarError thrown by it: each reader adds the position in its own container, which builds the
+  // whole path.
   template <typename Read>
   static auto within(std::string_view key, Read read) {
     return _within([key] { return std::string(key); }, std::move(read));

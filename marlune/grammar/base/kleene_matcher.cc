@@ -11,8 +11,7 @@ void add(std::vector<std::uint64_t>& positions, std::size_t position) {
 
 }  // namespace
 
-// Backwards through the pattern: where does what stands behind a slot match, then where does it
-// match with that slot before it.
+// Works backwards: from where the rest matches, derive where slot + rest matches.
 std::vector<char> KleeneMatcher::matchesFrom(Run pattern) {
   std::vector<char> goal(_end + 1, true);
   for (Element element = pattern.first + pattern.count; element-- > pattern.first;) {
@@ -53,7 +52,8 @@ std::vector<char> KleeneMatcher::_beforeSlot(Element element, const std::vector<
   return result;
 }
 
-// Each repetition uses up as many slots as the body has: the bound on repetitions holds by itself.
+// Each repetition consumes one position for each slot of the body, so the bound on repetitions
+// holds automatically.
 std::vector<char> KleeneMatcher::_beforePlainBody(Run body, std::vector<char> goal) const {
   if (body.count > _end) return goal;
   for (std::size_t at = _end - body.count + 1; at-- > 0;) {
@@ -62,8 +62,8 @@ std::vector<char> KleeneMatcher::_beforePlainBody(Run body, std::vector<char> go
   return goal;
 }
 
-// The fewest repetitions that lead from each position to a goal, found breadth first; the bound
-// then says whether they may be tried.
+// Finds breadth first the fewest repetitions that lead from each position to a goal. The bound then
+// decides whether that many may be tried.
 std::vector<char> KleeneMatcher::_beforeBody(Run body, const std::vector<char>& goal) {
   std::vector<char> found = goal;
   std::vector<char> result = goal;
@@ -87,7 +87,7 @@ std::vector<char> KleeneMatcher::_beforeBody(Run body, const std::vector<char>& 
   return result;
 }
 
-// Where a match of all slots of `run`, each once, can end.
+// The positions at which a match of all slots of `run`, each once, can end.
 const KleeneMatcher::Positions& KleeneMatcher::_reachOfRun(Run run, std::size_t position) {
   const auto [place, isNew] = _runs.try_emplace({run.first, position});
   if (isNew) {

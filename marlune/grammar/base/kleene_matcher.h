@@ -9,33 +9,33 @@
 
 namespace marlune {
 
-// Matches a pattern that holds repetitions against all ends of a target at once, in time
-// polynomial in both, with the answers of the plain recursion, which tries 0, 1, 2, ...
-// repetitions and starts anew on the longer pattern each time:
+// Matches a pattern with repetitions against every suffix of a target at once, in time polynomial
+// in both. Gives the same results as the plain recursion, which tries 0, 1, 2, ... repetitions and
+// starts again on the longer pattern each time:
 //
 //  - a pattern that is not empty never matches where nothing of the target is left, even if it
 //    could repeat everything zero times;
 //  - n repetitions of a body of k slots are tried only where k * n slots are left. Inner
-//    repetitions may make a body use up fewer than k slots, so this can rule out a match.
+//    repetitions may make a body consume fewer than k slots, so this can rule out a match.
 //
-// A subclass says what the pattern is made of. Positions count from the start of the target, in
-// the direction of matching.
+// A subclass describes the elements of the pattern. Positions count from the start of the target,
+// in the direction of matching.
 class KleeneMatcher {
  public:
-  using Element = std::uint32_t;  // a number for one slot of the pattern, at any depth
+  using Element = std::uint32_t;  // the number of one slot of the pattern, at any depth
   struct Run {
-    Element first = 0;  // the slots of a sequence bear successive numbers
+    Element first = 0;  // the slots of a sequence have consecutive numbers
     std::uint32_t count = 0;
   };
 
   explicit KleeneMatcher(std::size_t targetCount) : _end(targetCount) {}
   virtual ~KleeneMatcher() = default;
 
-  // By position, from 0 up to the target's count, that one included: whether the pattern matches
-  // what is left of the target there.
+  // For each position from 0 to the target's count, inclusive: whether the pattern matches the rest
+  // of the target from there.
   std::vector<char> matchesFrom(Run pattern);
 
-  // The work so far: questions of _matchesAt, and set operations that take as long.
+  // The work so far: calls of _matchesAt, and set operations of similar cost.
   std::uint64_t steps() const { return _steps; }
 
  protected:
@@ -70,7 +70,7 @@ class KleeneMatcher {
 
   std::size_t _end;
   mutable std::uint64_t _steps = 0;
-  // What was found out already, by first element of a body or by element, and position.
+  // Cached results, by the first element of a body or by element, and by position.
   std::map<std::pair<Element, std::size_t>, Positions> _runs, _repetitions;
 };
 

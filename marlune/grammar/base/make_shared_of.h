@@ -6,9 +6,9 @@
 
 namespace marlune {
 
-// std::make_shared for the classes here, whose constructors are protected because clients make
-// their objects with the named factories. One allocation holds the object and its counts. Of no
-// use to clients, so that a shared library need not name what is made of this.
+// std::make_shared for this library's classes, whose constructors are protected because clients
+// create objects with the named factories. A single allocation holds the object and its counts. Not
+// meant for clients, so its instances need no exported symbols.
 template <typename Class, typename... Arguments>
 [[gnu::visibility("hidden")]] std::shared_ptr<Class> makeSharedOf(Arguments&&... arguments) {
   struct Made : Class {

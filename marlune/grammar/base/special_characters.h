@@ -6,7 +6,7 @@
 namespace marlune {
 
 // The vocabulary of grammar files: every marker and every key, in one place, so that no reader
-// spells one itself. Each operation gives the same string object at every call.
+// repeats one. Each operation returns the same string object in every call.
 class SpecialCharacters {
  public:
   SpecialCharacters() = delete;
@@ -20,13 +20,13 @@ class SpecialCharacters {
   // The attribute that a plain word sets; for callers.
   static const std::string& defaultAttribute();
 
-  // First in a slot array: a KleeneSlot.
+  // The first element of a slot array that makes a KleeneSlot.
   static const std::string& kleeneMarker();
 
-  // First in a slot array: a DisjunctionSlot.
+  // The first element of a slot array that makes a DisjunctionSlot.
   static const std::string& disjunctionMarker();
 
-  // First in a slot array: a NegationSlot.
+  // The first element of a slot array that makes a NegationSlot.
   static const std::string& negationMarker();
 
   // A part's place among its siblings.
@@ -41,7 +41,7 @@ class SpecialCharacters {
   // A part's name, written by the loader.
   static const std::string& partNameKey();
 
-  // Position in the matched stretch: of an AttributeKey, of a production's entry.
+  // A position in the matched stretch: in an AttributeKey and in a production's entry.
   static const std::string& indexKey();
 
   // An AttributeKey's attribute name.
@@ -50,22 +50,22 @@ class SpecialCharacters {
   // A conditional production's AttributeKeys.
   static const std::string& signatureKey();
 
-  // What stands between a signature's values.
+  // The text between a signature's values.
   static const std::string& delimiterKey();
 
   // A conditional production's productions by signature.
   static const std::string& expansionsKey();
 
-  // Left-hand side: what must stand right before.
+  // Left-hand side: the slots required right before.
   static const std::string& preContextKey();
 
-  // Left-hand side: what must stand right after.
+  // Left-hand side: the slots required right after.
   static const std::string& postContextKey();
 
-  // Left-hand side: what is rewritten.
+  // Left-hand side: the slots to rewrite.
   static const std::string& significantSlotsKey();
 
-  // A rule's left-hand side; tells a rule from a directory.
+  // A rule's left-hand side; its presence distinguishes a rule from a directory.
   static const std::string& lhsKey();
 
   // A rule's right-hand side.
@@ -74,22 +74,22 @@ class SpecialCharacters {
   // The attribute that holds a cell's word.
   static const std::string& contentKey();
 
-  // A rule's wish to run until nothing changes.
+  // Whether a rule runs until nothing changes.
   static const std::string& repeatKey();
 
   // Attribute of a word that is not spoken; for callers.
   static const std::string& suppressPronunciationKey();
 
-  // Truth as text; for callers.
+  // True as text; for callers.
   static const std::string& yesString();
 
-  // Its opposite; for callers.
+  // False as text; for callers.
   static const std::string& noString();
 
-  // The delimiter of a signature that gives none.
+  // The delimiter of a signature that has none.
   static const std::string& defaultSignatureDelimiter();
 
-  // The same attribute, in brackets behind a word; for callers.
+  // The same attribute, in brackets after a word; for callers.
   static const std::string& suppressPronunciationSuffix();
 };
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
 
-// Eight bytes a step: most words take one or two.
+// Eight bytes per step: most words take one or two.
 std::uint32_t hashOf(std::string_view text) {
   std::uint64_t hash = text.size() * kMultiplier;
   while (!text.empty()) {
@@ -61,7 +61,7 @@ void CompiledVocabulary::finish() {
   _table = {};
 }
 
-// Where `text` stands in the table, or the free place where it would.
+// The index of `text` in the table, or of the free place where it belongs.
 std::size_t CompiledVocabulary::_placeOf(std::string_view text, std::uint32_t hash) const {
   const std::size_t mask = _table.size() - 1;
   std::size_t place = hash & mask;

@@ -9,44 +9,43 @@
 
 namespace marlune {
 
-// The texts that a compiled grammar mentions (words, attribute names, attribute values), each
-// under a number of its own, so that comparing two of them is comparing two numbers. It grows only
-// while the grammar is compiled; the words of phrases never enter it.
+// The texts of a compiled grammar (words, attribute names, attribute values), each with its own
+// number, so that comparing two texts means comparing two numbers. Grows only while the grammar is
+// compiled; the words of phrases are never added.
 class CompiledVocabulary {
  public:
   using Id = std::uint32_t;
-  static constexpr Id kAbsent = 0;   // no text at all
+  static constexpr Id kAbsent = 0;   // no text
   static constexpr Id kEmpty = 1;    // ""
   static constexpr Id kContent = 2;  // "content"
 
   CompiledVocabulary();
 
-  // The number of `text`, given to it now if it has none yet.
+  // The number of `text`; assigns a new one if it has none.
   Id add(std::string_view text);
 
-  // The number of `text`; kAbsent when the grammar does not mention it.
+  // The number of `text`; kAbsent when the grammar does not contain it.
   Id find(std::string_view text) const;
 
-  // REQUIRES: 0 < id < count(). The view holds as long as nothing is added.
+  // REQUIRES: 0 < id < count(). The view is valid until a text is added.
   std::string_view text(Id id) const {
     return std::string_view(_texts).substr(_ends[id - 1], _ends[id] - _ends[id - 1]);
   }
 
-  // One more than the largest number given.
+  // One more than the largest number assigned.
   std::size_t count() const { return _ends.size(); }
 
   // The bytes of the longest text.
   std::size_t longest() const { return _longest; }
 
-  // The same texts under the same numbers.
+  // Whether both have the same texts under the same numbers.
   bool equals(const CompiledVocabulary& other) const {
     return _ends == other._ends && _texts == other._texts;
   }
 
   void shrinkToFit();
 
-  // For a vocabulary whose texts are only asked for by number from now on: lets go of what finds
-  // numbers.
+  // Frees the table that finds numbers. Afterwards texts are available by number only.
   void finish();
 
  private:
@@ -59,8 +58,8 @@ class CompiledVocabulary {
   void _grow();
 
   std::size_t _longest = 0;
-  std::string _texts;                // all texts, one behind the other
-  std::vector<std::uint32_t> _ends;  // by number: where its text ends
+  std::string _texts;                // all texts, concatenated
+  std::vector<std::uint32_t> _ends;  // indexed by number: where the text ends
   std::vector<Entry> _table;         // open addressing; a power of two, at most half full
 };
 

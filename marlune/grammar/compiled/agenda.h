@@ -9,9 +9,9 @@
 
 namespace marlune {
 
-// The rules that are still to be looked at for a phrase, as numbers in the order of application:
-// a set of bits, and above it one bit for each 64 of them, so that finding the next of a few among
-// thousands takes a step or two.
+// The rules still to be tried on a phrase, as numbers in the order of application. A bit set, with
+// a summary that has one bit for each 64 bits of the set, so that finding the next of a few rules
+// among thousands takes a step or two.
 class CompiledAgenda {
  public:
   static constexpr std::uint32_t kDone = 0xFFFFFFFF;
@@ -22,13 +22,15 @@ class CompiledAgenda {
     _place = 0;
   }
 
-  // A number that is there already stays there once. REQUIRES: larger than all taken out.
+  // Adds a number; has no effect if it is already there. REQUIRES: larger than every number
+  // removed.
   void add(std::uint32_t rule) {
     _bits[rule / 64] |= std::uint64_t{1} << (rule % 64);
     _summary[rule / 4096] |= std::uint64_t{1} << (rule / 64 % 64);
   }
 
-  // Takes out the smallest; kDone, and ready for the next phrase, when there is none.
+  // Removes and returns the smallest number. When there is none, returns kDone and is ready for the
+  // next phrase.
   std::uint32_t next() {
     for (; _place < _summary.size(); ++_place) {
       std::uint64_t& summary = _summary[_place];
@@ -52,7 +54,7 @@ class CompiledAgenda {
 
  private:
   std::vector<std::uint64_t> _bits, _summary;
-  std::size_t _place = 0;  // of the first word of the summary that may hold a bit
+  std::size_t _place = 0;  // index of the first summary word that may have a bit set
 };
 
 }  // namespace marlune

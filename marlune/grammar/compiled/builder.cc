@@ -13,7 +13,7 @@ namespace marlune {
 
 namespace {
 
-// Both are written into the flat tables with fewer bits than a count has.
+// The flat tables store both in fewer bits than a count has.
 constexpr std::uint32_t kMostMembers = 0xFFFFFF;
 constexpr std::uint32_t kMostRequirements = CompiledPhrase::kMaxAttributes;
 
@@ -80,7 +80,7 @@ CompiledBuilder::Part CompiledBuilder::_part(const Value& plist) {
   return part;
 }
 
-// The number is that in the order of the list.
+// Returns the rule's number in the order of the list.
 std::uint32_t CompiledBuilder::_addRule(const Value& plist) {
   CompiledRule compiled;
   std::shared_ptr<const Rule> object;
@@ -95,7 +95,7 @@ std::uint32_t CompiledBuilder::_addRule(const Value& plist) {
   return static_cast<std::uint32_t>(_tables.rules.size() - 1);
 }
 
-// Gives the rules their final numbers: `numbers` are those that they have, in the final order.
+// Puts the rules into their final order: `numbers` lists their current numbers in that order.
 void CompiledBuilder::_arrange(const std::vector<std::uint32_t>& numbers) {
   std::vector<CompiledRule> rules;
   std::vector<std::shared_ptr<const Rule>> objects;
@@ -111,8 +111,8 @@ void CompiledBuilder::_arrange(const std::vector<std::uint32_t>& numbers) {
   _isIdle = std::move(isIdle);
 }
 
-// What follows answers false for what is to be left to the rule's object; what it has put into the
-// tables by then is never looked at.
+// The functions below return false for a rule that is left to its object. What they have added to
+// the tables by then is never used.
 
 bool CompiledBuilder::_compile(const Dictionary& plist, CompiledRule& compiled) {
   const auto& lhs = plist.valueForKey(SpecialCharacters::lhsKey()).asDictionary();
@@ -133,7 +133,7 @@ bool CompiledBuilder::_compile(const Dictionary& plist, CompiledRule& compiled) 
   return rhs.asDictionary() && _choice(*rhs.asDictionary(), matched, compiled.production);
 }
 
-// The slots under the key; none when it is missing.
+// The slots under the key; none when the key is missing.
 bool CompiledBuilder::_runUnder(const std::string& key, const Dictionary& plist, bool backwards,
                                 Run& run) {
   const Value& slots = plist.valueForKey(key);
@@ -141,8 +141,8 @@ bool CompiledBuilder::_runUnder(const std::string& key, const Dictionary& plist,
   return slots.asArray() && _run(slots.asArray()->elements(), backwards, /*isAsked=*/false, run);
 }
 
-// Groups within the slots come to stand before the slots themselves. `isAsked`: whether the slots
-// are in a group that asks each by itself, which a repetition answers with a line.
+// Groups inside the slots are stored before the slots themselves. `isAsked`: whether the slots are
+// members of a group that matches each member by itself; a repetition then writes a line.
 bool CompiledBuilder::_run(std::span<const Value> slots, bool backwards, bool isAsked, Run& run) {
   if (slots.size() > kMostMembers) return false;
   const std::size_t outer = _elements.size();
@@ -201,8 +201,8 @@ bool CompiledBuilder::_literal(const Dictionary& attributes, Element& element) {
   return true;
 }
 
-// The literal with all requirements from the first one on. One that asks for a word alone needs
-// none of its own.
+// The literal with the requirements from `firstRequirement` on. A literal that requires only a word
+// needs no requirements of its own.
 CompiledBuilder::Element CompiledBuilder::_literalOf(std::size_t firstRequirement) {
   using Kind = CompiledPatterns::Kind;
   std::vector<CompiledPatterns::Requirement>& all = _tables.patterns.requirements;
@@ -250,7 +250,7 @@ bool CompiledBuilder::_production(const Array& plist, std::size_t matched,
       all.settings.push_back({CompiledVocabulary::kContent, _id(*entry.asString())});
     } else if (const auto& overlay = entry.asDictionary()) {
       const Value& index = overlay->valueForKey(SpecialCharacters::indexKey());
-      if (!index.isNumber()) break;  // the entries behind it do not count
+      if (!index.isNumber()) break;  // entries after this one are ignored
       each.index = std::max(index.integerValue(), CompiledProductions::kNew);
       if (each.index >= 0 && !isWithin(each.index, matched)) return false;
       if (!_settings(*overlay, matched)) return false;
@@ -314,7 +314,8 @@ bool CompiledBuilder::_choice(const Dictionary& plist, std::size_t matched, std:
   return true;
 }
 
-// An attribute of a slot that is sure to be among the matched ones.
+// A reference to an attribute of a slot. Returns false unless the slot is certain to be among the
+// matched ones.
 bool CompiledBuilder::_reference(const Value& plist, std::size_t matched,
                                  CompiledProductions::Reference& reference) {
   const auto& fields = plist.asDictionary();
@@ -328,7 +329,7 @@ bool CompiledBuilder::_reference(const Value& plist, std::size_t matched,
   return true;
 }
 
-// An idle rule is not filed at all: the phrase is padded without it.
+// Idle rules are not indexed: the phrase is padded without them.
 void CompiledBuilder::_fileRules() {
   for (const CompiledRule& rule : _tables.rules) {
     _forEachElement(rule, [this](std::uint32_t element, std::int32_t) {
@@ -362,7 +363,7 @@ void CompiledBuilder::_countFeatures(const Element& element) {
   }
 }
 
-// Files the rule under what the slot asks for that the fewest rules ask for.
+// Indexes the rule under the features of the slot whose features the fewest rules require.
 void CompiledBuilder::_file(std::uint32_t number) {
   CompiledRule& rule = _tables.rules[number];
   Features best;
@@ -381,7 +382,7 @@ void CompiledBuilder::_file(std::uint32_t number) {
   _tables.index.file(number, best);
 }
 
-// Features of which a slot that matches must have one; none when it need not have any.
+// The features of which a matching slot must have one; empty when it need not have any.
 CompiledBuilder::Features CompiledBuilder::_triggerOf(const Element& element) const {
   const CompiledPatterns& patterns = _tables.patterns;
   Features best;
@@ -410,8 +411,8 @@ std::size_t CompiledBuilder::_costOf(const Features& features) const {
   return cost;
 }
 
-// Visits every slot that some slot of a phrase must match, with the distance from that slot to
-// where the significant slots begin (behind a repetition it says nothing).
+// Visits every slot that some slot of a phrase must match, with the offset from that slot to the
+// start of the significant slots (meaningless after a repetition).
 template <typename Visit>
 void CompiledBuilder::_forEachElement(const CompiledRule& rule, Visit visit) const {
   const auto matched = static_cast<std::int32_t>(rule.significant.count);

@@ -17,18 +17,18 @@
 
 namespace marlune {
 
-// Compiles a grammar from its property list as it stands, without the objects that one would make
-// of it: they take longer to make than to compile. Does what making them does besides: writes the
-// parts' places into the list, and lines (but no traced ones). What is rare is left to its rule's
-// object: whatever has no compiled form, or is not as it should be.
+// Compiles a grammar directly from its property list, without the rules' objects, which take longer
+// to make than the compiled form. Has the same side effects as making them: writes the parts'
+// places into the list, and logs lines (except traced ones). Rules that have no compiled form, or
+// are malformed, are left to their objects; this is rare.
 class CompiledBuilder {
  public:
   struct Result {
     CompiledTables tables;
-    GrammarObjects::Rules objects;  // of the rules that are left to them
+    GrammarObjects::Rules objects;  // of the rules left to their objects
   };
 
-  // REQUIRES: a dictionary. GrammarError when the grammar is broken.
+  // REQUIRES: a dictionary. Throws GrammarError when the grammar is broken.
   static Result build(const Value& plist);
 
  private:
@@ -69,10 +69,12 @@ class CompiledBuilder {
   Id _id(std::string_view text) { return _tables.vocabulary->add(text); }
 
   CompiledTables _tables;
-  std::vector<std::shared_ptr<const Rule>> _objects;  // by rule; null where there is none
-  std::vector<char> _isIdle;                          // by rule: whether it does nothing at all
+  std::vector<std::shared_ptr<const Rule>> _objects;  // indexed by rule; null where there is none
+  std::vector<char> _isIdle;                          // indexed by rule: whether it does nothing at
+                                                      // all
   std::vector<Element> _elements;                     // of the runs being read
-  std::unordered_map<std::uint64_t, std::uint32_t> _frequencies;  // of features, in rules
+  std::unordered_map<std::uint64_t, std::uint32_t> _frequencies;  // for each feature, the number of
+                                                                  // uses in rules
 };
 
 }  // namespace marlune

@@ -19,7 +19,7 @@ namespace marlune {
 
 namespace {
 
-// A rule that repeats more often is left to its object, which knows what to do about circles.
+// A rule with more passes is left to its object, which detects circles.
 constexpr int kMostCompiledPasses = 256;
 
 }  // namespace
@@ -36,7 +36,7 @@ class CompiledGrammar::Borrowed {
   }
   Work& work() { return *_work; }
 
-  // Not after an exception: then the work is in no state to be used again.
+  // Not called after an exception, which leaves the work in an unusable state.
   void giveBack() { _home = std::move(_work); }
 
  private:
@@ -44,7 +44,7 @@ class CompiledGrammar::Borrowed {
   std::unique_ptr<Work> _work;
 };
 
-// Done once a grammar, in a source that is compiled to be fast: to be small, for its part.
+// Runs once per grammar: optimise this cold function for size.
 [[gnu::cold]] std::unique_ptr<CompiledGrammar> CompiledGrammar::initFromFile(GrammarFile& file,
                                                                              std::string_view name,
                                                                              bool isTraced) {
@@ -62,7 +62,7 @@ class CompiledGrammar::Borrowed {
   });
   auto packed = file.putAway();
   if (!built) return nullptr;
-  // A tree that stays can be changed by those who hold it, so the objects must be made now.
+  // Holders of a retained tree may change it, so make the objects now.
   if (!root && !packed) {
     silence.emplace();
     root = GrammarObjects::rootIn(file.opened(), name);
@@ -131,7 +131,8 @@ std::shared_ptr<SimpleSlotSequence> CompiledGrammar::_run(Work& work,
       }
       _call(work, number + 1);
     }
-    // Every rule pads, also one that does not apply; but nothing pads behind the last one.
+    // Every rule pads the phrase, even one that does not apply, but nothing pads it after the last
+    // rule.
     if (number + 1 < rules.size()) phrase.pad();
   }
   return nullptr;
@@ -162,10 +163,10 @@ CompiledGrammar::Outcome CompiledGrammar::_apply(std::uint32_t number, Work& wor
   return Outcome::tooHard;
 }
 
-// False when the rule is better left to its object. A rule that would never end runs out of passes
-// here, wherever its object notices the circle: the phrase before a pass matches the one behind it
-// at the same pass either way. Work is counted too high rather than too low, so that a rule whose
-// object would stop for too much work is left to it.
+// Returns false when the rule is left to its object. A rule that never ends runs out of passes
+// here, in whichever pass the object would detect the circle. The stop test gives the same result
+// in every pass for both. Work is overestimated, so that a rule whose object would stop for too
+// much work is left to it.
 bool CompiledGrammar::_repeat(std::uint32_t number, Work& work) const {
   CompiledPhrase& phrase = work.phrase;
   const CompiledRule& rule = _tables.rules[number];
@@ -187,8 +188,8 @@ bool CompiledGrammar::_repeat(std::uint32_t number, Work& work) const {
   return false;
 }
 
-// Rewrites the occurrences found. False when one reaches outside the phrase, or the phrase would
-// grow too long.
+// Rewrites the occurrences found. Returns false when one reaches outside the phrase, or the phrase
+// would grow too long.
 bool CompiledGrammar::_rewrite(std::uint32_t number, Work& work) const {
   const CompiledRule& rule = _tables.rules[number];
   CompiledPhrase& phrase = work.phrase;
@@ -232,7 +233,7 @@ bool CompiledGrammar::_rewrite(std::uint32_t number, Work& work) const {
   return true;
 }
 
-// nullptr when the occurrence stays as it is.
+// nullptr when the occurrence stays unchanged.
 const CompiledProductions::Run* CompiledGrammar::_productionFor(
     const CompiledRule& rule, const CompiledPhrase& phrase,
     std::span<const CompiledPhrase::Slot> occurrence) const {
@@ -278,7 +279,8 @@ bool CompiledGrammar::_matchesAt(const CompiledRule& rule, const CompiledPhrase&
          patterns.runMatches(rule.after, phrase, start + rule.significant.count);
 }
 
-// What follows is looked for as many slots on as the significant pattern has, whatever it took.
+// The post-context is matched at the start plus the number of slots in the significant pattern,
+// even if the match took more or fewer.
 void CompiledGrammar::_findWithKleene(const CompiledRule& rule, Work& work) const {
   const CompiledPhrase& phrase = work.phrase;
   const std::size_t count = phrase.slots().size();

@@ -19,28 +19,30 @@
 
 namespace marlune {
 
-// A grammar's tree, laid out flat: does what the tree's root does with a phrase, many times faster.
-// It looks only at the rules that the phrase's words call for, and keeps the phrase as an array of
-// numbers. Results are those of the tree to the last slot object, and so are the lines written,
-// except for the keyed trace, of which there is none: while that is wanted, ask the tree.
+// A grammar's tree in flat tables. Rewrites phrases exactly as the tree's root does, many times
+// faster: it tries only the rules that the phrase's words call for, and stores the phrase as an
+// array of numbers. Results equal those of the tree down to the identity of slot objects, and so do
+// the log lines, except that there is no keyed trace. Use the tree while the trace is on.
 //
-// What is rare is left to the tree's rules: those whose matching writes lines; phrases with
-// attributes that are no strings; rules that reach outside the phrase, circle, or blow it up.
+// Rare cases are left to the tree's rules: rules whose matching writes lines; phrases with
+// attributes that are not strings; rules that reach outside the phrase, circle, or make it too
+// long.
 //
-// Used from one thread at a time, as the parser is.
+// Used from one thread at a time, like the parser.
 class CompiledGrammar {
  public:
-  // The grammar that the dot-notation name selects in the file, which is put away afterwards; with
-  // `isTraced` its objects are made as well, as they write the trace of loading. nullptr when the
-  // name selects no dictionary, GrammarError when the grammar is broken.
+  // The grammar that the dot-notation name selects in the file, which is packed again afterwards.
+  // With `isTraced`, also makes the grammar's objects, since they write the trace of loading.
+  // nullptr when the name does not select a dictionary; throws GrammarError when the grammar is
+  // broken.
   static std::unique_ptr<CompiledGrammar> initFromFile(GrammarFile& file, std::string_view name,
                                                        bool isTraced);
 
-  // As of the words' blank-buffered phrase. The slots are made when they are looked at.
+  // Rewrites the words' blank-buffered phrase. The result's slots are created on demand.
   std::shared_ptr<SimpleSlotSequence> appliedToStrings(const std::vector<std::string>& strings);
   std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase);
 
-  // The tree's root, never null. It is there from the first call on.
+  // The tree's root, never null. Kept after the first call.
   const std::shared_ptr<GrammarPart>& root() { return _objects->root(); }
 
   std::size_t ruleCount() const { return _tables.rules.size(); }
@@ -49,25 +51,25 @@ class CompiledGrammar {
   using Slots = std::vector<CompiledPhrase::Slot>;
   enum class Outcome : unsigned char { unchanged, changed, tooHard };
 
-  // What a phrase is worked on in; kept for the next one.
+  // The buffers for rewriting a phrase; reused for the next one.
   struct Work {
     CompiledPhrase phrase;
     CompiledAgenda agenda;
-    std::uint64_t mask = 0;  // of every feature that the phrase has or had
+    std::uint64_t mask = 0;  // every feature that the phrase has or had
     std::vector<std::int32_t> occurrences;
     std::uint64_t kleeneSteps = 0;  // of matching with repetitions
-    std::uint64_t steps = 0;  // of a repeating rule: at least those that its object would count
+    std::uint64_t steps = 0;  // of a repeating rule: at least as many as its object would count
     Slots original, before, replacement;
   };
 
-  // The work in use, and where it goes back to afterwards: a log that asks the grammar something
-  // while a rule writes a line to it finds none and makes one of its own.
+  // Lends out the work buffers and puts them back. A log that uses the grammar while a rule writes
+  // a line finds them taken and gets new ones.
   class Borrowed;
 
   CompiledGrammar(std::unique_ptr<GrammarObjects> objects, CompiledTables tables);
 
-  // Applies all rules. The phrase when it lost its compiled form on the way, else nullptr: then it
-  // stands in `work`.
+  // Applies all rules. Returns the phrase if it lost its compiled form during rewriting, else
+  // nullptr; the phrase is then in `work`.
   std::shared_ptr<SimpleSlotSequence> _run(Work& work, CompiledObjects& objects) const;
   std::shared_ptr<SimpleSlotSequence> _applyObjects(
       std::uint32_t from, std::shared_ptr<SimpleSlotSequence> phrase) const;

@@ -10,12 +10,12 @@
 
 namespace marlune {
 
-// The slot objects that the slots of a compiled phrase stand for: those that it was read from, and
-// those made of it. A slot that no rule touched comes out as the very object that went in.
+// Maps the slots of a compiled phrase to slot objects: those it was read from, and those created
+// for it. A slot that no rule changed maps to its original object.
 class CompiledObjects {
  public:
-  // Makes `phrase` hold what the objects hold. False when something in them has no compiled form;
-  // the phrase is then of no use.
+  // Reads the objects into `phrase`. Returns false when one of them has no compiled form; the
+  // phrase must not be used then.
   bool read(const SlotArray& objects, CompiledPhrase& phrase);
 
   // The phrase's slots as objects.
@@ -25,7 +25,7 @@ class CompiledObjects {
   static bool _read(const Cell& cell, CompiledPhrase& phrase, CompiledPhrase::Slot& slot);
   static std::shared_ptr<SimpleSlot> _made(const CompiledPhrase& phrase,
                                            const CompiledPhrase::Slot& slot);
-  std::shared_ptr<Slot>& _objectOf(const CompiledPhrase::Slot& slot);  // null when there is none
+  std::shared_ptr<Slot>& _objectOf(const CompiledPhrase::Slot& slot);  // nullptr when there is none
 
   std::vector<std::shared_ptr<Slot>> _byIdentity;
 };

@@ -11,15 +11,15 @@
 
 namespace marlune {
 
-// All slot patterns of a compiled grammar, in two flat arrays. What stands here matches without a
-// line written: rules whose matching writes lines are left to the grammar's own objects.
+// All slot patterns of a compiled grammar, in two flat arrays. Matching them never writes a line:
+// rules whose matching writes lines are left to the grammar's objects.
 class CompiledPatterns {
  public:
-  using Run = KleeneMatcher::Run;  // slots of a pattern, or of a group, one behind the other
+  using Run = KleeneMatcher::Run;  // consecutive slots of a pattern or of a group
   using Slot = CompiledPhrase::Slot;
 
   enum class Kind : std::uint8_t {
-    word,      // the content is one certain text, not ""
+    word,      // the content equals a given text other than ""
     literal,   // all requirements hold
     wildcard,  // not a blank
     blank,
@@ -32,10 +32,11 @@ class CompiledPatterns {
   struct Element {
     Kind kind = Kind::never;
     std::uint32_t count : 24 = 0;  // of members or requirements
-    std::uint32_t first = 0;       // member or requirement; of a word its text
+    std::uint32_t first = 0;       // index of the first member or requirement; for a word, its text
   };
 
-  // An attribute that a literal asks for; or the last `name` characters of the content.
+  // An attribute that a literal requires; or, with isSuffix, the last `name` characters of the
+  // content.
   struct Requirement {
     std::uint32_t name : 31;
     std::uint32_t isSuffix : 1;
@@ -45,7 +46,7 @@ class CompiledPatterns {
   std::vector<Element> elements;
   std::vector<Requirement> requirements;
 
-  // REQUIRES: the element is no repetition.
+  // REQUIRES: the element is not a repetition.
   bool matches(const Element& element, const CompiledPhrase& phrase, const Slot& slot) const {
     if (element.kind == Kind::word) return slot.content == element.first;
     return _matchesOther(element, phrase, slot);
@@ -56,12 +57,14 @@ class CompiledPatterns {
 
   // Whether a run without repetitions matches the phrase from `position` on.
   bool runMatches(Run run, const CompiledPhrase& phrase, std::size_t position) const;
-  // Likewise, the run's first slot standing right before `position`, its second before that, ...
+  // The same backwards: the run's first slot matches right before `position`, its second before
+  // that, and so on.
   bool runMatchesBackwards(Run run, const CompiledPhrase& phrase, std::size_t position) const;
 
   bool hasKleene(Run run) const;
 
-  // At least the steps that asking all slots of the run once takes, as SequenceMatcher counts them.
+  // At least the number of steps that matching every slot of the run once takes, as SequenceMatcher
+  // counts them.
   std::uint64_t weightOf(Run run) const;
 
  private:

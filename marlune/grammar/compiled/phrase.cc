@@ -86,7 +86,7 @@ bool CompiledPhrase::set(Slot& slot, Id name, Id value) {
   return true;
 }
 
-// Starts the list of a slot that held its content at most.
+// Starts the attribute list of a slot that had no attribute other than its content.
 void CompiledPhrase::_spell(Slot& slot) {
   slot.attributes = static_cast<std::uint32_t>(_attributes.size());
   if (slot.content == CompiledVocabulary::kAbsent) return;
@@ -140,7 +140,7 @@ CompiledPhrase CompiledPhrase::kept(std::string& storage) const {
   return copy;
 }
 
-// The number in `copy` of one of this phrase's texts. Each text is kept once.
+// The number in `copy` of one of this phrase's texts. Each text is stored once.
 CompiledPhrase::Id CompiledPhrase::_keep(Id id, CompiledPhrase& copy,
                                          std::vector<Id>& numbers) const {
   const std::size_t known = _vocabulary->count();

@@ -14,9 +14,9 @@
 
 namespace marlune {
 
-// A phrase while a compiled grammar rewrites it: an array of small records, texts as numbers. A
-// number below the vocabulary's count is a text of the grammar, one above it a text that only this
-// phrase has. Such a text may occur under several numbers.
+// A phrase while a compiled grammar rewrites it: an array of small records, with texts as numbers.
+// A number below the vocabulary's count is a text of the grammar. A higher number is a text of this
+// phrase only; such a text may have several numbers.
 class CompiledPhrase {
  public:
   using Id = CompiledVocabulary::Id;
@@ -26,25 +26,25 @@ class CompiledPhrase {
     Id value = 0;
   };
 
-  // What a slot and its cell hold. Records with the same identity stand for the same slot object.
+  // The contents of a slot and its cell. Records with the same identity are the same slot object.
   struct Slot {
     Id content = 0;                    // kAbsent without a content
-    std::uint32_t attributes = 0;      // where its attributes begin among the phrase's
-    std::uint16_t attributeCount = 0;  // 0: no attribute but the content, if that is present
+    std::uint32_t attributes = 0;      // index of its first attribute among the phrase's
+    std::uint16_t attributeCount = 0;  // 0: no attributes, or only the content
     std::uint8_t type = 0;             // a CellType
     std::uint32_t identity = 0;
   };
   static constexpr std::size_t kMaxAttributes = 0xFFFF;
-  static constexpr std::size_t kMostRoom = std::size_t{1} << 20;  // attributes
+  static constexpr std::size_t kMostRoom = std::size_t{1} << 20;  // in attributes
 
-  // Whether an attribute of that name, in a cell that serves as a pattern, is compared with a part
-  // of the content. A phrase with such a name has no compiled form.
+  // Whether an attribute of that name, in a cell used as a pattern, is compared with part of the
+  // content. A phrase with such a name has no compiled form.
   static bool isComparison(std::string_view name) {
     return (name.starts_with('#') && name.ends_with('-')) ||
            (name.starts_with('-') && name.ends_with('#'));
   }
 
-  // Starts anew. `vocabulary` must outlive the phrase's use.
+  // Clears the phrase. `vocabulary` must outlive the phrase's use.
   void reset(const CompiledVocabulary& vocabulary);
 
   std::vector<Slot>& slots() { return _slots; }
@@ -59,56 +59,56 @@ class CompiledPhrase {
   }
 
   // An upper bound of the phrase's bytes of text, as SimpleSlotSequence::kMostText counts them, if
-  // it had `more` slots more.
+  // it had `more` additional slots.
   std::uint64_t mostText(std::size_t more = 0) const {
     return std::uint64_t{_slots.size() + more} * mostAttributes() * 2 *
            std::max(_longest, _vocabulary->longest());
   }
 
-  // No slot of the phrase has or had more attributes.
+  // An upper bound of the attributes of each slot that the phrase has or had.
   std::size_t mostAttributes() const { return _mostAttributes + 1; }
 
-  // Whether the attributes of all slots that the phrase has or had still take little memory.
+  // Whether the attributes of all slots that the phrase has or had still fit in kMostRoom.
   bool hasRoom() const { return _attributes.size() <= kMostRoom; }
 
-  // The number of a text of the phrase. Only looked at: `text` must outlive the phrase's use.
+  // The number of a text of the phrase. The text is not copied and must outlive the phrase's use.
   Id idOf(std::string_view text);
 
-  // Of the same name always the same number.
+  // The number of a name; the same name always has the same number.
   Id idOfName(std::string_view name);
 
   // The value of an attribute; kAbsent when the slot lacks it.
   Id valueOf(const Slot& slot, Id name) const;
 
-  // Whether two values are the same text. An absent one counts as the empty text.
+  // Whether two values are the same text. An absent value counts as the empty text.
   bool equal(Id left, Id right) const;
 
-  // All slots from now on have this identity or a larger one.
+  // Every slot created from now on has this identity or a larger one.
   std::uint32_t nextIdentity() const { return _identities; }
 
-  // A new slot (of a new identity) that is not yet part of the phrase.
+  // A new slot with a new identity, not yet part of the phrase.
   Slot slot(CellType type) { return {0, 0, 0, static_cast<std::uint8_t>(type), _identities++}; }
   Slot blank() { return slot(CellTypeBlank); }
   Slot wildcard() { return slot(CellTypeWildcard); }
   Slot word(Id content) { return {content, 0, 0, CellTypeLiteral, _identities++}; }
 
-  // As a cell read from the string: "?" a wildcard, "_E" a blank, any other a word.
+  // Reads a string as a cell does: "?" is a wildcard, "_E" a blank, any other string a word.
   Slot fromString(std::string_view string);
 
-  // A new literal slot that holds what `base` holds, to be changed by `set`; a null base holds
-  // nothing. Between the two no other slot may be begun.
+  // A new literal slot with the contents of `base`, to be changed by `set`; empty if base is null.
+  // No other slot may be begun before the changes are complete.
   Slot beginOverlay(const Slot* base);
-  // False when the slot holds as many attributes as it can. REQUIRES: the value is not kAbsent.
+  // Returns false when the slot is full. REQUIRES: the value is not kAbsent.
   bool set(Slot& slot, Id name, Id value);
 
-  // Sees to a blank at either end. A single blank is only one end.
+  // Adds the blanks missing at either end. A single blank counts as one end only.
   void pad();
 
   // Whether an earlier state of the phrase, taken as a pattern, matches the phrase's beginning.
   bool matches(std::span<const Slot> earlier) const;
 
-  // The phrase alone, without what rewriting it left behind. Its own texts go into `storage`, which
-  // must outlive the copy's use.
+  // A copy without the leftovers of rewriting. The phrase's own texts are copied to `storage`,
+  // which must outlive the copy's use.
   CompiledPhrase kept(std::string& storage) const;
 
  private:
@@ -123,7 +123,7 @@ class CompiledPhrase {
   std::vector<std::string_view> _unknown;
   std::vector<Id> _unknownNames;
   std::uint32_t _identities = 0;
-  std::size_t _longest = 0;         // of the unknown texts
+  std::size_t _longest = 0;         // of the texts that the grammar does not have
   std::size_t _mostAttributes = 0;  // of any slot so far
 };
 

@@ -18,8 +18,8 @@ const CompiledProductions::Run* CompiledProductions::chosen(
   return &productions[place->production];
 }
 
-// The number of the joined values; one that no expansion has when the grammar does not mention
-// the text. The usual choice by one value needs no text at all.
+// The number of the joined values; when the grammar does not contain the text, a number that no
+// expansion has. The usual choice by one value builds no text.
 CompiledProductions::Id CompiledProductions::_signatureOf(
     const Choice& choice, const CompiledPhrase& phrase, std::span<const Slot> occurrence,
     const CompiledVocabulary& vocabulary) const {

@@ -19,22 +19,21 @@ class CompiledProductions {
   using Id = CompiledVocabulary::Id;
   using Slot = CompiledPhrase::Slot;
 
-  static constexpr std::int32_t kNew = -1;  // made from nothing, or from no matched slot
+  static constexpr std::int32_t kNew = -1;  // a new slot, or a value of no matched slot
 
   struct Run {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
   };
 
-  // One slot of a replacement: a matched one or a new one, with attributes laid over it or as it
-  // stands.
+  // One slot of a replacement: a matched slot or a new one, with or without an overlay.
   struct Produced {
     std::int32_t index = kNew;
     bool isOverlaid = false;
     Run settings;
   };
 
-  // One attribute laid over: a text, or the value that matched slot `index` has for a name.
+  // One attribute of an overlay: a text, or the value of attribute `value` of matched slot `index`.
   struct Setting {
     Id name = 0;
     Id value = 0;  // the text, or the name to look up
@@ -47,7 +46,7 @@ class CompiledProductions {
     Id name = 0;
   };
 
-  // Of several replacements the one filed under the joined values of the references.
+  // Selects one of several replacements by the joined values of the references.
   struct Choice {
     Run references;
     Id delimiter = 0;
@@ -65,12 +64,13 @@ class CompiledProductions {
   std::vector<Reference> references;
   std::vector<Expansion> expansions;
 
-  // The replacement that `choice` makes for the matched slots; nullptr when it has none.
+  // The replacement that `choice` selects for the matched slots; nullptr when it has none.
   const Run* chosen(const Choice& choice, const CompiledPhrase& phrase,
                     std::span<const Slot> occurrence, const CompiledVocabulary& vocabulary) const;
 
-  // Appends to `result` what `production` makes of the matched slots. False when a cell would
-  // hold more attributes than a compiled phrase can, or the phrase perhaps more text than it may.
+  // Appends to `result` the slots that `production` makes of the matched ones. Returns false when a
+  // cell would have more attributes than a compiled phrase can hold, or the phrase could exceed its
+  // limit of text.
   bool append(Run production, CompiledPhrase& phrase, std::span<const Slot> occurrence,
               std::vector<Slot>& result) const;
 

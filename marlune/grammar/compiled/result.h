@@ -12,7 +12,7 @@
 
 namespace marlune {
 
-// What a compiled grammar made of words. Independent of the grammar and of the words.
+// The result of a compiled grammar. Independent of the grammar and of the input words.
 class CompiledResult : public PendingSlots {
  public:
   CompiledResult(const CompiledPhrase& phrase, std::shared_ptr<const CompiledVocabulary> vocabulary)
@@ -24,7 +24,7 @@ class CompiledResult : public PendingSlots {
  private:
   std::shared_ptr<const CompiledVocabulary> _vocabulary;
   std::string _texts;
-  CompiledPhrase _phrase;  // looks into both
+  CompiledPhrase _phrase;  // refers to both
 };
 
 }  // namespace marlune

@@ -11,15 +11,15 @@ namespace marlune {
 struct CompiledRule {
   static constexpr std::uint32_t kNoAnchor = 0xFFFFFFFF;
 
-  // Of every feature that a slot must have for the rule to apply the bit; see CompiledIndex.
+  // The bits of all features that a slot must have for the rule to apply; see CompiledIndex.
   std::uint64_t mask = 0;
 
   CompiledPatterns::Run significant;
   CompiledPatterns::Run before;  // the pre-context, from its last slot to its first
   CompiledPatterns::Run after;
 
-  // A slot of the three patterns that few words match, and how far before it (less than 0) the
-  // significant slots begin.
+  // A slot of the three patterns that few words match, and the offset from it (negative if before
+  // it) to the start of the significant slots.
   std::uint32_t anchor = kNoAnchor;
   std::int32_t anchorOffset = 0;
 
@@ -28,7 +28,7 @@ struct CompiledRule {
   bool repeats = false;
   bool hasKleene = false;
 
-  // To be applied by the grammar's own object: matching writes lines, or something in the rule has
+  // Whether the grammar's object applies the rule: matching writes lines, or part of the rule has
   // no compiled form.
   bool isLeftToObject = false;
 };

@@ -12,9 +12,10 @@
 
 namespace marlune {
 
-// Everything that compiling a grammar makes. Does not change afterwards.
+// The result of compiling a grammar. Fixed after compilation, except that `productions` has a
+// scratch buffer, so only one thread may use the tables at a time.
 struct CompiledTables {
-  std::shared_ptr<CompiledVocabulary> vocabulary;  // results hold it too
+  std::shared_ptr<CompiledVocabulary> vocabulary;  // shared with results
   CompiledPatterns patterns;
   CompiledProductions productions;
   std::vector<CompiledRule> rules;

@@ -8,9 +8,9 @@
 namespace marlune {
 
 GrammarFile* GrammarFile::atPath(const std::string& path) {
-  // Held while the file is read, so that parsers made at once read it once.
+  // Locked while the file is read, so that concurrent parsers read it only once.
   const std::lock_guard lock(making());
-  // Never destroyed, and a path's file is never read again: parsers share it.
+  // Never destroyed, since parsers share the files. Each path is read only once.
   static auto* const kFiles = new std::map<std::string, GrammarFile>;
   const auto known = kFiles->find(path);
   if (known != kFiles->end()) return &known->second;
@@ -20,7 +20,7 @@ GrammarFile* GrammarFile::atPath(const std::string& path) {
 }
 
 std::recursive_mutex& GrammarFile::making() {
-  static auto* const kMutex = new std::recursive_mutex;  // never destroyed, as the files
+  static auto* const kMutex = new std::recursive_mutex;  // never destroyed, like the files
   return *kMutex;
 }
 
@@ -46,7 +46,7 @@ std::shared_ptr<const PackedList> GrammarFile::putAway() {
       _isGivenOut = true;
       return nullptr;
     }
-    // Grammars built one after the other leave the same tree, if it is the same grammar.
+    // Building the same grammar again leaves the same tree; then the existing bytes are kept.
     if (!_packed || !_packed->equals(*packed)) _packed = std::move(packed);
     _tree = Value();
     return _packed;

@@ -11,40 +11,42 @@
 
 namespace marlune {
 
-// A grammar file that the process has read: its tree, inserts resolved, which is packed while no
-// grammar is built from it. Once the tree has been given out it stays: whoever holds it may change
-// it, and must find it the same.
+// A grammar file that the process has read: its tree with inserts resolved, which is packed except
+// while a grammar is built from it. Once the tree has been handed out it stays in memory, because
+// its holders may change it and must see their changes.
 class GrammarFile {
  public:
-  // The file at the path, read now if it has not been; it lives as long as the process. nullptr,
-  // with a line straight to the system log, when it cannot be read; GrammarError when it is broken.
+  // The file at the path, read if it has not been read before; it lives as long as the process.
+  // When it cannot be read, writes a line straight to the system log and returns nullptr. Throws
+  // GrammarError when it is broken.
   static GrammarFile* atPath(const std::string& path);
 
-  // Held while a file is read and while a grammar is built, which writes into the file's tree: one
-  // at a time in a process. Recursive, since the lines of loading go to the app's log, which may
-  // make a parser itself.
+  // Locked while a file is read and while a grammar is built, which writes into the file's tree:
+  // one at a time in the process. Recursive, because the lines of loading go to the app's log,
+  // which may create a parser.
   static std::recursive_mutex& making();
 
   explicit GrammarFile(Value tree) : _tree(std::move(tree)) {}
 
-  // The tree, for good. On any thread.
+  // The tree, kept in memory from now on. Any thread.
   const Value& tree();
 
-  // The tree, to build a grammar from, which writes into it. Holds until putAway(). REQUIRES: the
+  // The tree, for building a grammar, which writes into it. Valid until putAway(). REQUIRES: the
   // caller holds making() until then.
   const Value& opened();
 
-  // What the tree was packed to, and can be made of again. nullptr when it stays: it has been given
-  // out, its reader or a grammar's object holds a part of it, or memory is too short to pack it.
+  // Packs the tree and returns the packed form. nullptr when the tree stays in memory: it has been
+  // handed out, its reader or a grammar's object holds part of it, or memory is too short to pack
+  // it.
   std::shared_ptr<const PackedList> putAway();
 
  private:
   const Value& _unpacked();
 
-  Value _tree;  // absent while it is packed
+  Value _tree;  // absent while packed
   std::shared_ptr<const PackedList> _packed;
   bool _isGivenOut = false;
-  std::mutex _mutex;  // for tree(): parsers on one file may be on several threads
+  std::mutex _mutex;  // for tree(): several threads may have parsers on one file
 };
 
 }  // namespace marlune

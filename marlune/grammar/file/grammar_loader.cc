@@ -18,7 +18,7 @@ PropertyListReader::Result readFile(const std::string& path) {
   return {Value(), "there is no reader of property lists"};
 }
 
-// The same value in a container of its own; what the container holds stays shared.
+// The same value in its own container; the elements stay shared.
 Value oneLevelCopy(const Value& value) {
   if (value.asDictionary()) return Value::dictionary(value.asDictionary()->oneLevelCopy());
   if (value.asArray()) return Value::array(std::make_shared<Array>(*value.asArray()));
@@ -62,7 +62,7 @@ bool GrammarLoader::_pass(const Value& branch, std::size_t depth) {
   _requireDepth(depth);
   Dictionary& dictionary = *branch.asDictionary();
 
-  // Set at the end: the dictionary stays as it is while it is walked and looked into.
+  // Applied at the end, so that the dictionary does not change while it is traversed and searched.
   std::vector<std::pair<Dictionary::Key, Value>> replacements;
   bool changed = false;
   for (const auto& [key, value] : dictionary.entries()) {

@@ -11,36 +11,38 @@
 
 namespace marlune {
 
-// Reads a grammar file and puts the chunks that its insert directives name in their place. Works
-// on one tree; Parser keeps the result.
+// Reads a grammar file and replaces insert directives by the chunks that they name. Works on one
+// tree; Parser keeps the result.
 //
-// A directive copies one level of its chunk, so what is below is shared and a small file can stand
-// for an enormous tree; and a chunk that inserts itself would make a ring. Circles are therefore
-// looked for in the directives before anything is inserted, and the tree's size is taken as what
-// it would print to, again after each pass. Nothing here works on a tree deeper than kDeepest.
+// A directive copies one level of its chunk and shares everything below, so a small file can
+// represent an enormous tree, and a chunk that inserts itself would create a cycle. Circles are
+// therefore detected in the directives before anything is inserted, and the size of the tree is
+// measured as the number of values it would print, again after each pass. No function here descends
+// below kDeepest.
 class GrammarLoader {
  public:
   static constexpr std::size_t kDeepest = 256;
 
-  // How many values the tree may print to: so many, and so many times what the file holds.
+  // The number of values that the tree may print: this many, or this multiple of the file's values
+  // if that is more.
   static constexpr std::size_t kMostValues = 100000;
   static constexpr std::size_t kMostValuesPerValueRead = 16;
 
-  // The tree of the file at `path`, inserts resolved; absent, with a line straight to the system
-  // log, when it cannot be read. GrammarError for a circle, a tree too large or too deep, and what
-  // is wrong with a directive.
+  // The tree of the file at `path`, inserts resolved. Absent, after a line straight to the system
+  // log, when the file cannot be read. Throws GrammarError for a circle, a tree too large or too
+  // deep, and an invalid directive.
   static Value treeOfFile(const std::string& path);
 
-  // One pass over the branch, as Parser offers it.
+  // One pass over the branch, for Parser.
   static bool insertStatements(const Value& original, const Value& intoBranch);
 
-  // The value at the keys from the tree's root, as Parser offers it.
+  // The value at the keys from the tree's root, for Parser.
   static Value valueAtPath(std::span<const std::string> keys, const Value& tree);
 
-  // Whether the value is a string that begins as an insert directive does.
+  // Whether the value is a string that begins like an insert directive.
   static bool isDirective(const Value& value);
 
-  // The text cut at every `separator`; one piece at least.
+  // The text split at every `separator`; always at least one piece.
   static std::vector<std::string> pieces(std::string_view text, char separator);
 
  private:
@@ -54,10 +56,10 @@ class GrammarLoader {
   static void _requireDepth(std::size_t depth);
 
   Value _root;
-  bool _mayHoldDirectives = false;  // as soon as one was seen, be it in an array
+  bool _mayHoldDirectives = false;  // once a directive was found, even in an array
   std::size_t _mostValues = static_cast<std::size_t>(-1);
 
-  // Both are part of what the tree prints to, so they tell early that it grows too large.
+  // Both contribute to the printed size, so they reveal early that the tree grows too large.
   std::size_t _valuesCopied = 0;   // by directives, in all passes
   std::size_t _valuesVisited = 0;  // in this pass
 };

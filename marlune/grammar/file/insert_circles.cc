@@ -7,10 +7,11 @@ namespace marlune {
 
 namespace {
 
-// A path through other directives is followed so far; real ones pass one or two.
+// The limit for following a path through other directives; real paths pass one or two.
 constexpr std::size_t kMostDirectivesPassed = 64;
 
-// A dictionary is itself wherever it is held; a directive is the place that holds it.
+// A dictionary is identified by itself, wherever it is held; a directive by the place that holds
+// it.
 const void* identityOf(const Value& value) {
   if (value.asDictionary()) return value.asDictionary().get();
   return &value;
@@ -58,7 +59,7 @@ const Value* InsertCircles::_chunkAtPath(const std::string& path,
                                          std::size_t directivesPassed) const {
   const Value* found = &_root;
   for (const std::string& key : GrammarLoader::pieces(path, '.')) {
-    // By the time of this look-up the directive may have been replaced by its chunk.
+    // By the time of the actual look-up, the directive may have been replaced by its chunk.
     while (found && GrammarLoader::isDirective(*found)) {
       if (++directivesPassed > kMostDirectivesPassed) return nullptr;
       found = _chunkAtPath(pathOf(*found), directivesPassed);

@@ -10,24 +10,24 @@
 
 namespace marlune {
 
-// Looks for insert directives that would go on for ever: a chunk that holds, at any depth, a
-// directive that leads back to it, directly or through other chunks. Works on the tree as it was
-// read, by following from dictionaries to what they hold and from directives to their chunks.
+// Finds insert directives that would never end: a chunk that contains, at any depth, a directive
+// that leads back to it, directly or through other chunks. Works on the tree as read, and follows
+// dictionaries to their contents and directives to their chunks.
 class InsertCircles {
  public:
-  // The tree must stay as it is while the object is used.
+  // The tree must not change while the object is used.
   explicit InsertCircles(const Value& root) : _root(root) {}
 
-  // Throws a GrammarError that names the circle. Paths that lead nowhere are no circle; inserting
-  // finds them.
+  // Throws a GrammarError that names the circle. A path that leads to nothing is not a circle; it
+  // is reported during insertion.
   void requireNone();
 
  private:
-  // A dictionary or directive being followed, and how far.
+  // A dictionary or directive being followed, and the progress in it.
   struct Step {
     const Value* value;
     std::string place;  // its path in the file
-    std::size_t next;   // the entry of the dictionary to follow next; 1 when a directive was
+    std::size_t next;   // the dictionary's next entry to follow; 1 once a directive was followed
   };
 
   void _visit(const Value& value, std::string place);
@@ -37,7 +37,7 @@ class InsertCircles {
 
   const Value& _root;
   std::vector<Step> _steps;
-  std::unordered_map<const void*, bool> _isDone;  // dictionaries and directives met so far
+  std::unordered_map<const void*, bool> _isDone;  // dictionaries and directives visited so far
 };
 
 }  // namespace marlune

@@ -10,8 +10,8 @@ namespace marlune {
 
 namespace {
 
-// What begins a value. A container that stands in several places is written in the first; in the
-// others there is its number among such containers.
+// The first byte of a value. A container held in several places is written at the first one; the
+// others refer to it by its number among such containers.
 enum class Mark : unsigned char {
   dictionary,
   array,
@@ -27,13 +27,13 @@ enum class Mark : unsigned char {
   date,
 };
 
-// Seven bits a byte, the lowest first; a byte with the high bit has one behind it.
+// Seven bits per byte, the lowest first; a set high bit means that another byte follows.
 void appendNumber(std::string& bytes, std::uint64_t number) {
   for (; number >= 0x80; number >>= 7) bytes.push_back(static_cast<char>(number | 0x80));
   bytes.push_back(static_cast<char>(number));
 }
 
-// Small numbers of either sign become small ones.
+// Maps small numbers of either sign to small unsigned ones.
 std::uint64_t folded(std::int64_t number) {
   return (static_cast<std::uint64_t>(number) << 1) ^ static_cast<std::uint64_t>(number >> 63);
 }
@@ -50,7 +50,7 @@ class PackedList::Writer {
   void write(const Value& value) {
     switch (value.kind()) {
       case Value::Kind::absent:
-        break;  // not in a list
+        break;  // does not occur in a list
       case Value::Kind::dictionary:
         return _write(value.asDictionary(), Mark::dictionary, Mark::sharedDictionary);
       case Value::Kind::array:
@@ -75,7 +75,7 @@ class PackedList::Writer {
     }
   }
 
-  // Whether every holder of every container was met.
+  // Whether all holders of every container are inside the list.
   bool isWhole() const {
     for (const auto& [container, shared] : _shared) {
       if (shared.holdersLeft > 0) return false;
@@ -159,7 +159,7 @@ class PackedList::Reader {
   }
 
  private:
-  // Its number is that of its beginning: members that are shared come behind it.
+  // Reserves the container's number before reading its members, which come after it when shared.
   template <typename Read>
   Value _sharedAs(Read read) {
     const std::size_t number = _shared.size();
@@ -210,7 +210,8 @@ class PackedList::Reader {
 
   const PackedList& _list;
   std::size_t _place = 0;
-  std::vector<std::shared_ptr<const std::string>> _texts;  // by number, as far as made
+  std::vector<std::shared_ptr<const std::string>> _texts;  // indexed by number; the texts created
+                                                           // so far
   std::vector<Value> _shared;
 };
 

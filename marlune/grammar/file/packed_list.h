@@ -11,20 +11,20 @@
 
 namespace marlune {
 
-// A property list in a tenth of its memory, to be made again when somebody wants it: the values one
-// behind the other in one array of bytes, every text once. Never changes.
+// A property list serialised into one byte array (about a tenth of the size), unpacked on demand.
+// Every text is stored once. Immutable.
 class PackedList {
  public:
-  // nullptr when a container in the list, or `root` itself, has a holder outside of the list and
-  // `root`: such a holder would notice that there are two. REQUIRES: no ring, few levels.
+  // nullptr when a container in the list, or `root` itself, has a holder other than the list and
+  // `root`: such a holder could observe that there are two copies. REQUIRES: no cycle, few levels.
   static std::shared_ptr<const PackedList> pack(const Value& root);
 
-  // Whether both come to the same bytes.
+  // Whether both have the same bytes.
   bool equals(const PackedList& other) const {
     return _bytes == other._bytes && _texts.equals(other._texts);
   }
 
-  // The list in new containers. What was one container in several places is one again.
+  // The list in new containers. A container held in several places is again a single one.
   Value unpacked() const;
 
  private:

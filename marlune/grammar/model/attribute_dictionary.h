@@ -14,7 +14,7 @@
 namespace marlune {
 
 // The attributes of a cell: names and values in the order in which they were first set, as in the
-// file. Names are unique. Look-ups are linear, since a cell has a handful.
+// file. Names are unique. Look-ups are linear, since a cell has only a few attributes.
 class AttributeDictionary {
  public:
   using Name = std::shared_ptr<const std::string>;
@@ -22,17 +22,17 @@ class AttributeDictionary {
 
   AttributeDictionary() = default;
 
-  // A copy of the dictionary; keys and text are shared. Values keep their kind: a nested dictionary
-  // stays one.
+  // A copy of the dictionary that shares keys and text. Values keep their kind: a nested dictionary
+  // remains one.
   static std::shared_ptr<AttributeDictionary> fromPlist(const Dictionary& plist);
 
-  // The name "content", without an allocation.
+  // The name "content"; does not allocate.
   static const Name& contentName();
 
-  // nullptr when there is none. The pointer holds until the dictionary changes.
+  // nullptr when there is none. The pointer is valid until the dictionary changes.
   const AttributeValue* valueForKey(std::string_view name) const;
 
-  // A name that is there keeps its place; a new one goes to the end.
+  // An existing name keeps its place; a new one goes to the end.
   void setValueForKey(AttributeValue value, std::string_view name);
   void setValueForKey(AttributeValue value, const Name& name);
 
@@ -42,7 +42,7 @@ class AttributeDictionary {
 
   std::shared_ptr<AttributeDictionary> oneLevelCopy() const;
 
-  // The same as a plist dictionary, to be printed; an AttributeKey shows as "<AttributeKey>".
+  // The same as a plist dictionary, for printing; an AttributeKey is shown as "<AttributeKey>".
   Value asPlist() const;
 
  private:

@@ -9,16 +9,16 @@
 
 namespace marlune {
 
-// A reference to an attribute of a matched word: position in the matched stretch, from 0, and the
-// attribute's name. Never changes.
+// Refers to an attribute of a matched word: the word's position in the matched stretch, from 0, and
+// the attribute's name. Immutable.
 class AttributeKey {
  public:
-  // The name is shared. REQUIRES: attributeName is not null.
+  // Shares the name. REQUIRES: attributeName is not null.
   static std::shared_ptr<AttributeKey> initWithIndex(
       std::int32_t index, std::shared_ptr<const std::string> attributeName);
 
   // Reads a dictionary with a number under "_index" and a string under "_attribute"; other entries
-  // are ignored. Anything else: nullptr, with a line straight to the system log.
+  // are ignored. For anything else, writes a line straight to the system log and returns nullptr.
   static std::shared_ptr<AttributeKey> initFromPlist(const Value& plist);
   static std::shared_ptr<AttributeKey> instanceFromPlist(const Value& plist);
 

@@ -11,9 +11,9 @@
 
 namespace marlune {
 
-// What an attribute of a cell holds: a string nearly always; in a production's overlays perhaps an
-// AttributeKey that stands for a string of the matched words; and whatever else a file puts there
-// (a number, an array), which equals no string. Never absent. Copies share the text.
+// The value of a cell's attribute. Nearly always a string. In a production's overlays it may be an
+// AttributeKey that stands for a string of the matched words. It may also be any other value from a
+// file (a number, an array), which equals no string. Never absent. Copies share the text.
 class AttributeValue {
  public:
   using Text = std::shared_ptr<const std::string>;
@@ -26,19 +26,19 @@ class AttributeValue {
   AttributeValue(std::shared_ptr<AttributeKey> key)
       : _held(std::move(key)) {}  // REQUIRES: not null
 
-  // A value from a file; text in it is shared. REQUIRES: not absent.
+  // A value from a file; shares its text. REQUIRES: not absent.
   static AttributeValue fromPlist(const Value& plist);
 
-  // What is held, nullptr when it is of another kind.
+  // The value; nullptr when it is of another kind.
   const std::string* asString() const;
   const AttributeKey* asAttributeKey() const;
   const Value* asOtherValue() const;
   Text sharedString() const;
 
-  // Equal strings; equal plist values of other kinds; the very same AttributeKey.
+  // Whether both are equal strings, equal plist values of another kind, or the same AttributeKey.
   bool equals(const AttributeValue& other) const;
 
-  // What "%@" shows: the string as it is, any other value in its printed form.
+  // The text that "%@" shows: a string unchanged, any other value in its printed form.
   std::string text() const;
 
  private:

@@ -11,7 +11,7 @@
 namespace marlune {
 
 // A slot that holds a group of slots, in the grammar's order. Abstract: matching, describing and
-// reversing write an error line and answer false, "" and nullptr.
+// reversing log an error and return false, "" and nullptr.
 class CompoundSlot : public Slot {
  public:
   std::string description() const override;
@@ -23,10 +23,10 @@ class CompoundSlot : public Slot {
  protected:
   explicit CompoundSlot(std::shared_ptr<SlotSequence> slots) : _slots(std::move(slots)) {}
 
-  // The members' descriptions with `separator` between them.
+  // The members' descriptions, joined with `separator`.
   std::string _joinedDescriptions(std::string_view separator) const;
 
-  // The first member, tried in order, that matches decides.
+  // Whether any member matches. Members are tried in order; the first match ends the search.
   bool _anyMemberMatchesAt(const SlotRun& target, std::size_t index) const;
   bool _anyMemberWritesLines() const;
 

@@ -74,7 +74,8 @@ std::string ConditionalProduction::keyForOccurrence(const SimpleSlotSequence* oc
   if (!_signature || !occurrence) return joined;
   for (const std::shared_ptr<AttributeKey>& key : *_signature) {
     const AttributeValue* value = occurrence->valueForAttributeKey(*key);
-    // Goes on after the longest key: each AttributeKey must lie within the occurrence.
+    // Continues past the longest key, because each AttributeKey must be checked to lie within the
+    // occurrence.
     if (!value || joined.size() > _longestKey) continue;
     if (!isFirst) joined += _delimiter.value_or("");
     isFirst = false;

@@ -14,15 +14,15 @@
 
 namespace marlune {
 
-// Several productions, one of which is chosen at each occurrence by the values of attributes there.
+// Several productions, one of which is chosen at each occurrence by the values of its attributes.
 class ConditionalProduction : public GenericProduction {
  public:
   using Signature = std::vector<std::shared_ptr<AttributeKey>>;
   using Expansion = std::pair<std::shared_ptr<const std::string>, std::shared_ptr<NewProduction>>;
 
-  // From a dictionary with "_signature", "_expansions" and perhaps "_delimiter"; a value of the
-  // wrong kind leaves its field absent, anything but a dictionary leaves all. GrammarError when an
-  // AttributeKey cannot be read.
+  // From a dictionary with "_signature", "_expansions" and optionally "_delimiter". A value of the
+  // wrong kind leaves its field absent; anything but a dictionary leaves all absent. Throws
+  // GrammarError when an AttributeKey cannot be read.
   static std::shared_ptr<ConditionalProduction> initFromPlist(const Value& plist);
   static std::shared_ptr<ConditionalProduction> instanceFromPlist(const Value& plist);
 
@@ -32,10 +32,10 @@ class ConditionalProduction : public GenericProduction {
   const std::optional<Signature>& signature() const { return _signature; }
   const std::optional<std::vector<Expansion>>& expansions() const { return _expansions; }
 
-  // The key of an occurrence: the signature's values, without absent ones, joined by the
-  // delimiter. A null occurrence has no values. Throws std::out_of_range for an AttributeKey
-  // outside the occurrence. A key that is longer than any expansion's, and than 4 KiB, is cut off,
-  // so that long values take no memory; it is still the key of none.
+  // The key of an occurrence: the signature's values, without absent ones, joined by the delimiter.
+  // A null occurrence has no values. Throws std::out_of_range for an AttributeKey outside the
+  // occurrence. A key longer than any expansion's key and than 4 KiB is truncated, so that long
+  // values take no memory; a truncated key still selects no expansion.
   std::string keyForOccurrence(const SimpleSlotSequence* occurrence) const;
 
   // nullptr when there is none.

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view kTrace = ZKPlistNotificationDefault;
 
-// Indices as a trace shows them: joined only when the trace is written.
+// Indices for a trace: joined only when the trace is written.
 class JoinedIndices : public Describable {
  public:
   explicit JoinedIndices(const std::vector<std::int32_t>& indices) : _indices(indices) {}
@@ -48,8 +48,8 @@ std::size_t textOf(const Slot& slot) {
   return bytes;
 }
 
-// The slot that a production's index asks for. An occurrence that is absent has none, which cannot
-// become part of a phrase either.
+// The slot that a production's index refers to. An absent occurrence has none; the nullptr must not
+// become part of a phrase.
 std::shared_ptr<Slot> baseSlot(std::int32_t index, const SimpleSlotSequence* occurrence) {
   if (index < 0) return SimpleSlot::empty();
   if (!occurrence || static_cast<std::size_t>(index) >= occurrence->count()) {
@@ -60,7 +60,8 @@ std::shared_ptr<Slot> baseSlot(std::int32_t index, const SimpleSlotSequence* occ
   return occurrence->slots()[static_cast<std::size_t>(index)];
 }
 
-// The value that an overlay sets: itself, or what it refers to in the occurrence, "" if nothing.
+// The value that an overlay sets: the value itself, or the attribute of the occurrence that it
+// refers to, "" if that is absent.
 AttributeValue resolved(const AttributeValue& value, const SimpleSlotSequence* occurrence) {
   const AttributeKey* key = value.asAttributeKey();
   if (!key) {
@@ -129,8 +130,8 @@ void ContextSubstitution::_replace(std::int32_t index) {
   const auto position = static_cast<std::size_t>(index);
   const std::size_t matched = _leftHandSide->significantSlots()->count();
 
-  // Null when a Kleene slot let the pattern match fewer slots than it has itself, near the end. It
-  // then has no slots and no values, and what follows it is nothing.
+  // Null near the phrase's end, when a Kleene slot let the pattern match fewer slots than it has.
+  // Then there are no slots, no values and nothing after the occurrence.
   const auto occurrence = _occurrenceAt(position);
   const auto production = _productionFor(occurrence.get());
   if (!production) return;

@@ -14,27 +14,26 @@
 
 namespace marlune {
 
-// One rewriting step of a phrase, as SimpleSlotSequence offers it: every occurrence of a left-hand
-// side replaced by what a production makes of it. Made for one call.
+// One rewriting step of a phrase, on behalf of SimpleSlotSequence: replaces every occurrence of a
+// left-hand side by the slots that a production makes of it. An object serves one call.
 class ContextSubstitution {
  public:
-  // Either of the last two may be null. They must outlive the object.
+  // `leftHandSide` and `production` may be null. All arguments must outlive the object.
   ContextSubstitution(const SimpleSlotSequence& phrase, const SlotsInContext* leftHandSide,
                       const GenericProduction* production);
 
-  // The rewritten phrase, a new one. Once only.
+  // The rewritten phrase, a new object. Call once.
   std::shared_ptr<SimpleSlotSequence> result();
 
-  // Whether the phrase would have grown too long, and the occurrences left stay as they are.
+  // Whether the phrase would have grown too long; the remaining occurrences were left unchanged.
   bool isFull() const { return _isFull; }
 
-  // The work done, in the steps of SequenceMatcher::steps: matching, the slots of the phrase and
-  // those produced, one step for 16 bytes of the phrase's text and one for 16 expansions looked
-  // through.
+  // The work done, in the steps of SequenceMatcher::steps: the matching, the slots of the phrase and
+  // those produced, one step per 16 bytes of the phrase's text and one per 16 expansions searched.
   std::uint64_t steps() const { return _steps; }
 
-  // Of one slot: carrying it to the next pass, and producing it. Attributes are looked up one after
-  // the other, so their number counts with its square, and makes matching dearer.
+  // The steps of carrying one slot to the next pass, of producing one, and of matching. A look-up
+  // passes the attributes one by one, so their number makes matching dearer and counts squared.
   static std::uint64_t stepsOfSlot(std::uint64_t attributes) {
     return 20 + 2 * attributes + attributes * attributes / 4;
   }
@@ -46,32 +45,32 @@ class ContextSubstitution {
   }
 
  private:
-  // Rewrites the occurrence at `index` of the phrase as it stands. Throws std::out_of_range, with
-  // nothing changed, when that would reach outside the phrase or the occurrence.
+  // Rewrites the occurrence at `index` of the current phrase. Throws std::out_of_range, without any
+  // change, when that would reach outside the phrase or the occurrence.
   void _replace(std::int32_t index);
 
-  // The one to use at the occurrence, which may be null; nullptr when there is none.
+  // The production for the occurrence, which may be null; nullptr when there is none.
   std::shared_ptr<const NewProduction> _productionFor(const SimpleSlotSequence* occurrence);
 
-  // What the production makes of the occurrence; nothing, with a line, when that takes more than
-  // `mostText` bytes. And whether the phrase may have so many slots.
+  // The slots that the production makes of the occurrence; nothing, after a log line, when they
+  // exceed `mostText` bytes. The second function checks the number of slots.
   std::optional<SlotArray> _replacement(const NewProduction& production,
                                         const SimpleSlotSequence* occurrence, std::size_t mostText);
   bool _fits(std::size_t replacementCount);
 
-  // The phrase as it stands: _front, then _back from its end to its start. Occurrences come from
-  // left to right, so that replacing all of them moves each slot about once.
+  // The current phrase: _front, then _back from its end to its start. Occurrences are rewritten
+  // from left to right, so replacing all of them moves each slot about once.
   std::size_t _count() const { return _front.size() + _back.size(); }
   const std::shared_ptr<Slot>& _slotAt(std::size_t position) const;
   std::shared_ptr<SimpleSlotSequence> _occurrenceAt(std::size_t position) const;
-  void _moveTo(std::size_t position);  // makes _front that long
+  void _moveTo(std::size_t position);  // makes _front this long
 
   const SlotsInContext* _leftHandSide;
   const GenericProduction* _production;
   SlotArray _front;
   SlotArray _back;
   std::vector<std::int32_t> _indices;  // of the occurrences, before any is rewritten
-  std::int32_t _shift = 0;             // of those to come, by what earlier ones grew or shrank
+  std::int32_t _shift = 0;             // of later occurrences, by the growth of earlier ones
   std::size_t _longest;
   std::size_t _text = 0;  // of the phrase, in bytes
   std::size_t _mostText;

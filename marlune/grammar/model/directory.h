@@ -9,15 +9,15 @@
 
 namespace marlune {
 
-// An inner node of the grammar: applies its subparts one after another, each to the output of the
-// one before, in ascending order; those of equal order run by name.
+// An inner node of the grammar: applies its subparts in sequence, each to the output of the
+// previous one, in ascending order; those of equal order run by name.
 class Directory : public GrammarPart {
  public:
   using Parts = std::vector<std::shared_ptr<GrammarPart>>;
 
-  // A subpart for every value of the dictionary that is one itself; its depth and name are written
-  // into it. Anything but a dictionary: nullptr, with two lines straight to the system log.
-  // GrammarError when a rule in it cannot be read.
+  // Makes a subpart of every value of the dictionary that is itself a dictionary, and writes depth
+  // and name into it. For anything but a dictionary, writes two lines straight to the system log
+  // and returns nullptr. Throws GrammarError when a rule in it cannot be read.
   static std::shared_ptr<Directory> initFromPlist(const Value& plist);
   static std::shared_ptr<Directory> instanceFromPlist(const Value& plist);
 

@@ -8,12 +8,12 @@
 
 namespace marlune {
 
-// A slot that one of several alternatives may fill; with none of them it matches nothing. In a
-// sequence it takes exactly one position. Prints as "(a + b)".
+// A slot that matches if one of its alternatives does; without alternatives it matches nothing. In
+// a sequence it takes exactly one position. Prints as "(a + b)".
 class DisjunctionSlot : public CompoundSlot {
  public:
-  // From the array of members, without the marker. What stops a member from being read is a
-  // GrammarError.
+  // From the array of members, without the marker. Throws GrammarError when a member cannot be
+  // read.
   static std::shared_ptr<DisjunctionSlot> initFromPlist(const Value& plist);
   static std::shared_ptr<DisjunctionSlot> instanceFromPlist(const Value& plist);
 

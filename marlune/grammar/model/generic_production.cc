@@ -4,7 +4,7 @@
 
 namespace marlune {
 
-// Both messages have always named the slots' abstract class, and are searched for as they are.
+// Both messages name CompoundSlot, not this class: authors search logs for this exact text.
 
 std::shared_ptr<GenericProduction> GenericProduction::initFromPlist(const Value&) {
   TQUtils::log("ERROR: 'initFromPlist' method called on CompoundSlot, which is an abstract class.");

@@ -8,13 +8,13 @@
 
 namespace marlune {
 
-// The right-hand side of a rule: what replaces each occurrence of its significant slots. Abstract;
+// The right-hand side of a rule, which replaces each occurrence of its significant slots. Abstract;
 // a production of an unknown kind replaces nothing.
 class GenericProduction : public Describable {
  public:
   enum class Kind : unsigned char { other, newProduction, conditional };
 
-  // Abstract: log an error and answer nullptr.
+  // Abstract: log an error and return nullptr.
   static std::shared_ptr<GenericProduction> initFromPlist(const Value& plist);
   static std::shared_ptr<GenericProduction> instanceFromPlist(const Value& plist);
 

@@ -20,7 +20,7 @@ const std::shared_ptr<GrammarPart>& GrammarObjects::root() {
   if (_root) return _root;
   const TQUtils::Silence silence;
   auto root = rootIn(_tree->unpacked(), _name);
-  _rules = {};  // they are among the root's now
+  _rules = {};  // the root owns them now
   _root = std::move(root);
   _tree = nullptr;
   return _root;

@@ -12,37 +12,38 @@
 namespace marlune {
 
 // A node of the grammar's tree: a directory of parts, or a rule. Abstract. Built once with its
-// grammar; applying it changes nothing in it.
+// grammar; applying it does not change it.
 class GrammarPart : public Describable {
  public:
   enum class Kind : unsigned char { other, directory, rule };
 
-  // A dictionary with "_lhs" becomes a rule, any other a directory; anything else: nullptr.
+  // Makes a rule of a dictionary with "_lhs", a directory of any other; nullptr for anything else.
   static std::shared_ptr<GrammarPart> instanceFromPlist(const Value& plist);
 
   virtual Kind kind() const { return Kind::other; }
 
-  // Reads order, depth and name. What is missing is written into the dictionary first: order 0
-  // (with a traced warning), depth 0, name "ROOT".
+  // Reads order, depth and name. Missing ones are first written into the dictionary: order 0 (with
+  // a traced warning), depth 0, name "ROOT".
   virtual void genericSetUpFromPlist(Dictionary& plist);
 
-  // -1, 0 or 1: whether this part's order is smaller than, equal to or greater than the other's.
+  // -1, 0 or 1: this part's order is smaller than, equal to or greater than the other's.
   int orderComparedTo(const GrammarPart& other) const;
 
-  // The rewritten phrase, a new object. Abstract: logs an error and answers nullptr.
+  // The rewritten phrase, a new object. Abstract: logs an error and returns nullptr.
   virtual std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase) const;
 
-  // A root's depth can be anything that its file says, and prints as at most so many tabs.
+  // The largest number of tabs printed for a depth. The file may give a root any depth.
   static constexpr std::int32_t kDeepestPrinted = 1000;
 
-  std::string description() const override;  // a line feed, tabs as deep as the part is, name, ": "
+  std::string description() const override;  // a line feed, one tab for each level of depth, name,
+                                             // ": "
 
   std::int32_t order() const { return _order; }            // smaller ones run first
   std::int32_t depth() const { return _depth; }            // 0 at the root
   const std::string* name() const { return _name.get(); }  // nullptr when it has none
 
-  // Among siblings: by order, and by name where orders are equal, since the file's enumeration
-  // order is nobody's promise.
+  // Among siblings: by order, and by name if the orders are equal, because the file's enumeration
+  // order is not guaranteed.
   bool _runsBefore(const GrammarPart& sibling) const;
 
   // Writes the place of a subpart of this part into its dictionary.

@@ -8,13 +8,13 @@
 
 namespace marlune {
 
-// A group that may stand any number of times in its place, none included. Repetition is matched by
-// the sequence around it, which never asks this slot: asked itself, as a member of a disjunction or
-// negation is, it writes an error line and does not match. Prints as "(a . b)*".
+// A group that may occur any number of times in its place, including zero. The enclosing sequence
+// matches the repetition and never calls this slot's own `matches`. If called, as for a member of a
+// disjunction or negation, it logs an error and does not match. Prints as "(a . b)*".
 class KleeneSlot : public CompoundSlot {
  public:
-  // From the array of members, without the marker. What stops a member from being read is a
-  // GrammarError.
+  // From the array of members, without the marker. Throws GrammarError when a member cannot be
+  // read.
   static std::shared_ptr<KleeneSlot> initFromPlist(const Value& plist);
   static std::shared_ptr<KleeneSlot> instanceFromPlist(const Value& plist);
 

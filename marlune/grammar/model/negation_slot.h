@@ -8,12 +8,12 @@
 
 namespace marlune {
 
-// A slot that none of its members may fill; with no members it matches anything. In a sequence it
-// takes exactly one position. Prints as "~(a + b)".
+// A slot that matches if none of its members does; with no members it matches anything. In a
+// sequence it takes exactly one position. Prints as "~(a + b)".
 class NegationSlot : public CompoundSlot {
  public:
-  // From the array of members, without the marker. What stops a member from being read is a
-  // GrammarError.
+  // From the array of members, without the marker. Throws GrammarError when a member cannot be
+  // read.
   static std::shared_ptr<NegationSlot> initFromPlist(const Value& plist);
   static std::shared_ptr<NegationSlot> instanceFromPlist(const Value& plist);
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view kTrace = ZKPlistNotificationDefault;
 
-// A plist that is only printed: a dictionary without its index and with its attribute keys read.
+// A plist for printing only: a dictionary without its index and with its attribute keys read.
 class PrintedAttributes : public Describable {
  public:
   explicit PrintedAttributes(const AttributeDictionary& attributes) : _attributes(attributes) {}
@@ -25,7 +25,7 @@ class PrintedAttributes : public Describable {
   const AttributeDictionary& _attributes;
 };
 
-// The attribute that an entry of a production's dictionary stands for.
+// The attribute for an entry of a production's dictionary.
 AttributeValue attributeOf(const std::string& name, const Value& plist) {
   if (!plist.asDictionary()) return AttributeValue::fromPlist(plist);
   return GrammarError::within(name, [&plist] {
@@ -39,7 +39,7 @@ std::shared_ptr<Slot> literalSlot(std::shared_ptr<AttributeDictionary> attribute
   return SimpleSlot::simpleSlotWithCell(Cell::_literalOver(std::move(attributes)));
 }
 
-// The overlay that a dictionary describes, its index apart.
+// The overlay that a dictionary describes, without its index.
 std::shared_ptr<Slot> overlayOf(const Dictionary& plist) {
   auto attributes = std::make_shared<AttributeDictionary>();
   attributes->reserve(plist.count() - 1);

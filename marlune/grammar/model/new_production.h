@@ -11,21 +11,21 @@
 
 namespace marlune {
 
-// A list of slots to produce: each an overlay on either a new, empty slot or one of the matched.
-// Overlays and indices are meant to be of one length; the indices decide how many slots come out.
+// A list of slots to produce, each an overlay on a new, empty slot or on a matched one. Overlays
+// and indices should have the same length; the indices determine how many slots are produced.
 class NewProduction : public GenericProduction {
  public:
   using Indices = std::vector<std::int32_t>;
 
-  // From an array: a string is a new slot with that content; a dictionary lays its entries on the
-  // matched slot at its "_index" (negative: on a new one), a nested dictionary being read as an
-  // AttributeKey; other entries are passed over. Reading stops for good at a dictionary without a
-  // number under "_index". From anything but an array: neither indices nor overlays. GrammarError
-  // when an AttributeKey cannot be read.
+  // From an array. A string makes a new slot with that content. A dictionary overlays its entries
+  // on the matched slot at its "_index" (negative: on a new slot); a nested dictionary is read as
+  // an AttributeKey. Other elements are skipped. Reading stops at the first dictionary without a
+  // number under "_index". Anything but an array gives neither indices nor overlays. Throws
+  // GrammarError when an AttributeKey cannot be read.
   static std::shared_ptr<NewProduction> initFromPlist(const Value& plist);
   static std::shared_ptr<NewProduction> instanceFromPlist(const Value& plist);
 
-  // Produces new slots with the attributes of the sequence's. The sequence is shared.
+  // Produces new slots with the attributes of the sequence's slots. Shares the sequence.
   static std::shared_ptr<NewProduction> initWithSimpleSlotSequence(
       std::shared_ptr<SimpleSlotSequence> sequence);
   static std::shared_ptr<NewProduction> productionWithSimpleSlotSequence(
@@ -37,8 +37,9 @@ class NewProduction : public GenericProduction {
 
   Kind kind() const override { return Kind::newProduction; }
 
-  // For each produced slot the position in the occurrence, from 0, of the slot that it is made
-  // from; negative: a new one. Null when absent, which counts as none. The setters share.
+  // For each produced slot, the position in the occurrence, from 0, of the slot that it is made
+  // from; negative: a new one. Null when absent, which counts as none. The setters share their
+  // arguments.
   const std::shared_ptr<Indices>& indices() const { return _indices; }
   void setIndices(std::shared_ptr<Indices> indices) { _indices = std::move(indices); }
   const std::shared_ptr<SimpleSlotSequence>& overlays() const { return _overlays; }

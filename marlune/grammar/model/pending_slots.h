@@ -8,16 +8,15 @@
 
 namespace marlune {
 
-// The slots of a phrase that are made only when somebody looks at them. Most phrases are asked for
-// their words alone.
+// The slots of a phrase, created on demand. Most callers need only the words of a phrase.
 class PendingSlots {
  public:
   virtual ~PendingSlots() = default;
 
-  // The slots. Asked once.
+  // The slots. Called once.
   virtual SlotArray slots() const = 0;
 
-  // What SimpleSlotSequence::stringArray answers for them.
+  // The result of SimpleSlotSequence::stringArray for the slots.
   virtual std::vector<std::string> stringArray() const = 0;
 };
 

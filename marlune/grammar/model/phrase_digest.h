@@ -8,8 +8,9 @@
 
 namespace marlune {
 
-// A phrase in 128 bits: types and attributes of its cells in order, the attributes of a cell in
-// whatever order. Equal phrases have equal digests, and different ones in practice never.
+// A phrase in 128 bits: the types and attributes of its cells in order; the order of a cell's
+// attributes does not matter. Equal phrases have equal digests; different phrases practically never
+// do.
 struct PhraseDigest {
   static PhraseDigest of(const SimpleSlotSequence& phrase);
 

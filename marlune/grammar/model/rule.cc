@@ -85,7 +85,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
     ContextSubstitution pass(*before, _leftHandSide.get(), _rightHandSide.get());
     current = pass.result();
     if (!_repeat) return current;
-    // Here, other than after a single pass, the result itself gets the blanks that it may lack.
+    // In a repetition, unlike after a single pass, missing blanks are added to the result itself.
     if (before->matches(current->pad()) || pass.isFull()) return current;
     if (passes == 1) earlier.insert(PhraseDigest::of(*before));
     if (!earlier.insert(PhraseDigest::of(*current)).second) {

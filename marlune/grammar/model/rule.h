@@ -12,24 +12,24 @@
 
 namespace marlune {
 
-// A leaf of the grammar: rewrites every occurrence of its left-hand side, once or, when it repeats,
-// pass after pass until one changes nothing.
+// A leaf of the grammar: rewrites every occurrence of its left-hand side, once or, if it repeats,
+// pass after pass until a pass changes nothing.
 class Rule : public GrammarPart {
  public:
-  // How many passes a repeating rule may take, and how much work they may be, in the steps of
-  // ContextSubstitution::steps, about 10 ns each: 1,000 passes over 1,000 words take 20 million
-  // and the comparisons that they need.
+  // Limits for a repeating rule: the number of passes, and their work in the steps of
+  // ContextSubstitution::steps, about 10 ns each. 1,000 passes over 1,000 words take 20 million
+  // steps plus their comparisons.
   static constexpr int kMostPasses = 10000;
   static constexpr std::uint64_t kMostSteps = 300000000;
 
-  // From a dictionary with "_lhs", "_rhs" (an array: a NewProduction, a dictionary: a
-  // ConditionalProduction, anything else: none) and perhaps "_repeat", read as an integer. A
-  // missing side is told straight to the system log. From anything else: a rule with nothing set.
-  // GrammarError when a side cannot be read.
+  // From a dictionary with "_lhs", "_rhs" (an array gives a NewProduction, a dictionary a
+  // ConditionalProduction, anything else none) and optionally "_repeat", read as an integer. A
+  // missing side is logged straight to the system log. From anything else: a rule with nothing set.
+  // Throws GrammarError when a side cannot be read.
   static std::shared_ptr<Rule> initFromPlist(const Value& plist);
   static std::shared_ptr<Rule> instanceFromPlist(const Value& plist);
 
-  // Made by hand: order and depth 0, no name, no repetition. Everything is shared.
+  // A rule without a file: order and depth 0, no name, no repetition. Shares its arguments.
   static std::shared_ptr<Rule> initWithLeftHandSide(
       std::shared_ptr<SlotsInContext> leftHandSide,
       std::shared_ptr<SimpleSlotSequence> rightHandSideOverlays,
@@ -44,10 +44,10 @@ class Rule : public GrammarPart {
   Kind kind() const override { return Kind::rule; }
 
   // The result of the last pass. A repeating rule stops when the phrase before a pass, taken as a
-  // pattern, matches the phrase after it; a pass that only adds attributes is thus no change. One
-  // that would never stop is stopped, with an unconditional line, as soon as the phrase is one
-  // that it has been before, kMostPasses have run or those so far took more than kMostSteps, and
-  // answers the phrase as it stands. It stops, too, when the phrase would grow too long.
+  // pattern, matches the phrase after it, so a pass that only adds attributes counts as no change.
+  // A rule that would never stop is stopped, with an unconditional line, as soon as the phrase
+  // equals an earlier one, kMostPasses have run or the passes so far took more than kMostSteps; the
+  // result is the phrase at that point. The rule also stops when the phrase would grow too long.
   std::shared_ptr<SimpleSlotSequence> appliedTo(const SimpleSlotSequence& phrase) const override;
 
   std::string description() const override;

@@ -21,7 +21,7 @@ bool takesOne(const Slot& slot) {
          slot.kind() == Slot::Kind::negation;
 }
 
-// What asking the slot once takes at most, in steps.
+// The most steps that matching the slot once takes.
 std::uint64_t weightOf(const Slot& slot) {
   if (slot.kind() == Slot::Kind::simple) {
     const Cell* const cell = slot._cellOrNull().get();
@@ -37,7 +37,7 @@ std::uint64_t weightOf(const Slot& slot) {
   return weight;
 }
 
-// Whether asking the slots, or what their Kleene slots hold, may write lines.
+// Whether matching the slots, or the members of their Kleene slots, may write lines.
 bool mayWriteLines(const SlotArray& pattern) {
   return std::ranges::any_of(pattern, [](const std::shared_ptr<Slot>& slot) {
     if (const KleeneSlot* kleene = asKleene(*slot)) return kleene->slots()->_writesLines();
@@ -80,9 +80,9 @@ class SlotKleeneMatcher : public KleeneMatcher {
 
   SlotRun _target;
   std::vector<const Slot*> _slots;
-  std::vector<std::uint64_t> _weights;  // by element
-  mutable std::uint64_t _more = 0;      // steps than one for each question
-  std::vector<Run> _bodies;             // by element, as far as Kleene slots go
+  std::vector<std::uint64_t> _weights;  // indexed by element
+  mutable std::uint64_t _more = 0;      // steps beyond one for each call
+  std::vector<Run> _bodies;             // indexed by element, for Kleene slots
   Run _pattern;
 };
 
@@ -118,8 +118,8 @@ bool SequenceMatcher::_matchesStraight(std::size_t position) {
   return true;
 }
 
-// The recursion's order: go on until the pattern ends, where it matches, or fails; then add one
-// repetition to the Kleene slot met last that can take another.
+// In the recursion's order: continue until the pattern ends, where it matches, or until it fails;
+// then add one repetition to the latest Kleene slot that can take another.
 bool SequenceMatcher::_matchesInOrder(std::size_t position) {
   _continuations.clear();
   _choices.clear();

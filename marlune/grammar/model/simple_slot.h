@@ -14,13 +14,13 @@ namespace marlune {
 class SimpleSlot : public Slot, public std::enable_shared_from_this<SimpleSlot> {
  public:
   static std::shared_ptr<SimpleSlot> initWithCell(std::shared_ptr<Cell> cell);
-  static std::shared_ptr<SimpleSlot> initFromPlist(const Value& plist);  // the cell of the value
+  static std::shared_ptr<SimpleSlot> initFromPlist(const Value& plist);  // from the value's cell
   static std::shared_ptr<SimpleSlot> instanceFromPlist(const Value& plist);
   static std::shared_ptr<SimpleSlot> simpleSlotWithCell(std::shared_ptr<Cell> cell);
-  static std::shared_ptr<SimpleSlot> blank();  // over a new blank
-  static std::shared_ptr<SimpleSlot> empty();  // over a new wildcard without attributes
+  static std::shared_ptr<SimpleSlot> blank();  // holds a new blank
+  static std::shared_ptr<SimpleSlot> empty();  // holds a new wildcard without attributes
 
-  // The slot as a simple one, or nullptr when it is of another kind (or null).
+  // The slot as a simple one; nullptr when it is null or of another kind.
   static SimpleSlot* from(Slot* slot);
   static const SimpleSlot* from(const Slot* slot);
 
@@ -29,10 +29,10 @@ class SimpleSlot : public Slot, public std::enable_shared_from_this<SimpleSlot> 
   const std::shared_ptr<Cell>& cell() const { return _cell; }
   void setCell(std::shared_ptr<Cell> cell) { _cell = std::move(cell); }  // shared
 
-  const std::string* content() const;                               // as the cell's
-  const std::string* attributeForKey(std::string_view name) const;  // as the cell's
+  const std::string* content() const;                               // the cell's
+  const std::string* attributeForKey(std::string_view name) const;  // the cell's
 
-  // A new slot over the cell's overlay on the other's cell: attributes here win.
+  // A new slot whose cell overlays this slot's cell on the other's: attributes of this slot win.
   std::shared_ptr<SimpleSlot> overlayedOn(const SimpleSlot& other) const;
 
   std::string description() const override;

@@ -12,8 +12,8 @@ class Slot;
 
 using SlotArray = std::vector<std::shared_ptr<Slot>>;
 
-// The slots of a phrase as a pattern sees them: from the first to the last, or backwards. Looks at
-// the array and copies nothing; the array must stay as it is meanwhile.
+// The slots of a phrase as seen by a pattern: from the first to the last, or backwards. Refers to
+// the array without copying it; the array must not change during use.
 class SlotRun {
  public:
   static SlotRun forwards(const SlotArray& slots) { return {slots.data(), slots.size(), 1}; }
@@ -23,7 +23,7 @@ class SlotRun {
 
   std::size_t count() const { return _count; }
 
-  // The cell at `index`, from 0 in the direction of the run; nullptr past its end and where the
+  // The cell at `index`, from 0 in the direction of the run; nullptr past the end and where the
   // slot is not a simple one.
   const Cell* cellAt(std::size_t index) const;
 
@@ -31,7 +31,7 @@ class SlotRun {
   SlotRun(const std::shared_ptr<Slot>* origin, std::size_t count, std::ptrdiff_t step)
       : _origin(step > 0 ? origin : origin - (count > 0 ? 1 : 0)), _count(count), _step(step) {}
 
-  const std::shared_ptr<Slot>* _origin;  // of index 0
+  const std::shared_ptr<Slot>* _origin;  // the slot at index 0
   std::size_t _count;
   std::ptrdiff_t _step;
 };

@@ -149,7 +149,7 @@ bool SlotSequence::_matchesAt(const SlotRun& target, std::size_t index) const {
   return SequenceMatcher(slots(), target).matchesFrom(index);
 }
 
-// Within a sequence a Kleene slot is not asked itself, and slots of other kinds not at all.
+// A sequence never calls `matches` of a Kleene slot itself, nor of slots of other kinds.
 bool SlotSequence::_writesLines() const {
   return std::ranges::any_of(slots(), [](const std::shared_ptr<Slot>& slot) {
     switch (slot->kind()) {

@@ -15,22 +15,22 @@ namespace marlune {
 
 class SimpleSlotSequence;
 
-// An ordered run of slots: the pattern language of the grammar. Matching always asks whether the
-// target begins with the pattern. Slots are shared between sequences; the array is the sequence's
-// own. All positions count from 0.
+// An ordered run of slots: the pattern language of the grammar. Matching always checks whether the
+// target begins with the pattern. Sequences may share slots; each sequence owns its array. All
+// positions count from 0.
 class SlotSequence : public Slot {
  public:
   static std::shared_ptr<SlotSequence> emptySlotSequence();
   static std::shared_ptr<SlotSequence> slotSequenceWithArray(SlotArray slots);
   static std::shared_ptr<SlotSequence> initWithArray(SlotArray slots);
 
-  // From an array of slot elements. Anything else: an empty sequence, with a line straight to the
-  // system log. GrammarError when an element is no slot.
+  // From an array of slot elements. Anything else gives an empty sequence, after a line straight to
+  // the system log. Throws GrammarError when an element is not a slot.
   static std::shared_ptr<SlotSequence> initFromPlist(const Value& plist);
 
   Kind kind() const override { return Kind::sequence; }
 
-  // The live array: what a caller changes in it changes the sequence. No element may be null.
+  // The array itself, not a copy: changing it changes the sequence. No element may be null.
   SlotArray& slots() {
     if (_pending) _makeSlots();
     return _slots;
@@ -55,44 +55,44 @@ class SlotSequence : public Slot {
   std::shared_ptr<SimpleSlotSequence> occurrenceOfSequence(const SlotSequence& sequence,
                                                            std::size_t atIndex) const;
 
-  // The slots [0, atIndex); `sequence` is not looked at. Throws std::out_of_range past the count.
+  // The slots [0, atIndex); `sequence` is not used. Throws std::out_of_range past the count.
   std::shared_ptr<SlotSequence> portionPrecedingOccurrenceOfSequence(const SlotSequence& sequence,
                                                                      std::size_t atIndex) const;
 
-  // The slots from atIndex + sequence.count() on, perhaps none; nullptr when that is past the end.
+  // The slots from atIndex + sequence.count() on, possibly none; nullptr when that is past the end.
   std::shared_ptr<SlotSequence> portionFollowingOccurrenceOfSequence(const SlotSequence& sequence,
                                                                      std::size_t atIndex) const;
 
-  // A new sequence in reverse order, each slot reversed in itself.
+  // A new sequence in reverse order, with each slot itself reversed.
   std::shared_ptr<SlotSequence> reversed() const;
 
   // Every position of the target, ascending, at which the rest of the target begins with this
-  // pattern; overlapping ones too. An empty pattern occurs everywhere, but nowhere in an empty
-  // target.
+  // pattern, overlapping ones included. An empty pattern occurs everywhere, except in an empty
+  // target, where it does not occur.
   std::vector<std::int32_t> indicesOfOccurrencesInTarget(const SlotSequence& target) const;
 
-  // The same; adds the work that it took, as SequenceMatcher counts it, to `steps`.
+  // The same; adds the work done, as SequenceMatcher counts it, to `steps`.
   std::vector<std::int32_t> _indicesOfOccurrences(const SlotSequence& target,
                                                   std::uint64_t& steps) const;
 
-  // Lays the slots here on the target's, position by position and in the target itself, as far as
-  // both go. Answers the target.
+  // Overlays the slots of this sequence on the target's, position by position and in place, up to
+  // the shorter length. Returns the target.
   std::shared_ptr<SlotSequence> overlayedOn(std::shared_ptr<SlotSequence> target) const;
 
-  std::string description() const override;  // the slots' joined by "."
+  std::string description() const override;  // the slots' descriptions, joined by "."
 
   bool _matchesAt(const SlotRun& target, std::size_t index) const override;
   bool _writesLines() const override;
 
-  // Reads the elements as slots. `position` is that of the first one in the file's array, for
-  // the place that a GrammarError names.
+  // Reads the elements as slots. `position` is the index of the first one in the file's array, for
+  // the place in a GrammarError.
   static SlotArray _slotsFromPlist(std::span<const Value> elements, std::size_t position);
 
  protected:
   explicit SlotSequence(SlotArray slots) : _slots(std::move(slots)) {}
   explicit SlotSequence(std::unique_ptr<const PendingSlots> slots) : _pending(std::move(slots)) {}
 
-  // What the slots are still to be made from; nullptr once they are there.
+  // The source of slots not created yet; nullptr once they exist.
   const PendingSlots* _pendingSlots() const { return _pending.get(); }
 
   static SlotArray _slotsFromPlist(const Value& plist);
@@ -101,7 +101,7 @@ class SlotSequence : public Slot {
   std::shared_ptr<Slot> _reversed() override;
   void _makeSlots() const;
 
-  // At any time one of the two holds the slots: reading a phrase of pending ones makes them.
+  // Exactly one of the two holds the slots at any time: reading pending slots creates them.
   mutable SlotArray _slots;
   mutable std::unique_ptr<const PendingSlots> _pending;
 };

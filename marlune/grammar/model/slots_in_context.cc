@@ -75,15 +75,15 @@ std::vector<std::int32_t> SlotsInContext::_indicesOfOccurrences(const SimpleSlot
   if (!_significantSlots) return {};
   std::vector<std::int32_t> indices = _significantSlots->_indicesOfOccurrences(phrase, steps);
 
-  // What stands before position i, read backwards, is the end of the whole phrase read backwards;
-  // so one matcher and what it remembers serve all positions. Likewise behind.
+  // The slots before position i, read backwards, are a suffix of the whole phrase read backwards,
+  // so one matcher and its cache serve all positions. The same holds for the slots after it.
   const std::size_t count = phrase.count();
   SequenceMatcher before(_preContextReversed->slots(), SlotRun::backwards(phrase.slots()));
   SequenceMatcher behind(_postContext->slots(), SlotRun::forwards(phrase.slots()));
   std::erase_if(indices, [&](std::int32_t index) {
     const auto position = static_cast<std::size_t>(index);
     const bool preHolds = before.matchesFrom(count - position);
-    // Asked even when the pre-context has failed: asking may write lines.
+    // Matched even if the pre-context has failed, because matching may write lines.
     const bool postHolds =
         behind.matchesFrom(std::min(count, position + _significantSlots->count()));
     return !preHolds || !postHolds;

@@ -11,13 +11,13 @@
 
 namespace marlune {
 
-// The left-hand side of a rule: the significant slots that a production replaces, and what must
-// stand right before and right after them, which is tested and never replaced.
+// The left-hand side of a rule: the significant slots, which a production replaces, and the
+// contexts that must match right before and right after them, which are never replaced.
 class SlotsInContext : public Describable {
  public:
-  // From a dictionary with "_significantSlots" and perhaps "_preContext" and "_postContext". A
-  // missing context is empty; missing significant slots stay null, with a line straight to the
-  // system log; all four fields of anything but a dictionary are null, without one.
+  // From a dictionary with "_significantSlots" and optionally "_preContext" and "_postContext". A
+  // missing context is empty. Missing significant slots stay null, after a line straight to the
+  // system log. For anything but a dictionary, all four fields are null, without a line.
   static std::shared_ptr<SlotsInContext> initFromPlist(const Value& plist);
   static std::shared_ptr<SlotsInContext> instanceFromPlist(const Value& plist);
 
@@ -26,21 +26,21 @@ class SlotsInContext : public Describable {
       SlotArray significantSlots, std::optional<SlotArray> preContext,
       std::optional<SlotArray> postContext);
 
-  // Over the sequence's slots, without contexts.
+  // Uses the sequence's slots, without contexts.
   static std::shared_ptr<SlotsInContext> slotsInContextWithSignificantSlotSequence(
       const SlotSequence& sequence);
 
   // The position of the first significant slot of every place where all three match, ascending; a
-  // leading blank counts as position 0. What follows is looked for as many slots on as the
-  // significant *pattern* has, also when a Kleene slot in it took more or fewer. None when there
-  // are no significant slots.
+  // leading blank counts as position 0. The post-context is matched at that position plus the
+  // number of slots in the significant *pattern*, even if a Kleene slot in it took more or fewer.
+  // Empty when there are no significant slots.
   std::vector<std::int32_t> indicesOfOccurrencesInTarget(const SimpleSlotSequence& phrase) const;
 
-  // The same; adds the work that it took, as SequenceMatcher counts it, to `steps`.
+  // The same; adds the work done, as SequenceMatcher counts it, to `steps`.
   std::vector<std::int32_t> _indicesOfOccurrences(const SimpleSlotSequence& phrase,
                                                   std::uint64_t& steps) const;
 
-  // Whether looking for occurrences can write lines.
+  // Whether finding occurrences can write lines.
   bool _writesLines() const;
 
   const std::shared_ptr<SimpleSlotSequence>& significantSlots() const { return _significantSlots; }
@@ -55,7 +55,7 @@ class SlotsInContext : public Describable {
 
  private:
   std::shared_ptr<SlotSequence> _preContext;
-  std::shared_ptr<SlotSequence> _preContextReversed;  // made once; an absent one's is _preContext
+  std::shared_ptr<SlotSequence> _preContextReversed;  // made once; the same if absent
   std::shared_ptr<SimpleSlotSequence> _significantSlots;
   std::shared_ptr<SlotSequence> _postContext;
 };
