@@ -17,7 +17,7 @@ TEST(DecomposerDelegateTest, ATableNeverAnswersForTheOther) {
   DecomposerDelegate::Overrides whole{{"hello_there", {"hi", "there"}}, {"both", {"all"}}};
   DecomposerDelegate::Overrides parts{{"far[x]", {}}, {"both", {"bit", "bit"}}};
   const auto delegate = DecomposerDelegate::initWithWholeOverrides(whole, parts);
-  whole["hello_there"] = {"changed"};  // too late
+  whole["hello_there"] = {"changed"};  // too late: the table was copied
   const auto decomposer = Decomposer::initWithDirectory("Sounds", nullptr);
 
   const auto answer = [&](std::string_view key, bool isSubsetOfWhole) {
@@ -25,7 +25,7 @@ TEST(DecomposerDelegateTest, ATableNeverAnswersForTheOther) {
   };
   EXPECT_THAT(answer("hello_there", false), Pointee(ElementsAre("hi", "there")));
   EXPECT_THAT(answer("hello_there", true), IsNull());
-  EXPECT_THAT(answer("far[x]", true), Pointee(ElementsAre())) << "empty is an answer";
+  EXPECT_THAT(answer("far[x]", true), Pointee(ElementsAre())) << "an empty list is an answer";
   EXPECT_THAT(answer("far[x]", false), IsNull());
   EXPECT_THAT(answer("both", false), Pointee(ElementsAre("all")));
   EXPECT_THAT(answer("both", true), Pointee(ElementsAre("bit", "bit")));

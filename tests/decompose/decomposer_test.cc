@@ -31,7 +31,7 @@ std::string shown(const Decomposition& decomposition) {
   return text;
 }
 
-// Asks a function of the test's.
+// Calls a function of the test.
 class FunctionDelegate : public DecomposerOverrides {
  public:
   using Function = std::function<Decomposition(Decomposer&, const std::string& key, bool isPart)>;
@@ -62,12 +62,12 @@ TEST_F(DecomposerTest, ChoosesTheFewestFiles) {
     const char* result;
   } cases[] = {
       {"a word with a recording", {"go"}, {"go"}, "<go>"},
-      {"a word without", {"stop"}, {"go"}, "cannot be said"},
+      {"a word without a recording", {"stop"}, {"go"}, "cannot be said"},
       {"on a tie the longest leading file wins",
        {"at_the", "finish", "at", "the_finish"},
        {"at", "the", "finish"},
        "<at_the><finish>"},
-      {"the same deeper down: a_b_c + d, not a + b_c_d or a_b + c_d",
+      {"the longest leading file also wins inside a split: a_b_c + d, not a + b_c_d or a_b + c_d",
        {"a", "b_c_d", "a_b", "c_d", "a_b_c", "d"},
        {"a", "b", "c", "d"},
        "<a_b_c><d>"},
@@ -78,20 +78,20 @@ TEST_F(DecomposerTest, ChoosesTheFewestFiles) {
       {"a recording of the whole wins over its words'", {"a", "b", "a_b"}, {"a", "b"}, "<a_b>"},
       {"a bracket binds to the word before", {"a_b[x]"}, {"a", "b", "[x]"}, "<a_b[x]>"},
       {"a phrase falls back to the plain recording", {"a_b"}, {"a", "b[x]"}, "<a_b>"},
-      {"a single word does not", {"b"}, {"b[x]"}, "cannot be said"},
-      {"the attribute's own recording is better", {"a_b", "a_b[x]"}, {"a", "b[x]"}, "<a_b[x]>"},
-      {"underscores around a removed bracket stay", {"a__c"}, {"a", "[x]", "c"}, "cannot be said"},
-      {"the same where they do stay", {"a_c"}, {"a", "[x]", "c"}, "<a_c>"},
+      {"a single word does not fall back", {"b"}, {"b[x]"}, "cannot be said"},
+      {"a recording with the attribute is better", {"a_b", "a_b[x]"}, {"a", "b[x]"}, "<a_b[x]>"},
+      {"no two underscores where a bracket was", {"a__c"}, {"a", "[x]", "c"}, "cannot be said"},
+      {"one underscore where a bracket was", {"a_c"}, {"a", "[x]", "c"}, "<a_c>"},
       {"brackets do not nest", {"adea"}, {"a[b[c]d]e", "[f", "g]a"}, "<adea>"},
-      {"a word that holds a blank must be recorded as it is", {"a_b"}, {"a b"}, "cannot be said"},
-      {"and then under its key as well", {"a b"}, {"a b"}, "cannot be said"},
-      {"with both it is said by the key", {"a b", "a_b"}, {"a b"}, "<a_b>"},
+      {"a word with a blank needs a recording with the blank", {"a_b"}, {"a b"}, "cannot be said"},
+      {"a word with a blank needs a recording of its key too", {"a b"}, {"a b"}, "cannot be said"},
+      {"a word with a blank is said by its key", {"a b", "a_b"}, {"a b"}, "<a_b>"},
       {"in a longer phrase only the key counts", {"a_b_c"}, {"a b", "c"}, "<a_b_c>"},
       {"no words", {"a"}, {}, "cannot be said"},
       {"no words, and a recording without a name", {""}, {}, "<>"},
       {"an empty word", {"", "a"}, {"a", ""}, "<a><>"},
       {"a repeated word", {"no", "no_no_no"}, {"no", "no", "no", "no"}, "<no_no_no><no>"},
-      {"characters outside of ASCII", {"\u00fcber_das"}, {"\u00fcber", "das"}, "<\u00fcber_das>"},
+      {"characters outside ASCII", {"\u00fcber_das"}, {"\u00fcber", "das"}, "<\u00fcber_das>"},
       {"words longer than a machine word",
        {"incomprehensibilities", "uncharacteristically_so"},
        {"incomprehensibilities", "uncharacteristically", "so"},
@@ -137,7 +137,7 @@ TEST_F(DecomposerTest, AnAbsentPhraseLeavesNoTrace) {
   EXPECT_THAT(log->lines(), IsEmpty());
 }
 
-// Two word lists with one key share one answer, the one of the list that came first.
+// Two word lists with the same key share the answer to the first one.
 TEST_F(DecomposerTest, RemembersByTheKeyAlone) {
   const auto decomposer = decomposerWith({"a", "b"});
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a b"})), "cannot be said");
@@ -153,7 +153,7 @@ TEST_F(DecomposerTest, HandsOutTheSameListFromTheSecondTimeOn) {
   EXPECT_EQ(decomposer->optimalDecompositionOf(words), decomposer->optimalDecompositionOf(words));
 }
 
-// Phrases that have much in common, down to their bytes, each with a recording of its own.
+// Similar phrases, down to their bytes, each with its own recording.
 TEST_F(DecomposerTest, TellsRememberedPhrasesApart) {
   using namespace std::string_literals;
   const std::vector<Words> phrases{{"a"},
@@ -191,7 +191,7 @@ TEST_F(DecomposerTest, TheDelegateGoesBeforeAnyRecordingAndIsFinal) {
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<no such file>");
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"w", "x", "y"})), "<w><part>");
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"x", "y"})), "<part>")
-      << "a part's answer stands for the whole phrase that comes later";
+      << "a part's answer also answers the whole phrase later";
   decomposer->setDelegate({});
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<no such file>");
   EXPECT_EQ(log->lines()[1], "delegateSpecifiedDecomposition: (\n    \"no such file\"\n)");
@@ -207,8 +207,8 @@ TEST_F(DecomposerTest, ASplitNeverHasMoreFilesThanWords) {
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "d"})), "<1><2>");
 }
 
-// "[x] b" alone takes more files than words; behind an empty word, which leaves no trace in the
-// key, it does not. What is asked for the key from then on gets that answer.
+// "[x] b" alone takes more files than words. After an empty word, which does not appear in the key,
+// it does not. Later look-ups of the key get that answer.
 TEST_F(DecomposerTest, AKeyThatComesAgainIsAnsweredByTheLastAnswer) {
   const auto decomposer = decomposerWith({"a", "b"});
   const auto delegate = DecomposerDelegate::initWithWholeOverrides(
@@ -225,7 +225,7 @@ TEST_F(DecomposerTest, CountsEveryCallOfThePlainRecursion) {
   EXPECT_THAT(log->lines(),
               ElementsAre("Iterations so far: 1", "Iterations so far: 2", "Iterations so far: 3"));
   decomposer->_setDebugging(false);
-  // 80 different words: one call, and two for every split of every stretch.
+  // 80 different words: one call, plus two for every split of every stretch.
   Words words;
   for (int i = 0; i < 80; ++i) words.push_back("w" + std::to_string(i));
   const auto fresh = decomposerWith({});
@@ -233,8 +233,8 @@ TEST_F(DecomposerTest, CountsEveryCallOfThePlainRecursion) {
   EXPECT_EQ(fresh->iterations(), 1 + 80 * (80 * 80 - 1) / 3);
 }
 
-// A delegate may ask the decomposer itself, exchange the delegate and read the counter, all in the
-// middle of a search.
+// In the middle of a search, a delegate may call the decomposer, replace the delegate and read the
+// counter.
 TEST_F(DecomposerTest, ADelegateMayReenter) {
   const auto decomposer = decomposerWith({"a", "b", "b_c"});
   Words questions;
@@ -249,12 +249,12 @@ TEST_F(DecomposerTest, ADelegateMayReenter) {
         if (key != "b_c" || !isSubsetOfWhole) return Decomposition();
         EXPECT_EQ(shown(asking.optimalDecompositionOf({"b", "c"})), "<b_c>");
         asking.setDelegate(later);
-        first.reset();  // the one being asked stays alive until it has answered
+        first.reset();  // the delegate stays alive until it returns
         return list({"x", "y"});
       });
   decomposer->setDelegate(first);
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b", "c"})), "<a><x><y>")
-      << "the later answer replaces the one that the inner question left";
+      << "the later answer replaces the one of the nested call";
   EXPECT_THAT(questions, ElementsAre("first a_b_c 1", "first a 2", "first b_c 3", "first b_c 4",
                                      "later a_b 5", "later b 7", "later c 8"));
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"b", "c"})), "<x><y>");
@@ -291,7 +291,7 @@ TEST_F(DecomposerTest, ADelegateThatThrowsLeavesNoAnswerBehind) {
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<a><b>");
 }
 
-// Each would take gigabytes or minutes when its stretches were all remembered.
+// Remembering all stretches of any of these would take gigabytes or minutes.
 TEST_F(DecomposerTest, ATooLongPhraseIsRefusedWithALineAndForgotten) {
   Words same(20000, "w"), different, longWords(1000, std::string(1000, 'w'));
   for (int i = 0; i < 20000; ++i) different.push_back("w" + std::to_string(i));

@@ -10,7 +10,7 @@
 
 namespace marlune {
 
-// A session that remembers what it was asked for and refuses what a device would refuse.
+// A session that records its calls and refuses what a device would refuse.
 class FakeAudioSession : public AudioSession {
  public:
   Outcome setCategory(std::string_view category, unsigned options) override {
@@ -28,13 +28,13 @@ class FakeAudioSession : public AudioSession {
     return activationOutcome;
   }
 
-  std::string category;  // as it stands
+  std::string category;  // the current one
   unsigned options = 0;
   bool isActive = false;
-  std::string history;  // '+' for each time it became active, '-' inactive
+  std::string history;  // '+' for each activation, '-' for each deactivation
   int timesCategoryWasSet = 0;
 
-  Outcome categoryOutcome, activationOutcome;  // what the next calls report
+  Outcome categoryOutcome, activationOutcome;  // the results of the next calls
   std::function<bool()> isSoundRunning = [] { return false; };
 };
 

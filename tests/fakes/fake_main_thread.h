@@ -12,7 +12,8 @@
 
 namespace marlune {
 
-// The thread that makes it, with a clock that stands still until the test advances it.
+// The thread that creates the object, with a clock that advances only when the test calls
+// `advance`.
 class FakeMainThread : public MainThread {
  public:
   bool isCurrent() const override { return std::this_thread::get_id() == _thread; }
@@ -32,7 +33,7 @@ class FakeMainThread : public MainThread {
     _work.emplace(_now + seconds, std::move(work));
   }
 
-  // Runs what falls due within the next `seconds`, what that posts included.
+  // Runs the work due within the next `seconds`, including work that it posts.
   void advance(double seconds) {
     const double until = _now + seconds;
     while (auto work = _takeNext(until)) work();
@@ -52,7 +53,7 @@ class FakeMainThread : public MainThread {
   const std::thread::id _thread = std::this_thread::get_id();
   std::mutex _mutex;
   double _now = 0;
-  std::multimap<double, std::function<void()>> _work;  // by the time at which it is due
+  std::multimap<double, std::function<void()>> _work;  // by due time
 };
 
 }  // namespace marlune

@@ -9,10 +9,10 @@
 
 namespace marlune {
 
-// Preferences in memory. Nothing leaves the process, so synchronizing only counts. Any thread.
+// In-memory preferences. Nothing leaves the process; synchronizing only counts. Any thread.
 class FakePreferences : public Preferences {
  public:
-  // Short for a test's set-up; the domain "" is the app's own.
+  // A shorthand for a test's set-up; the domain "" is the app's own.
   void set(std::string_view key, const Value& value, std::string_view domain = "") {
     setValueForKey(value, key, domain);
   }
@@ -36,7 +36,7 @@ class FakePreferences : public Preferences {
     return true;
   }
 
-  // How many changes of the domain other processes do not see yet.
+  // The number of changes of the domain that other processes cannot see yet.
   int unsynchronizedChanges(std::string_view domain) const {
     const std::lock_guard lock(_mutex);
     const auto found = _unsynchronizedChanges.find(domain);

@@ -9,7 +9,7 @@
 
 namespace marlune {
 
-// Files in memory, read by any thread. As the real reader does, every read gives containers with
+// In-memory files, readable on any thread. Like the real reader, every read returns containers with
 // one holder.
 class FakePropertyListReader : public PropertyListReader {
  public:

@@ -23,20 +23,20 @@ class FakePlayerItem : public PlayerItem {
   std::string _path;
 };
 
-// A queue without sound: its items end when the test says so. Observers are told at once, on the
-// thread that changes the queue.
+// A queue without sound, whose items end when the test decides. Observers are notified immediately,
+// on the thread that changes the queue.
 class FakeQueuePlayer : public QueuePlayer {
  public:
-  // As when the current item has been heard to its end.
+  // Simulates the current item playing to its end.
   void finishCurrentItem() { _remove(_items.begin(), _items.begin() + 1); }
 
-  // As when the media service dies.
+  // Simulates the failure of the media service.
   void fail() {
     _status = Status::failed;
     _notify(kStatusKeyPath, _observations);
   }
 
-  // As when a notification was under way while its observer was removed.
+  // Simulates a notification that was under way while its observer was removed.
   void notifyLate(std::string_view keyPath) { _notify(keyPath, _formerObservations); }
 
   bool refusesItems = false;

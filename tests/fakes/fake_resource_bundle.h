@@ -11,7 +11,7 @@
 
 namespace marlune {
 
-// A bundle of one directory, "Sounds", that holds ".aif" recordings of the given names.
+// A bundle with one directory, "Sounds", that contains ".aif" recordings of the given names.
 class FakeResourceBundle : public ResourceBundle {
  public:
   explicit FakeResourceBundle(std::vector<std::string> names) : _names(std::move(names)) {}

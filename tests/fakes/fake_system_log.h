@@ -18,7 +18,7 @@ class FakeSystemLog : public SystemLog {
     _lines.emplace_back(message);
   }
 
-  // The messages so far, in order; one that holds line feeds is still one.
+  // The messages so far, in order; a message with line feeds counts as one.
   std::vector<std::string> lines() const {
     const std::lock_guard lock(_mutex);
     return _lines;

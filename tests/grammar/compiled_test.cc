@@ -1,5 +1,5 @@
-// The compiled grammar against a plain reference and against the tree it was compiled from. The
-// environment can ask for more cases, or for certain ones again:
+// Compares the compiled grammar with a plain reference and with the tree it was compiled from. The
+// environment sets the number of cases and the seed:
 //
 //     MARLUNE_GRAMMARS=25000 MARLUNE_SEED=7 grammar_test --gtest_filter='CompiledTest.*'
 
@@ -35,8 +35,8 @@ std::uint64_t fromEnvironment(const char* name, std::uint64_t otherwise) {
   return text ? std::strtoull(text, nullptr, 10) : otherwise;
 }
 
-// A phrase to the last detail: types, attributes in their order, and which slots are one object,
-// or one with a slot of `input`.
+// A phrase in full detail: types, attributes in order, and which slots are the same object as
+// another or as a slot of `input`.
 std::string detailed(const SimpleSlotSequence& phrase, const SlotArray& input) {
   SlotArray seen = input;
   std::string text;
@@ -52,8 +52,8 @@ std::string detailed(const SimpleSlotSequence& phrase, const SlotArray& input) {
 
 class CompiledTest : public PlatformFixture {
  protected:
-  // The part under "Main" of a file whose inserts are still to be carried out, and compiled, the
-  // file being put away. REQUIRES: nobody else holds anything in the file.
+  // Expands the file's inserts, makes the part under "Main", and compiles it, which packs the file.
+  // REQUIRES: the file's containers have no other holder.
   void compile(Value tree) {
     while (Parser::insertStatementsFromOriginal(tree, tree)) {
     }
@@ -63,7 +63,7 @@ class CompiledTest : public PlatformFixture {
     ASSERT_NE(file.putAway(), nullptr);
   }
 
-  // The result for words, compared with the tree's in every detail and in the lines written.
+  // The result for words; checks that all details and the lines equal the tree's.
   Phrase compared(const Words& words) {
     const Phrase input = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words);
     log->clear();
@@ -116,7 +116,7 @@ TEST_F(CompiledTest, RandomGrammarsGiveWhatReferenceAndTreeGive) {
   EXPECT_GT(rewritten, count / 3);
 }
 
-// Repetitions deeper, and phrases longer, than those of random grammars.
+// Deeper repetitions and longer phrases than in random grammars.
 class RandomRepetitions {
  public:
   explicit RandomRepetitions(std::uint32_t seed) : _random(seed) {}
@@ -224,7 +224,7 @@ TEST_F(CompiledTest, RulesThatNeverEndAndPhrasesThatExplodeAreLeftToTheTree) {
   }
 }
 
-// Where a rule is stopped, and that it is not stopped before, is the tree's business.
+// The compiled grammar stops a rule exactly where the tree does.
 TEST_F(CompiledTest, LimitsAreThoseOfTheTree) {
   std::string members = "[+, b, a";
   for (int i = 0; i < 3000; ++i) members += ", w" + std::to_string(i);
@@ -250,7 +250,7 @@ TEST_F(CompiledTest, LimitsAreThoseOfTheTree) {
   }
 }
 
-// Matching that writes lines keeps to the order of the plain recursion, but not for ever.
+// Matching that writes lines follows the order of the plain recursion, but only up to a limit.
 TEST_F(CompiledTest, RepetitionsThatWriteLinesComeToAnEnd) {
   struct CountingLog : SystemLog {
     void write(std::string_view) noexcept override { ++lines; }
@@ -279,7 +279,7 @@ TEST_F(CompiledTest, AResultOutlivesGrammarAndWords) {
   EXPECT_EQ(result->description(), "_E.([a]tail).([a word that the grammar does not know])._E");
 }
 
-// A log that asks the grammar something while one of its rules writes a line.
+// A log that uses the grammar while one of its rules writes a line.
 TEST_F(CompiledTest, ALogMayAskTheGrammarItself) {
   compile(
       plist("{Main={A={_order=#1; _lhs={_significantSlots=[a]}; _rhs=[b]};"

@@ -31,7 +31,7 @@ class LoadingTest : public PlatformFixture {
     Platform::shared().propertyListReader = reader;
   }
 
-  // A file of this test's own, since the cache never forgets one.
+  // A file unique to the test, since the cache keeps every file.
   std::string file(std::string_view text) {
     const std::string path =
         std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
@@ -40,7 +40,7 @@ class LoadingTest : public PlatformFixture {
     return path;
   }
 
-  // The message that loading ends with, "" when it does not.
+  // The message of the loading error; "" when there is none.
   std::string errorOf(std::string_view text, std::string_view grammar = "Main") {
     try {
       Parser::initWithPlistAtPath(file(text), grammar);
@@ -65,7 +65,7 @@ struct BrokenFile {
   std::string_view why, file, message;
 };
 const BrokenFile kBrokenFiles[] = {
-    {"a chunk that is not there", "{Main={U='#insert Shared.No'}; Shared={}}",
+    {"a missing chunk", "{Main={U='#insert Shared.No'}; Shared={}}",
      "Main.U: an insert directive whose path 'Shared.No' leads to nothing"},
     {"two blanks name the empty path", "{Main={U='#insert  Shared'}; Shared={}}",
      "Main.U: an insert directive whose path '' leads to nothing"},
@@ -76,9 +76,9 @@ const BrokenFile kBrokenFiles[] = {
      "Main.A.U: inserts go in a circle: Main.A.U inserts Main"},
     {"a circle of two", "{Main={}; A={x='#insert B'}; B={y={z='#insert A 3'}}}",
      "A.x: inserts go in a circle: A.x inserts B, B.y.z inserts A"},
-    {"a circle of mere directives", "{Main={}; A='#insert B'; B='#insert A'}",
+    {"a circle of directives only", "{Main={}; A='#insert B'; B='#insert A'}",
      "A: inserts go in a circle: A inserts B, B inserts A"},
-    {"an array that is no slot", "{Main={R={_lhs={_significantSlots=[a, [+, b, [c]]]}; _rhs=[]}}}",
+    {"a non-slot array", "{Main={R={_lhs={_significantSlots=[a, [+, b, [c]]]}; _rhs=[]}}}",
      "Main.R._lhs._significantSlots[1][2]: an array that is no slot: it does not begin with *, + "
      "or ~"},
     {"an empty slot array", "{Main={R={_lhs={_preContext=[[]]}}}}",
@@ -151,7 +151,8 @@ TEST_F(LoadingTest, AFileIsReadOnceAndABrokenOneAgain) {
   EXPECT_EQ(reader->reads, 4);
 }
 
-// Different parsers need no lock of the caller's. The thread sanitizer shows what is missing.
+// Different parsers need no lock of the caller's. The thread sanitizer reports missing locks
+// inside.
 TEST_F(LoadingTest, ParsersAreMadeAndUsedOnSeveralThreadsAtOnce) {
   constexpr int kThreads = 4, kRounds = 20;
   const std::string shared = file(
@@ -183,7 +184,7 @@ TEST_F(LoadingTest, ParsersAreMadeAndUsedOnSeveralThreadsAtOnce) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_THAT(right, testing::Each(kRounds));
-  EXPECT_EQ(reader->reads, 1 + kThreads * kRounds * 2) << "a file is read once";
+  EXPECT_EQ(reader->reads, 1 + kThreads * kRounds * 2) << "each file is read once";
 }
 
 TEST_F(LoadingTest, WithoutAGrammarTheAnswerIsAbsent) {
@@ -211,7 +212,7 @@ TEST_F(LoadingTest, TheTreePrintsByOrderThenName) {
       "assumed."));
 }
 
-// After loading the tree is packed and the objects are gone, which nobody may notice.
+// After loading, the tree is packed and the objects are freed. This must be unobservable.
 
 TEST_F(LoadingTest, WhatIsGoneAfterLoadingComesBackTheSameWithoutALine) {
   const auto parser = Parser::initWithPlistAtPath(
@@ -244,7 +245,7 @@ TEST_F(LoadingTest, AGrammarIsThatOfItsLoadingWhateverItsFileBecomes) {
   const std::string path =
       file("{Main={R={_lhs={_significantSlots=[a]}; _rhs={_signature=[]; _expansions={''=[b]}}}}}");
   const auto parser = Parser::initWithPlistAtPath(path, "Main");
-  // A grammar that nobody wants; building it writes parts' places where no parts are.
+  // Building this unused grammar writes the places of parts into a dictionary that has no parts.
   Parser::initWithPlistAtPath(path, "Main.R._rhs");
   const Value expansions = Parser::retrievePlistForStringInDotNotation("Main.R._rhs._expansions",
                                                                        parser->grammarsPlist());

@@ -15,7 +15,7 @@
 namespace marlune {
 namespace {
 
-// A grammar with something under every key and marker that a file can hold.
+// A grammar that uses every key and marker of the format.
 constexpr std::string_view kFullGrammar = R"(
 {
   Main = {
@@ -68,7 +68,7 @@ const std::vector<Value>& strangers() {
   return kValues;
 }
 
-// Calls `visit` with every value of the tree below `value`, in a form that may be replaced.
+// Calls `visit` with every value of the tree below `value`; `visit` may replace it.
 void forEachPlace(Value& value, const std::function<void(Value&)>& visit) {
   visit(value);
   if (value.asArray()) {
@@ -83,7 +83,8 @@ void forEachPlace(Value& value, const std::function<void(Value&)>& visit) {
   }
 }
 
-// The full grammar with `stranger` at one place, counted from 0 at the root; nothing past the last.
+// The full grammar with `stranger` at the place with this number, counted from 0 at the root;
+// nothing past the last.
 std::optional<Value> grammarWith(const Value& stranger, std::size_t place) {
   Value root = PlistNotation::parse(kFullGrammar);
   std::size_t at = 0;
@@ -103,7 +104,7 @@ class MistypedGrammarsTest : public PlatformFixture {
     Platform::shared().propertyListReader = reader;
   }
 
-  // The words that come out, "absent", or the message of what stopped the loading.
+  // The resulting words, "absent", or the message of the loading error.
   std::string outcomeOf(const std::string& path) {
     try {
       const auto parser = Parser::initWithPlistAtPath(path, "Main");
@@ -138,7 +139,7 @@ TEST_F(MistypedGrammarsTest, AnyValueAtAnyPlaceIsRefusedOrAppliedAlikeWithTheTra
       outcomes.insert(outcome);
     }
   }
-  // The strangers tell the places apart: some are refused, some change what comes out.
+  // The strangers take effect: some places cause an error, some change the result.
   EXPECT_GT(place, 50u);
   EXPECT_GT(refused, 50u);
   EXPECT_GT(outcomes.size(), 50u);

@@ -38,27 +38,26 @@ struct CellCase {
 };
 constexpr CellCase kCellCases[] = {
     {"content is compared whole", "five", "fives", false},
-    {"what the pattern does not name is free", "{content=five}", "{content=five; post=s}", true},
+    {"attributes not in the pattern are ignored", "{content=five}", "{content=five; post=s}", true},
     {"a missing attribute reads as empty", "{content=five; post=''}", "five", true},
-    {"and as nothing else", "{post=s}", "five", false},
-    {"a wildcard takes a wildcard", "?", "?", true},
-    {"a wildcard never takes a blank", "?", "_E", false},
-    {"a blank takes nothing else", "_E", "?", false},
-    {"a literal without attributes takes a blank", "{}", "_E", true},
+    {"a missing attribute equals no other text", "{post=s}", "five", false},
+    {"a wildcard matches a wildcard", "?", "?", true},
+    {"a wildcard never matches a blank", "?", "_E", false},
+    {"a blank matches nothing else", "_E", "?", false},
+    {"a literal without attributes matches a blank", "{}", "_E", true},
     {"a quoted question mark is a word", "{content=?}", "x", false},
-    {"a prefix compares as many characters as stand between the marks", "{#xx-=tw}", "twenty",
-     true},
+    {"a prefix compares as many characters as are between the marks", "{#xx-=tw}", "twenty", true},
     {"and no other", "{#xx-=tw}", "three", false},
-    {"marks alone compare nothing", "{#-=''}", "three", true},
+    {"marks without characters compare nothing", "{#-=''}", "three", true},
     {"but want content", "{#-=''}", "{post=s}", false},
     {"a suffix", "{-xx#=ty}", "fifty", true},
     {"a suffix that differs", "{-xx#=ty}", "fifteen", false},
     {"a key longer than the content", "{-xxxx#=five}", "ive", false},
     {"characters are UTF-16 units", "{#üü-=üb}", "über", true},
-    {"an emoji has two", "{#xx-=😀}", "😀k", true},
+    {"an emoji has two UTF-16 units", "{#xx-=😀}", "😀k", true},
     {"half an emoji equals nothing", "{#x-=😀}", "😀k", false},
-    {"a number is no text", "{content=#5}", "5", false},
-    {"a number is a number", "{n=#5}", "{n=#5}", true},
+    {"a number does not equal text", "{content=#5}", "5", false},
+    {"a number equals a number", "{n=#5}", "{n=#5}", true},
     {"a cell from a number is a wildcard", "#5", "x", true},
 };
 
@@ -102,17 +101,17 @@ struct OccurrenceCase {
   Indices indices;
 };
 const OccurrenceCase kOccurrences[] = {
-    {"overlapping ones too", "[x, x]", "[x, x, x]", {0, 1}},
-    {"an empty pattern everywhere", "[]", "[x, x]", {0, 1}},
-    {"nothing in nothing", "[]", "[]", {}},
+    {"overlapping occurrences count", "[x, x]", "[x, x, x]", {0, 1}},
+    {"an empty pattern occurs everywhere", "[]", "[x, x]", {0, 1}},
+    {"an empty pattern in an empty target", "[]", "[]", {}},
     {"zero repetitions", "[a, [*, b]]", "[a, c]", {0}},
-    {"not at the target's very end", "[a, [*, b]]", "[c, a]", {}},
+    {"not even zero repetitions at the end", "[a, [*, b]]", "[c, a]", {}},
     {"a repetition leaves words for what follows", "[a, [*, b], b, c]", "[a, b, b, c]", {0}},
     {"the bound counts pattern slots, not words", "[[*, a, [*, b]], c]", "[a, a, a, c]", {2, 3}},
-    {"no members end the search", "[[*], a]", "[b, a]", {1}},
+    {"no members, no repetitions", "[[*], a]", "[b, a]", {1}},
     {"alternatives", "[[+, five, six]]", "[five, seven, six]", {0, 2}},
-    {"no alternative", "[[+]]", "[five]", {}},
-    {"all but some, blanks too", "[[~, five]]", "[five, six, _E]", {1, 2}},
+    {"no alternatives", "[[+]]", "[five]", {}},
+    {"a negation matches blanks too", "[[~, five]]", "[five, six, _E]", {1, 2}},
     {"a repetition among alternatives never matches", "[[+, [*, a], b]]", "[a, b]", {1}},
 };
 
@@ -134,16 +133,16 @@ const OccurrenceCase kContexts[] = {
      "{_preContext=[a, [*, c]]; _significantSlots=[b]}",
      "[_E, a, c, c, b, _E]",
      {4}},
-    {"no context can stand before the start",
+    {"no context matches before the start",
      "{_preContext=[[*, a]]; _significantSlots=[b]}",
      "[b, b]",
      {1}},
-    {"what follows is sought after the pattern's length",
+    {"the post-context is matched after the pattern's length",
      "{_significantSlots=[a, [*, b]]; _postContext=[c]}",
      "[a, b, b, c, a, x, c]",
      {4}},
     {"no significant slots", "{_preContext=[a]}", "[a, a]", {}},
-    {"significant slots that are no array", "{_significantSlots=a}", "[a, b]", {0, 1}},
+    {"significant slots that are not an array", "{_significantSlots=a}", "[a, b]", {0, 1}},
     {"nothing at all", "a", "[a]", {}},
 };
 
@@ -279,7 +278,7 @@ TEST_F(PatternTest, AnyNestingOfRepetitionsMatchesAsThePlainRecursionDoes) {
   EXPECT_LT(matched, compared * 9 / 10);
 }
 
-// The plain recursion would take longer than the universe has.
+// The plain recursion would take longer than the age of the universe.
 TEST_F(PatternTest, ManyRepetitionsTakePolynomialTime) {
   const auto phrase =
       SimpleSlotSequence::slotSequenceWithStrings(std::vector<std::string>(200, "a"));

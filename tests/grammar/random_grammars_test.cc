@@ -24,7 +24,7 @@ class RandomGrammarsTest : public PlatformFixture {
     Platform::shared().propertyListReader = reader;
   }
 
-  // The parser of a grammar; the loader writes into a copy of the file.
+  // The parser of a grammar. Copies the file, because the loader writes into it.
   std::unique_ptr<Parser> parserOf(const Value& file, const std::string& path) {
     reader->files = {{path, file}};
     return Parser::initWithPlistAtPath(path, "Main");

@@ -17,7 +17,7 @@ namespace {
 
 class RewritingTest : public PlatformFixture {
  protected:
-  // What a part of a grammar makes of a phrase, printed.
+  // The printed result of applying a part of a grammar to a phrase.
   static std::string rewritten(std::string_view part, std::string_view phrase) {
     return GrammarPart::instanceFromPlist(plist(part))
         ->appliedTo(*SimpleSlotSequence::initFromPlist(plist(phrase)))
@@ -29,38 +29,38 @@ struct RuleCase {
   std::string_view why, rule, phrase, result;
 };
 const RuleCase kRules[] = {
-    {"a new slot behind a kept one", "{_lhs={_significantSlots=[a]}; _rhs=[{_index=#0}, b]}",
+    {"a new slot after a kept one", "{_lhs={_significantSlots=[a]}; _rhs=[{_index=#0}, b]}",
      "[a, c]", "_E.([a]).([b]).([c])._E"},
     {"later occurrences move with the phrase", "{_lhs={_significantSlots=[a]}; _rhs=[]}",
      "[a, x, a]", "_E.([x])._E"},
-    {"overlapping ones rewrite what stands there now",
+    {"overlapping occurrences rewrite the current phrase",
      "{_lhs={_significantSlots=[a, a]}; _rhs=[b]}", "[a, a, a, c]", "_E.([b]).([c])._E"},
     {"an attribute of another slot",
      "{_lhs={_significantSlots=[?, b]}; "
      "_rhs=[{_index=#1.9; pre={_index=#0; _attribute=content}; post={_index=#0; _attribute=g}}]}",
      "[{content=a; g=s}, b]", "_E.(a[b]s)._E"},
-    {"a missing one is set empty",
+    {"a missing attribute is set to the empty text",
      "{_lhs={_significantSlots=[b]}; _rhs=[{_index=#0; content={_index=#0; _attribute=g}}]}", "[b]",
      "_E.([])._E"},
-    {"an overlay makes a literal of a wildcard",
+    {"an overlay turns a wildcard into a literal",
      "{_lhs={_significantSlots=[?]}; _rhs=[{_index=#0}]}", "[?]", "_E.([_])._E"},
     {"reading a production stops at a dictionary without an index",
      "{_lhs={_significantSlots=[a]}; _rhs=[b, #7, {content=c}, d]}", "[a]", "_E.([b])._E"},
-    {"an index outside the occurrence leaves it",
+    {"an index outside the occurrence leaves it unchanged",
      "{_lhs={_significantSlots=[a]}; _rhs=[{_index=#1}]}", "[a]", "_E.([a])._E"},
     {"without a right-hand side nothing changes", "{_lhs={_significantSlots=[a]}}", "[a]",
      "_E.([a])._E"},
     {"a Kleene slot's occurrence is as long as its pattern",
      "{_lhs={_significantSlots=[a, [*, b]]}; _rhs=[x]}", "[a, c, d]", "_E.([x]).([d])._E"},
-    {"one that no longer fits takes the phrase's end with it",
+    {"an occurrence that no longer fits removes the phrase's end",
      "{_lhs={_significantSlots=[a, [*, b], [*, c]]}; _rhs=[x]}", "[a]", "_E.([x])"},
-    {"a repeating rule adds the blanks that its last pass took",
+    {"a repeating rule restores the blanks that its last pass removed",
      "{_lhs={_significantSlots=[a, [*, b]]}; _rhs=[a]; _repeat=#1}", "[a]", "_E.([a])._E"},
-    {"once", "{_lhs={_significantSlots=[a, a]}; _rhs=[a]; _repeat=YES}", "[a, a, b, a, a]",
+    {"a single pass", "{_lhs={_significantSlots=[a, a]}; _rhs=[a]; _repeat=YES}", "[a, a, b, a, a]",
      "_E.([a]).([b]).([a])._E"},
-    {"until nothing changes", "{_lhs={_significantSlots=[a, b]}; _rhs=[b]; _repeat=#true}",
+    {"repeats until nothing changes", "{_lhs={_significantSlots=[a, b]}; _rhs=[b]; _repeat=#true}",
      "[a, a, a, b]", "_E.([b])._E"},
-    {"an attribute more is no change",
+    {"an additional attribute is not a change",
      "{_lhs={_significantSlots=[a]}; _rhs=[{_index=#0; post={_index=#0; _attribute=pre}}]; "
      "_repeat=#1}",
      "[{content=a; pre=x}]", "_E.(x[a]x)._E"},
@@ -100,8 +100,8 @@ TEST_F(RewritingTest, ARuleThatNeverEndsIsStopped) {
       "had been."));
 }
 
-// Counts up: each pass adds one to the binary number behind "t", lowest digit first, "c" being the
-// digit 0 with one to carry.
+// Counts: each pass adds one to the binary number after "t", lowest digit first; "c" is the digit 0
+// with a carry.
 TEST_F(RewritingTest, ARuleThatTakesTooManyPassesIsStopped) {
   const auto rule = plist(
       "{__name=Count; _lhs={_significantSlots=['?', '?']}; _repeat=#1; _rhs={"
@@ -118,7 +118,7 @@ TEST_F(RewritingTest, ARuleThatTakesTooManyPassesIsStopped) {
       "phrase."));
 }
 
-// Long before it would have had all the passes it may take: a disjunction counts all its members.
+// Stops long before the limit of passes, because a disjunction counts all its members.
 TEST_F(RewritingTest, ARuleThatMakesMoreAndMoreWorkIsStopped) {
   constexpr int kPasses = 442;
   std::string members = "[+, b, a";
@@ -134,7 +134,7 @@ TEST_F(RewritingTest, ARuleThatMakesMoreAndMoreWorkIsStopped) {
                               {kPasses})));
 }
 
-// A word moves from the first place to the last, one place a pass.
+// A word moves from the first position to the last, one position per pass.
 TEST_F(RewritingTest, ARuleThatSettlesAfterAThousandPassesIsNotStopped) {
   struct CountingLog : SystemLog {
     void write(std::string_view line) noexcept override { errors += line.starts_with("ERROR"); }

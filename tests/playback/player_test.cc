@@ -22,7 +22,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Names = std::vector<std::string>;
 
-// Has every resource but those whose name begins with "no".
+// Has every resource except those whose names begin with "no".
 class AlmostFullBundle : public ResourceBundle {
  public:
   std::vector<std::string> pathsForResourcesOfType(std::string_view,
@@ -62,7 +62,7 @@ class PlayerTest : public PlatformFixture {
     return Player::initWithDirectory(std::move(directory), std::make_shared<AlmostFullBundle>());
   }
 
-  // The queue that a phrase plays on now, as its items' paths.
+  // The queue in use, and the paths of its items.
   FakeQueuePlayer& queue() { return *queues.back(); }
   std::vector<std::string> queued() {
     std::vector<std::string> paths;
@@ -70,7 +70,7 @@ class PlayerTest : public PlatformFixture {
     return paths;
   }
 
-  // The lines of what `work` does, with traces on.
+  // The lines that `work` writes, with traces on.
   template <typename Work>
   std::vector<std::string> tracesOf(Work work) {
     preferences->set(TQUtilsApplicationTraceDefault, Value::boolean(true));
@@ -85,7 +85,7 @@ class PlayerTest : public PlatformFixture {
   std::vector<std::shared_ptr<FakeQueuePlayer>> queues;
 };
 
-// Keeps its observer after it has been removed, as a platform may for a late notice.
+// Keeps its observer after removing it, like a platform that sends a late notification.
 class RememberingQueue : public FakeQueuePlayer {
  public:
   void addObserver(QueuePlayerObserver* newObserver, std::string_view keyPath,
@@ -100,7 +100,7 @@ TEST_F(PlayerTest, ANoticeAboutNoQueueIsIgnored) {
   const auto queue = std::make_shared<RememberingQueue>();
   Platform::shared().makeQueuePlayer = [&] { return queue; };
   Player::initWithDirectory("voice", nullptr)->playSoundFilesInSequence({"a"});
-  PlayerTestAccess::resetClass();  // so that there is no shared queue either
+  PlayerTestAccess::resetClass();  // now there is no shared queue
   for (const auto keyPath : {QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kStatusKeyPath}) {
     queue->observer->observeValueForKeyPath(keyPath, nullptr);
   }
@@ -155,7 +155,8 @@ TEST_F(PlayerTest, EndOfTheLastFileStopsAndReleasesTheSessionAtOnce) {
   EXPECT_EQ(queue().timesPlayed, 2);
 }
 
-// A queue that runs on empty: the insertion changes its current item, and is still no end.
+// The queue keeps running when empty. An insertion changes its current item but does not end
+// playback.
 TEST_F(PlayerTest, ChangeOfCurrentItemDuringAnInsertionIsNoEnd) {
   const auto player = makePlayer();
   player->playSoundFilesInSequence(Names{});
@@ -165,7 +166,7 @@ TEST_F(PlayerTest, ChangeOfCurrentItemDuringAnInsertionIsNoEnd) {
     void observeValueForKeyPath(std::string_view,
                                 const std::shared_ptr<QueuePlayer>& object) override {
       object->removeObserver(this, QueuePlayer::kCurrentItemKeyPath);
-      object->removeAllItems();  // so the queue is empty while the flag still stands
+      object->removeAllItems();  // now the queue is empty while the flag is still set
     }
   } observer;
   queue().addObserver(&observer, QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
@@ -183,7 +184,7 @@ TEST_F(PlayerTest, AnEndFromTheQueuesOwnThreadIsHandledOnTheMainThread) {
   player->playSoundFilesInSequence(Names{"one"});
   auto ended = std::async(std::launch::async, [&] {
     queue().finishCurrentItem();
-    return session->history;  // the notification has waited
+    return session->history;  // the notification has waited for the main thread
   });
   while (ended.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
     mainThread->runPending();
@@ -193,7 +194,7 @@ TEST_F(PlayerTest, AnEndFromTheQueuesOwnThreadIsHandledOnTheMainThread) {
 
 TEST_F(PlayerTest, TheRateIsCutToAWholeNumberBeforeItCounts) {
   const auto player = makePlayer();
-  EXPECT_FALSE(player->isPlaying());  // asking makes the queue
+  EXPECT_FALSE(player->isPlaying());  // the call creates the queue
   for (const float stopped : {0.0f, 0.5f, 0.999f, -0.5f, std::nanf("")}) {
     queue().setRate(stopped);
     EXPECT_FALSE(player->isPlaying()) << stopped;
@@ -217,7 +218,7 @@ TEST_F(PlayerTest, AtHalfSpeedAStopDoesNothingAndAPhrasePlaysAgain) {
   EXPECT_EQ(queue().timesPlayed, 2);
 }
 
-// The end of a player stops what other players play, as its stopAllSounds does.
+// Destroying a player stops the sound of other players, as stopAllSounds does.
 TEST_F(PlayerTest, AStopSilencesAtOnceAndReleasesTheSessionHalfASecondLater) {
   const auto player = makePlayer();
   player->playSoundFilesInSequence(Names{"one", "two"});
@@ -288,10 +289,10 @@ TEST_F(PlayerTest, ADeadQueueIsReplacedOnceAndItsFilesAreDropped) {
   player->playSoundFilesInSequence(Names{"one"});
   const auto dead = queues.back();
   dead->fail();
-  dead->fail();  // both arrive, and the first replaces the queue
-  EXPECT_EQ(queues.size(), 1u) << "the status is dealt with later, not in the notification";
+  dead->fail();  // both notifications arrive; the first replaces the queue
+  EXPECT_EQ(queues.size(), 1u) << "the status is handled later, not in the notification";
   mainThread->runPending();
-  mainThread->runPending();  // the new queue has told its status
+  mainThread->runPending();  // the new queue has reported its status
   EXPECT_THAT(log->lines(), ElementsAre("__nts_queuePlayerStatusChanged detected that the media "
                                         "service died. Creating a new shared instance of the play "
                                         "queue."));
@@ -303,7 +304,7 @@ TEST_F(PlayerTest, ADeadQueueIsReplacedOnceAndItsFilesAreDropped) {
   player->playSoundFilesInSequence(Names{"two"});
   EXPECT_THAT(queued(), ElementsAre("voice/two.aif"));
   dead->finishCurrentItem();
-  dead->notifyLate(QueuePlayer::kCurrentItemKeyPath);  // nobody's end any more
+  dead->notifyLate(QueuePlayer::kCurrentItemKeyPath);  // ignored: the queue has been replaced
   EXPECT_EQ(dead->rate(), 1);
   EXPECT_TRUE(session->isActive);
   queue().finishCurrentItem();  // the new queue is observed
@@ -328,7 +329,8 @@ TEST_F(PlayerTest, SessionFailuresAreLoggedAndPlaybackIsTriedAllTheSame) {
   session->activationOutcome = {false, "busy"};
   player->playSoundFilesInSequence(Names{"one"});
   EXPECT_TRUE(player->isPlaying());
-  session->activationOutcome = {true, "half done"};  // success and an error is an error
+  session->activationOutcome = {true, "half done"};  // counts as an error, although it reports
+                                                     // success
   queue().finishCurrentItem();
   EXPECT_THAT(log->lines(),
               ElementsAre("ERROR: Could not set the options 3 (mix with others, duck others) and "
@@ -363,7 +365,7 @@ TEST_F(PlayerTest, OffTheMainThreadEachOperationLogsALineAndDoesNothing) {
       {"playSoundFilesInSequence", [&] { player->playSoundFilesInSequence(Names{"two"}); }},
       {"playSoundFilesInSequence", [&] { player->playSoundFilesInSequence(nullptr); }},
       {"stopAllSounds", [&] { player->stopAllSounds(); }},
-      {"stopAllSounds", [&] { makePlayer(); }},  // by its end
+      {"stopAllSounds", [&] { makePlayer(); }},  // by its destructor
       {"isPlaying", [&] { EXPECT_FALSE(player->isPlaying()); }},
   };
   for (const auto& c : kCases) {

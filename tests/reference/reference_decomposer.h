@@ -13,8 +13,8 @@
 
 namespace marlune {
 
-// Decomposition as plainly as it can be told: the recursion over all splits, with a dictionary of
-// answers. The real decomposer must be indistinguishable from it but for the time it takes.
+// The simplest form of decomposition: the recursion over all splits, with a dictionary of answers.
+// The real decomposer must be indistinguishable from it except in speed.
 class ReferenceDecomposer {
  public:
   using Words = std::vector<std::string>;
@@ -97,7 +97,7 @@ class ReferenceDecomposer {
     }
     return kept;
   }
-  // As a log line shows a list: text of letters, digits and "_" bare, any other in quotes.
+  // The form of a list in a log line: text of letters, digits and "_" unquoted, any other quoted.
   static std::string _listed(const Words& words) {
     std::string text = "(";
     for (std::size_t i = 0; i < words.size(); ++i) {

@@ -15,12 +15,12 @@
 #include "marlune/util/format.h"
 #include "marlune/util/utf16.h"
 
-// The rewriting grammar in its shortest form: everything copied, nothing remembered, so that it can
-// be seen to be right. Works on structures of its own, read from a grammar file's tree, and writes
-// the lines that the stage writes, with the trace on or off, into an array.
+// The rewriting grammar in its shortest form: copies everything and caches nothing, so that its
+// correctness is easy to see. Works on its own structures, read from a grammar file's tree, and
+// writes the lines that the stage writes, with the trace on or off, into an array.
 namespace marlune::reference {
 
-// Thrown when a case takes more steps, passes or words than the plain way can do.
+// Thrown when a case takes more steps, passes or words than the plain form can handle.
 struct Overrun {};
 
 // An attribute's value: a plist value, or a reference to an attribute of a matched slot.
@@ -168,8 +168,8 @@ struct Rule {
   Slots before, behind;
   std::string printedLeftHandSide;
   enum { none, plain, conditional } kind = none;
-  Production production;             // plain
-  std::vector<Attribute> signature;  // conditional: keyIndex and keyName alone
+  Production production;             // not conditional
+  std::vector<Attribute> signature;  // conditional; uses only keyIndex and keyName
   std::string delimiter;
   std::map<std::string, Production> expansions;
 };
@@ -248,7 +248,7 @@ inline Rule ruleFrom(const Dictionary& fields, const std::string& name, std::int
   return rule;
 }
 
-// The value with every insert directive in its dictionaries carried out. REQUIRES: no circles.
+// The value with every insert directive in its dictionaries expanded. REQUIRES: no circles.
 inline Value expanded(const Value& value, const Value& root) {
   const std::string* text = value.asString();
   if (text && text->starts_with("#insert")) {
@@ -308,7 +308,7 @@ class Grammar {
   bool traces = false;
   std::vector<std::string> lines;
 
-  // How much a case may take before it is an Overrun.
+  // The steps that a case may take before it is an Overrun.
   long mostSteps = 200000;
   std::size_t mostSlots = 60;
   int mostPasses = 60;
@@ -324,7 +324,7 @@ class Grammar {
     return _applied(_root, phrase);
   }
 
-  // The same, with the lines of this phrase alone; nothing when it would take too many steps.
+  // The same, with only the lines of this phrase; nothing when it would take too many steps.
   std::optional<Slots> appliedAlone(const std::vector<std::string>& words) {
     lines.clear();
     try {
@@ -544,7 +544,7 @@ class Grammar {
     return target;
   }
 
-  // Everything about a phrase, the attributes of a cell in no particular order.
+  // All properties of a phrase; a cell's attributes are in no particular order.
   static std::string _state(const Slots& phrase) {
     std::string state;
     for (const Slot& slot : phrase) {

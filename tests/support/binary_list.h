@@ -13,11 +13,11 @@
 
 namespace marlune {
 
-// Puts a binary property list together, object by object, sound or not. References take two
-// bytes, offsets four.
+// Builds a binary property list from objects, valid or not. References take two bytes, offsets
+// four.
 class BinaryList {
  public:
-  // Adds an object as it stands in the file; its number.
+  // Adds an object in its encoded form; returns its number.
   std::size_t add(std::string bytes) {
     _objects.push_back(std::move(bytes));
     return _objects.size() - 1;
@@ -39,7 +39,7 @@ class BinaryList {
     return entry->second;
   }
 
-  // Data and dates are not for this writer.
+  // Does not support data and dates.
   std::size_t addValue(const Value& value) {
     std::vector<std::size_t> keys, values;
     switch (value.kind()) {

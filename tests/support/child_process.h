@@ -14,8 +14,9 @@
 
 namespace marlune {
 
-// A program that runs beside the test, found by the PATH, and is killed at the latest when the
-// thread that started it ends. Its standard output can be read; its standard error is dropped.
+// A program that runs in parallel to the test, found by the PATH. It is killed in the destructor,
+// or when the thread that started it ends. Its standard output can be read; its standard error is
+// dropped.
 class ChildProcess {
  public:
   explicit ChildProcess(const std::vector<std::string>& command) {
@@ -44,7 +45,7 @@ class ChildProcess {
     signal(SIGKILL);
     wait();
   }
-  // Its exit status; -1 when a signal ended it.
+  // Its exit status; -1 if a signal ended it.
   int wait() {
     int status = -1;
     if (_id > 0) ::waitpid(std::exchange(_id, -1), &status, 0);

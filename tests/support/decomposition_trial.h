@@ -23,17 +23,17 @@
 namespace marlune {
 
 // A voice, delegates and phrases made from a source of choices (a seed, or the bytes of a fuzzer),
-// put to the decomposer and to the plain recursion. Small pools make stretches repeat, keys
+// for comparing the decomposer with the plain recursion. Small pools make stretches repeat, keys
 // coincide and recordings fit.
 class DecompositionTrial {
  public:
   explicit DecompositionTrial(unsigned seed) : _engine(seed) {}
 
-  // Choices are taken from the bytes; after the last every choice is the first one.
+  // Takes choices from the bytes; after the last byte, every choice is the first one.
   explicit DecompositionTrial(std::string_view bytes) : _bytes(bytes), _usesBytes(true) {}
 
-  // In what the two differ, and for which phrase; nothing when they cannot be told apart. Puts a
-  // log and preferences into the platform's table.
+  // How the two differ, and for which phrase; nothing when they are indistinguishable. Sets a log
+  // and preferences in the platform's table.
   std::optional<std::string> difference() {
     const auto log = std::make_shared<FakeSystemLog>();
     const auto preferences = std::make_shared<FakePreferences>();
@@ -83,7 +83,7 @@ class DecompositionTrial {
 
   static constexpr int kPhrases = 4;
 
-  // Notes what it is asked, may ask for a phrase itself meanwhile, and answers from two tables.
+  // Records its calls, may call the decomposer itself, and answers from two tables.
   class Delegate : public DecomposerOverrides {
    public:
     Decomposition decompositionOf(Decomposer& decomposer, std::string_view key,
@@ -93,7 +93,7 @@ class DecompositionTrial {
       return answer ? std::make_shared<const Words>(*answer) : nullptr;
     }
 
-    // The same for the reference; both must outlive it.
+    // The same for the reference; both arguments must outlive it.
     ReferenceDecomposer::Delegate forReference(ReferenceDecomposer& reference, Questions& noted) {
       return [this, &reference, &noted](const std::string& key, bool isSubsetOfWhole) {
         const auto ask = [&](const Words& words) { reference.optimalDecompositionOf(words); };
@@ -148,7 +148,7 @@ class DecompositionTrial {
     return words;
   }
 
-  // Names of recordings: mostly keys, sometimes words as they are.
+  // Names of recordings: mostly keys, sometimes the words themselves.
   Words _names(std::size_t most) {
     Words names(_below(most + 1));
     for (std::string& name : names) {

@@ -9,8 +9,8 @@
 
 namespace marlune {
 
-// Binary lists that take much more memory than their files are long, of the kinds that a program
-// writes: no container stands twice, and equal texts and numbers are one object.
+// Binary lists that need much more memory than their files, of the kinds that programs write: no
+// container occurs twice, and equal texts and numbers are one object.
 
 inline std::string denseRules(std::size_t count) {
   BinaryList list;
@@ -44,7 +44,7 @@ inline std::string denseTexts(std::size_t count) {
   return list.file(list.addDictionary(keys, std::vector(count, keys.front())));
 }
 
-// Object 0 is a number and 1 an array that refers to it, in one byte each.
+// Object 0 is a number and object 1 an array of references to it, one byte each.
 inline std::string denseNumbers(std::size_t count) {
   const std::string bytes = "bplist00\x10\x05\xaf\x12" + BinaryList::bigEndian(count, 4);
   return bytes + std::string(count, '\0') + std::string("\x08\x0a\0\0\0\0\0\0\1\1", 10) +

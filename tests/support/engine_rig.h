@@ -14,7 +14,7 @@
 
 namespace marlune {
 
-// The queue engine on an output that the test cranks. Time passes only when the test says so.
+// The queue engine on an output that the test cranks. Time passes only when the test cranks it.
 class EngineRig {
  public:
   explicit EngineRig(AudioFormat format = {22'050, 1})
@@ -29,8 +29,8 @@ class EngineRig {
     return item;
   }
 
-  // What comes out over `frames` frames, as samples of 16 bits. Everything that can be decoded is
-  // decoded before, and everything that follows from it has happened after.
+  // The output of `frames` frames, as 16-bit samples. Waits before until everything possible is
+  // decoded, and afterwards until all consequences have happened.
   std::vector<short> crank(DesktopQueuePlayer& queue, std::size_t frames) const {
     queue.waitUntilSettled();
     std::vector<short> samples;

@@ -29,19 +29,18 @@ struct ScheduleCounts {
   std::uint64_t events = 0, rounds = 0, items = 0;
   std::uint64_t heardWhole = 0, leftOut = 0, removed = 0, failed = 0, ended = 0, pending = 0;
   std::uint64_t failures = 0;  // queues that failed
-  // Faults: items that end as heard and were not, that lack a line or have one too many, that are
-  // pending in no queue; frames of no recording; waits of the observer that were given up.
+  // Faults: items that ended as heard but were not, items with a missing or surplus line, pending
+  // items in no queue; frames of no recording; waits of the observer that were given up.
   std::uint64_t unheard = 0, lines = 0, lost = 0, strange = 0, unanswered = 0;
   std::uint64_t faults() const { return unheard + lines + lost + strange + unanswered; }
 };
 
-// Random schedules of what can happen to a queue, in rounds of some 60 events, each over one
-// output: items inserted, rates, removals, sessions that open and close, outputs that are lost,
-// refused, late or of another format, time that passes, and a main thread that mostly sleeps. At
-// the end of each round the fate of every item is compared with what the output made heard and with
-// the log.
+// Random schedules of events for a queue, in rounds of about 60 events, each on one output: items
+// inserted, rates, removals, sessions opened and closed, outputs that are lost, refused, late or of
+// another format, the passing of time, and a main thread that rarely runs. At the end of each
+// round, compares the fate of every item with the output's sound and with the log.
 //
-// Replaces the process's log. Throws nothing that is not a fault of the machine.
+// Replaces the process's log. Throws only on faults of the machine.
 class EngineSchedule {
  public:
   explicit EngineSchedule(std::uint32_t seed, std::shared_ptr<FakeSystemLog> log)
@@ -61,7 +60,7 @@ class EngineSchedule {
   ScheduleCounts counts;
 
  private:
-  // What comes before the number of dropped items.
+  // The text before the number of dropped items.
   static constexpr std::string_view kEndedLine = "A queue of sound files has ended: ";
   static constexpr std::string_view kFailedLine = "Sound files dropped: ";
 
@@ -83,7 +82,7 @@ class EngineSchedule {
 
   struct Entry {
     std::shared_ptr<FilePlayerItem> item;
-    std::size_t place;  // in _paths; past the end for the broken one
+    std::size_t place;  // index in _paths; past the end for the broken one
   };
 
   std::uint32_t _any(std::uint32_t count) { return static_cast<std::uint32_t>(_random() % count); }
@@ -138,8 +137,8 @@ class EngineSchedule {
     _queue->addObserver(&_observer, QueuePlayer::kStatusKeyPath, QueuePlayer::kNewValue);
   }
 
-  // A notification that waits for the main thread keeps the queue alive, and its thread may then be
-  // the one that ends it: that is done when the line about the dropped items is there.
+  // A notification that waits for the main thread keeps the queue alive, and its thread may then
+  // destroy it. The line about the dropped items shows that this is complete.
   void _dropQueue() {
     const std::weak_ptr<QueuePlayer> queue = _queue;
     _queue.reset();
@@ -190,7 +189,7 @@ class EngineSchedule {
         _any(20) == 0 ? _paths.size() : _any(static_cast<std::uint32_t>(_paths.size()));
     auto item = std::make_shared<FilePlayerItem>(place == _paths.size() ? _broken : _paths[place]);
     if (!_queue->canInsert(item.get(), nullptr)) return;  // it has failed
-    // An insertion may open the output again.
+    // An insertion may reopen the output.
     if (!_route->isOpen()) _prepareOpening();
     _queue->insert(item, nullptr);
     _entries.push_back({std::move(item), place});
@@ -216,7 +215,7 @@ class EngineSchedule {
     _session->setActive(true);
   }
 
-  // As an app with a session of its own may do it, while sound is running too.
+  // Simulates an app that uses the session itself, even during playback.
   void _close() { _route->close(); }
 
   void _lose() {
@@ -234,14 +233,14 @@ class EngineSchedule {
     for (std::uint32_t i = _any(30); i > 0; --i) std::this_thread::yield();
   }
 
-  // From now on the output behaves, and the queue has not failed.
+  // Restores normal conditions: afterwards the queue has not failed.
   void _mend() {
     _queue->setRate(0);
     _settle();
     if (_queue->status() == QueuePlayer::Status::failed) _replaceFailedQueue();
   }
 
-  // Plays what is left, with a main thread that sleeps; every item is heard to its end.
+  // Plays the remaining items to their ends without running the main thread.
   void _playOut() {
     if (_output->loss()) _close();
     if (!_route->isOpen()) {
@@ -255,7 +254,7 @@ class EngineSchedule {
     _queue->setRate(0);
   }
 
-  // Runs the main thread until nothing is left to be done.
+  // Runs the main thread until no work is left.
   void _settle() {
     const auto settled = std::async(std::launch::async, [this] { _queue->waitUntilSettled(); });
     while (settled.wait_for(std::chrono::seconds(0)) != std::future_status::ready) _runMainThread();
@@ -263,7 +262,7 @@ class EngineSchedule {
 
   void _check() {
     if (_file) _hearFile();
-    std::vector<std::size_t> whole(_paths.size() + 1);  // the broken one's included
+    std::vector<std::size_t> whole(_paths.size() + 1);  // includes the broken one
     for (const Entry& each : _entries) {
       const ItemFate fate = each.item->fate();
       whole[each.place] += fate.kind == Fate::heardWhole;
@@ -330,7 +329,7 @@ class EngineSchedule {
     counts.lines += _told(text) != items;
   }
 
-  // How many dropped items the lines with `text` give.
+  // The sum of the numbers of dropped items in the lines with `text`.
   std::size_t _told(std::string_view text) const {
     std::size_t told = 0;
     for (const std::string& line : _log->lines()) {
@@ -358,7 +357,7 @@ class EngineSchedule {
   std::shared_ptr<AudioRoute> _route;
   std::unique_ptr<DesktopAudioSession> _session;
   std::shared_ptr<DesktopQueuePlayer> _queue;
-  std::vector<Entry> _entries;  // of the round
+  std::vector<Entry> _entries;  // of this round
 };
 
 }  // namespace marlune

@@ -17,13 +17,13 @@
 
 namespace marlune {
 
-// Finds whole recordings in what an output takes, in whatever format that is. One thread at a time.
+// Finds complete recordings in an output's frames, in any format. Use from one thread at a time.
 class HeardRecordings {
  public:
   using Samples = std::vector<short>;
 
-  // What the next opening of the output is like, which is closed: frames are `paths` in `format`.
-  // What was taken and not made heard is lost.
+  // Sets the conditions of the output's next opening, while it is closed: frames are `paths` in
+  // `format`. Forgets frames that were taken but not heard.
   void prepare(const std::vector<std::string>& paths, AudioFormat format,
                std::size_t latencyFrames) {
     Voice& voice = _voices[{format.sampleRate, format.channels}];
@@ -40,9 +40,9 @@ class HeardRecordings {
     _endings.clear();
   }
 
-  // Of `count` frames, the first `sounding` are sound.
+  // Takes `count` frames, of which the first `sounding` are sound.
   void take(const float* frames, std::size_t count, std::size_t sounding) {
-    // An opening without sound leaves it to the next how the recording under way goes on.
+    // After an opening without sound, the recording under way may continue in the next one.
     if (sounding > 0 && std::exchange(_voice, _nextVoice) != _nextVoice) _current = nullptr;
     for (std::size_t i = 0; i < sounding; ++i) {
       _take(static_cast<short>(
@@ -56,9 +56,9 @@ class HeardRecordings {
     }
   }
 
-  // How often each recording was heard whole, by its place in `paths`.
+  // How often each recording was heard completely, indexed as in `paths`.
   const std::vector<std::size_t>& whole() const { return _whole; }
-  std::size_t strangeFrames() const { return _strangeFrames; }  // in the middle of no recording
+  std::size_t strangeFrames() const { return _strangeFrames; }  // frames outside all recordings
 
  private:
   using Voice = std::vector<Samples>;
@@ -98,14 +98,15 @@ class HeardRecordings {
   }
 
   std::map<std::pair<int, int>, Voice> _voices;  // by rate and channels
-  const Voice* _voice = nullptr;                 // of the last sound
-  const Voice* _nextVoice = nullptr;             // of what comes
+  const Voice* _voice = nullptr;                 // the voice of the last sound
+  const Voice* _nextVoice = nullptr;             // the voice of the next sound
   std::size_t _channels = 1;
   std::size_t _latencyFrames = 0;
   std::uint64_t _taken = 0;
-  const Samples* _current = nullptr;  // the recording that is being taken, and how far it has got
+  const Samples* _current = nullptr;  // the recording being taken; _position is the progress in it
   std::size_t _position = 0;
-  std::deque<std::pair<std::uint64_t, std::size_t>> _endings;  // taken when, which recording
+  std::deque<std::pair<std::uint64_t, std::size_t>> _endings;  // when it was taken, and the
+                                                               // recording's index
   std::vector<std::size_t> _whole;
   std::size_t _strangeFrames = 0;
 };

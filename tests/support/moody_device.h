@@ -12,8 +12,8 @@
 
 namespace marlune {
 
-// A device with a thread of its own, which may come back in another format, answer late, refuse to
-// open and be lost.
+// A device with its own thread, which may reopen in another format, respond late, refuse to open or
+// be lost.
 class MoodyDevice : public AudioOutput {
  public:
   using Listener =
@@ -22,13 +22,13 @@ class MoodyDevice : public AudioOutput {
   explicit MoodyDevice(Listener listener) : _listener(std::move(listener)) {}
   ~MoodyDevice() override { close(); }
 
-  // What the next opening is to be like; while closed.
+  // The conditions of the next opening; set only while closed.
   AudioFormat format = {22'050, 1};
   std::size_t latency = 0;
-  unsigned lateness = 0;  // how often the opening yields before it answers
+  unsigned lateness = 0;  // how often the opening yields before it completes
   bool refuses = false;
 
-  // Any thread; until the next opening.
+  // Any thread; lasts until the next opening.
   void lose() { _isLost.store(true); }
 
   std::optional<std::string> open(AudioSource& source, const std::string&) override {

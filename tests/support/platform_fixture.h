@@ -12,9 +12,9 @@
 
 namespace marlune {
 
-// A test with a system log and preferences of its own. What is process-wide is put back at the
-// end: the table of services as it was, and no log directory, no open log file, no partner switch.
-// A derived SetUp or TearDown calls this one.
+// A test with its own system log and preferences. Restores all process-wide state at the end: the
+// previous table of services, and no log directory, open log file or partner switch. A derived
+// SetUp or TearDown must call this one.
 class PlatformFixture : public testing::Test {
  protected:
   void SetUp() override {
@@ -34,7 +34,7 @@ class PlatformFixture : public testing::Test {
  private:
   static void _resetLogSettings() {
     TQUtils::setShouldLogToFilesInDirectory(nullptr);
-    TQUtils::resetLogs();  // without a directory it only lets go of the open file
+    TQUtils::resetLogs();  // without a directory, only closes the open file
     TQUtils::setShouldUseVexaAppPreferenceKeyForLogging(false);
   }
 

@@ -5,11 +5,11 @@
 
 namespace marlune {
 
-// What tests may do to the Player class that nobody else may.
+// Operations on the Player class that are reserved for tests.
 class PlayerTestAccess {
  public:
-  // Puts the class back to how a process starts: no shared queue, the audio session not yet set
-  // up. On the thread that played, with no player alive.
+  // Resets the class to its state at process start: no shared queue, the audio session not yet set
+  // up. Call it on the thread that played, while no player exists.
   static void resetClass() { Player::_resetClass(); }
 };
 

@@ -10,13 +10,13 @@
 
 namespace marlune {
 
-// Property lists as tests write them:
+// Property lists in the notation of the tests:
 //
 //     {_lhs={_significantSlots=[km, [+, five, 'two words']]}; _rhs=[{_index=#0}]; _repeat=#true}
 //
-// A dictionary has ";" between its entries, an array ",". A word ends before a blank or any of
-// ={}[];, and may stand in '…' to hold those; '' is the empty string. #12 is an integer, #2.5 a
-// real, #true and #false are booleans.
+// Dictionary entries are separated by ";", array elements by ",". A word ends before a blank or any
+// of ={}[];, and may be quoted as '…' to contain those; '' is the empty string. #12 is an integer,
+// #2.5 a real, #true and #false are booleans.
 class PlistNotation {
  public:
   static Value parse(std::string_view text) {

@@ -10,8 +10,8 @@
 
 namespace marlune {
 
-// What must hold whatever the bytes are: they are refused in one line, or they make a list that
-// is written as XML and comes back equal. What does not hold, or nothing when all does.
+// Checks a property of any bytes: they are refused with one line, or they give a list that is equal
+// after writing it as XML and reading it again. Returns the violation, or nothing if there is none.
 inline std::optional<std::string> faultOfReading(std::string_view bytes) {
   const PropertyListFile reader;
   const PropertyListReader::Result first = reader.readBytes(bytes, "f");
@@ -20,15 +20,15 @@ inline std::optional<std::string> faultOfReading(std::string_view bytes) {
         first.error.starts_with("f: ") && first.error.find('\n') == std::string::npos;
     return isLine ? std::nullopt : std::optional("refused with \"" + first.error + '"');
   }
-  if (!first.error.empty()) return "read, with the error " + first.error;
+  if (!first.error.empty()) return "read successfully, but with the error " + first.error;
   const std::optional<std::string> xml = writePropertyListXml(first.root);
   if (!xml) return "not written";
-  if (xml->find("\xef\xbf\xbd") != std::string::npos) return std::nullopt;  // was replaced, perhaps
+  if (xml->find("\xef\xbf\xbd") != std::string::npos) return std::nullopt;  // perhaps replaced
   const PropertyListReader::Result second = reader.readBytes(*xml, "f");
   if (second.root.isAbsent()) return "not read again: " + second.error;
   const bool hasNan = xml->find("<real>nan</real>") != std::string::npos;  // equals nothing
-  if (!hasNan && !first.root.equals(second.root)) return "read again as another: " + *xml;
-  if (writePropertyListXml(second.root) != xml) return "written again as another: " + *xml;
+  if (!hasNan && !first.root.equals(second.root)) return "differs after rereading: " + *xml;
+  if (writePropertyListXml(second.root) != xml) return "differs after rewriting: " + *xml;
   return std::nullopt;
 }
 

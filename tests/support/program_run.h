@@ -6,15 +6,15 @@
 
 namespace marlune {
 
-// What came of one run of a program.
+// The result of one run of a program.
 struct ProgramRun {
-  int status = -1;  // the exit status; 128 + n when signal n ended it
+  int status = -1;  // the exit status; 128 + n if signal n ended it
   std::string out;
   std::string err;
 };
 
 // Runs the program at `path` with these arguments and this standard input, without a shell, and
-// waits for its end.
+// waits until it ends.
 ProgramRun runProgram(const char* path, const std::vector<std::string>& arguments,
                       const std::string& input = "");
 

@@ -23,7 +23,7 @@
 
 namespace marlune {
 
-// Waits as long as a very busy machine may take. Returns whether the condition was met.
+// Waits as long as a very busy machine may need. Returns whether the condition was met.
 template <typename Condition>
 bool waitUntil(Condition isMet) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -34,8 +34,8 @@ bool waitUntil(Condition isMet) {
   return true;
 }
 
-// A PulseAudio server of its own with one null sink, for the one test at a time that the
-// environment leads there. Stopped at the end, and the environment put back.
+// The test's own PulseAudio server with one null sink. Only one test at a time can use it, because
+// it is selected by the environment. The destructor stops it and restores the environment.
 class PulseServer {
  public:
   static constexpr int kRate = 48'000;
@@ -77,7 +77,7 @@ class PulseServer {
         "--load=module-native-protocol-unix auth-anonymous=1 socket=" + _socket()});
     if (!waitUntil([this] { return _process->hasEnded() || _isListening(); }) ||
         _process->hasEnded()) {
-      throw std::runtime_error("pulseaudio does not start");
+      throw std::runtime_error("cannot start pulseaudio");
     }
   }
   void kill() {
@@ -87,7 +87,7 @@ class PulseServer {
   void suspend() const { _process->signal(SIGSTOP); }
   void resume() const { _process->signal(SIGCONT); }
 
-  // What pactl prints.
+  // The output of pactl.
   static std::string control(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "pactl");
     return ChildProcess(arguments).readAll();
@@ -125,12 +125,12 @@ class PulseServer {
   std::unique_ptr<ChildProcess> _process;
 };
 
-// Records what the sink of a PulseServer plays: its left channel, as samples of 16 bits.
+// Records the left channel of a PulseServer's sink, as 16-bit samples.
 class MonitorRecording {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // From the return on, everything that is played is recorded.
+  // Returns once everything that is played is recorded.
   MonitorRecording() {
     if (!waitUntil([this] { return frames() > 0; })) throw std::runtime_error("parec is silent");
   }
@@ -149,13 +149,13 @@ class MonitorRecording {
     const std::lock_guard lock(_mutex);
     return _samples;
   }
-  // Once `count` more frames are recorded, what there is. Shorter when the server has died.
+  // All samples once `count` more frames are recorded; fewer if the server has died.
   std::vector<short> samplesAfter(std::size_t count) const {
     const std::size_t end = frames() + count;
     waitUntil([&] { return frames() >= end; });
     return samples();
   }
-  // When the first sample that is not 0 behind frame `from` was read.
+  // The time at which the first nonzero sample after frame `from` was read.
   std::optional<Clock::time_point> firstSound(std::size_t from) const {
     const std::lock_guard lock(_mutex);
     const auto begin = _samples.begin() + static_cast<long>(from);
@@ -167,7 +167,7 @@ class MonitorRecording {
  private:
   void _read() {
     short pair[2 * 1'024];
-    std::size_t left = 0;  // bytes of a frame that has not been read whole
+    std::size_t left = 0;  // bytes of an incomplete frame
     for (;;) {
       char* const bytes = reinterpret_cast<char*>(pair);
       const ssize_t count = ::read(_parec.output(), bytes + left, sizeof pair - left);
@@ -186,15 +186,15 @@ class MonitorRecording {
 
   mutable std::mutex _mutex;
   std::vector<short> _samples;
-  std::map<std::size_t, Clock::time_point> _arrivals;  // by the frames that there were then
+  std::map<std::size_t, Clock::time_point> _arrivals;  // by the number of frames at that time
   ChildProcess _parec{{"parec", "--raw", "--device=test.monitor", "--format=s16le",
                        "--rate=" + std::to_string(PulseServer::kRate), "--channels=2",
                        "--latency-msec=10"}};
   std::thread _reader{[this] { _read(); }};
 };
 
-// How many windows of `window` frames of `sound` are not found whole in `recorded`, each searched
-// for behind the one before.
+// The number of windows of `window` frames of `sound` that are missing from `recorded`. Each window
+// is searched for after the previous one.
 inline std::size_t brokenWindows(const std::vector<short>& sound,
                                  const std::vector<short>& recorded, std::size_t window = 512) {
   std::size_t broken = 0;

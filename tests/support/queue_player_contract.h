@@ -14,27 +14,27 @@
 
 namespace marlune {
 
-// What the contract needs to work a kind of queue. Everything on one thread, the main thread.
+// Adapts the contract to a kind of queue. Use on one thread, the main thread.
 class QueuePlayerRig {
  public:
   virtual ~QueuePlayerRig() = default;
   virtual std::shared_ptr<QueuePlayer> makeQueue() = 0;
-  virtual std::shared_ptr<PlayerItem> makeItem() = 0;  // playable, and another one every time
+  virtual std::shared_ptr<PlayerItem> makeItem() = 0;  // playable, and different in each call
 
-  // Lets sound pass until the current item of the queue, which plays, has been heard to its end.
+  // Lets time pass until the current item of the playing queue has reached its end.
   virtual void finishCurrentItem(QueuePlayer& queue) = 0;
-  // Makes the queue fail, as when the device is lost.
+  // Makes the queue fail, as after the loss of the device.
   virtual void fail(QueuePlayer& queue) = 0;
-  // Returns when the observers have been told of all that has happened.
+  // Waits until the observers have been notified of all changes.
   virtual void settle() = 0;
 };
 
-// What every queue player must keep to. The program that has a queue includes this in one file:
+// The contract of every queue player. A program with a queue includes this in one file:
 //
 //     INSTANTIATE_TEST_SUITE_P(Engine, QueuePlayerContract, testing::Values(&makeEngineRig));
 class QueuePlayerContract : public testing::TestWithParam<std::unique_ptr<QueuePlayerRig> (*)()> {
  protected:
-  // Keeps the key paths it is told of, on whatever thread.
+  // Records the key paths of its notifications, on any thread.
   class Listener : public QueuePlayerObserver {
    public:
     void observeValueForKeyPath(std::string_view keyPath,
@@ -52,7 +52,7 @@ class QueuePlayerContract : public testing::TestWithParam<std::unique_ptr<QueueP
     std::vector<std::string> _told;
   };
 
-  // What the listener has been told since it was last asked.
+  // The notifications since the last call.
   std::vector<std::string> told() {
     rig->settle();
     return listener.takeTold();
@@ -81,11 +81,11 @@ TEST_P(QueuePlayerContract, TakesAnItemOnceAndOnlyBehindOneOfItsOwn) {
     bool canInsert;
   } kCases[] = {
       {"at the end", fresh.get(), nullptr, true},
-      {"behind one of its own", fresh.get(), item.get(), true},
+      {"after one of its own items", fresh.get(), item.get(), true},
       {"no item", nullptr, nullptr, false},
-      {"an item it has", item.get(), nullptr, false},
+      {"an item already in the queue", item.get(), nullptr, false},
       {"an item of another queue", foreign.get(), nullptr, false},
-      {"behind an item of another queue", fresh.get(), foreign.get(), false},
+      {"after an item of another queue", fresh.get(), foreign.get(), false},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);
@@ -117,7 +117,7 @@ TEST_P(QueuePlayerContract, ItemsLeaveAsTheyAreHeardAndTheRateStays) {
   EXPECT_EQ(queue->items(), Items());
   EXPECT_EQ(queue->rate(), 1);
 
-  const auto late = append(*queue);  // a queue that runs plays what comes
+  const auto late = append(*queue);  // a running queue plays a new item
   rig->finishCurrentItem(*queue);
   EXPECT_EQ(queue->items(), Items());
 }
@@ -130,7 +130,7 @@ TEST_P(QueuePlayerContract, RemovesEverythingAtOnce) {
   queue->removeAllItems();
   EXPECT_EQ(queue->items(), Items());
   EXPECT_EQ(queue->currentItem(), nullptr);
-  queue->removeAllItems();  // of nothing
+  queue->removeAllItems();  // the queue is already empty
   const auto next = append(*queue);
   EXPECT_EQ(queue->currentItem(), next);
 }
@@ -138,7 +138,7 @@ TEST_P(QueuePlayerContract, RemovesEverythingAtOnce) {
 TEST_P(QueuePlayerContract, TellsOfEveryChangeOfTheCurrentItem) {
   const Told once{std::string(QueuePlayer::kCurrentItemKeyPath)};
   queue->addObserver(&listener, QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kNewValue);
-  EXPECT_EQ(told(), Told()) << "the value as it was had not been asked for";
+  EXPECT_EQ(told(), Told()) << "the initial value was not requested";
   append(*queue);
   EXPECT_EQ(told(), once);
   append(*queue);

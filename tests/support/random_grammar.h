@@ -13,16 +13,16 @@
 namespace marlune {
 
 // Small grammar files and phrases made from a source of choices: a seed, or the bytes of a fuzzer.
-// The vocabulary is tiny, so that rules meet the phrases and one another. Every file is well
+// The vocabulary is tiny, so that rules apply to the phrases and interact. Every file is well
 // formed: it loads, and its grammar is under "Main".
 class RandomGrammar {
  public:
   explicit RandomGrammar(std::uint64_t seed) : _state(seed * 2 + 1) {}
 
-  // Choices are taken from the bytes; after the last every choice is the first one.
+  // Takes choices from the bytes; after the last byte, every choice is the first one.
   explicit RandomGrammar(std::string_view bytes) : _bytes(bytes), _usesBytes(true) {}
 
-  // Prefix keys write two lines at every comparison; without them a trace stays readable.
+  // Prefix keys write two lines for every comparison; traces are easier to read without them.
   bool allowsPrefixKeys = true;
 
   Value file() {
@@ -168,7 +168,7 @@ class RandomGrammar {
   }
   std::string attributeValue() { return chance(2) ? word() : _pick<std::string>({"f", "m", "s"}); }
 
-  // A choice among `count`, and one that falls once in so many times.
+  // A choice among `count`; and whether a chance of one in `count` hits.
   std::size_t below(std::size_t count) { return static_cast<std::size_t>(_next() % count); }
   bool chance(std::size_t oneIn) { return below(oneIn) == oneIn - 1; }
 

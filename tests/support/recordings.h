@@ -18,7 +18,7 @@
 
 namespace marlune {
 
-// A folder of its own for made-up recordings, gone at the end.
+// A folder for generated recordings, deleted at the end.
 class RecordingFolder {
  public:
   RecordingFolder() {
@@ -32,7 +32,7 @@ class RecordingFolder {
 
   std::string path(const std::string& name) const { return (_path / name).string(); }
 
-  // Writes interleaved samples of 16 bits and returns the path.
+  // Writes interleaved 16-bit samples and returns the path.
   std::string write(const std::string& name, const std::vector<short>& samples, AudioFormat format,
                     int encoding = SF_FORMAT_AIFF | SF_FORMAT_PCM_16) const {
     SF_INFO info = {};
@@ -83,8 +83,8 @@ inline std::vector<char> readBytes(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// `frames` samples of a count that never repeats within 65,521 samples and never is 0: what is
-// lost, doubled or in the wrong place shows.
+// `frames` samples of a counter that does not repeat within 65,521 samples and is never 0, so that
+// lost, doubled or misplaced samples are detected.
 inline std::vector<short> countingSamples(std::size_t frames, std::size_t from) {
   std::vector<short> samples;
   for (std::size_t i = from; i < from + frames; ++i) {
@@ -94,7 +94,7 @@ inline std::vector<short> countingSamples(std::size_t frames, std::size_t from) 
   return samples;
 }
 
-// A sine of half of full scale from second `start` on, the same in all channels.
+// A sine at half of full scale from second `start` on, the same in all channels.
 inline std::vector<short> sineSamples(double hertz, double start, std::size_t frames,
                                       AudioFormat format) {
   std::vector<short> samples;

@@ -8,8 +8,9 @@
 
 namespace marlune {
 
-// Runs `work` on a thread with a stack of 512 KiB, as secondary threads of an app have, and waits
-// for its end. Under the address sanitizer, whose frames are several times as large, it gets more.
+// Runs `work` on a thread with a stack of 512 KiB, typical of an app's secondary threads, and waits
+// until it ends. Under the address sanitizer, whose frames are several times as large, the stack is
+// larger.
 inline void onSmallStack(const std::function<void()>& work) {
 #if defined(__SANITIZE_ADDRESS__)
   constexpr std::size_t kStackBytes = std::size_t{4} << 20;

@@ -9,8 +9,8 @@
 
 namespace marlune {
 
-// What a queue engine asks of the main thread, boiled down: a worker that notifies and waits, and
-// an owner that takes it down from the main thread whatever is under way.
+// The smallest model of a queue engine and the main thread: a worker that notifies and waits, and
+// an owner that tears it down from the main thread at any time.
 class NotifyingWorker {
  public:
   explicit NotifyingWorker(RunLoop& loop)
@@ -26,7 +26,7 @@ class NotifyingWorker {
     _thread.join();
   }
 
-  std::uint64_t ran() const { return _ran; }            // notifications run; main thread
+  std::uint64_t ran() const { return _ran; }            // notifications that ran; main thread
   std::uint64_t answered() const { return _answered; }  // waits that returned true; after join
 
  private:
@@ -37,13 +37,13 @@ class NotifyingWorker {
 };
 
 struct TeardownCounts {
-  std::uint64_t cycles = 0;         // that ended
+  std::uint64_t cycles = 0;         // completed
   std::uint64_t notifications = 0;  // that ran
-  std::uint64_t wrongAnswers = 0;   // cycles in which waits said other than what ran
-  std::uint64_t left = 0;           // pieces of work in the loop after a teardown
+  std::uint64_t wrongAnswers = 0;   // cycles in which the waits' results differ from what ran
+  std::uint64_t left = 0;           // work left in the loop after a teardown
 };
 
-// Makes and takes down `cycles` workers, at another moment of the notification every time.
+// Creates and tears down `cycles` workers, each at a different moment of the notification.
 inline TeardownCounts runTeardownCycles(std::uint64_t cycles, std::uint32_t seed) {
   RunLoop loop;
   std::mt19937 random(seed);

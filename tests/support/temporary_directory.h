@@ -11,7 +11,7 @@
 
 namespace marlune {
 
-// A new, empty directory, gone with all it holds at the end.
+// A new, empty directory, deleted with its contents at the end.
 class TemporaryDirectory {
  public:
   TemporaryDirectory() {
@@ -28,7 +28,7 @@ class TemporaryDirectory {
   const std::string& path() const { return _path; }
   std::string path(const std::string& name) const { return _path + "/" + name; }
 
-  // Makes or replaces the file `name`; returns its path.
+  // Creates or replaces the file `name`; returns its path.
   std::string write(const std::string& name, const std::string& content) const {
     std::ofstream(path(name), std::ios::binary) << content;
     return path(name);
@@ -39,7 +39,7 @@ class TemporaryDirectory {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  // The contents of all files in it, in no order.
+  // The contents of all its files, in no particular order.
   std::vector<std::string> contents() const {
     std::vector<std::string> all;
     for (const auto& entry : std::filesystem::directory_iterator(_path)) {

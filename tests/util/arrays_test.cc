@@ -54,9 +54,9 @@ TEST(ArraysTest, SubsequenceFromTo) {
       {"up to the end", 2, 5, {3, 4, 5}},
       {"nothing between", 5, 5, {}},
       {"an end before the start", 3, 2, {}},
-      {"an end beyond the array means all of it", 2, 10, kFive},
-      {"even from a start beyond it", 8, 10, kFive},
-      {"but not when the end lies before the start", 10, 8, {}},
+      {"an end beyond the array selects all of it", 2, 10, kFive},
+      {"so does one with a start beyond the array", 8, 10, kFive},
+      {"an end before a start beyond the array", 10, 8, {}},
   };
   for (const SubsequenceCase& c : cases) {
     EXPECT_EQ(_subsequenceFrom(kFive, c.from, c.to), c.result) << c.why;
@@ -71,18 +71,18 @@ struct SpliceCase {
   Numbers inserted, overlayed;
 };
 
-// Overlays 10, 20 are added to the elements under them; 0 and 9 are inserted.
+// Overlays 10 and 20 are added to the elements below them; 0 and 9 are inserted.
 TEST(ArraysTest, Splice) {
   const SpliceCase cases[] = {
       {"in the middle", 1, 2, {1, 0, 9, 4, 5}, {1, 12, 23, 4, 5}},
       {"more overlays than elements", 4, 1, {1, 2, 3, 4, 0, 9}, {1, 2, 3, 4, 15}},
-      {"a run beyond the end becomes all", 3, 9, {1, 2, 3, 0, 9}, {1, 2, 3, 11, 22, 3, 4, 5}},
-      {"a start beyond the end keeps all",
+      {"a run past the end selects all", 3, 9, {1, 2, 3, 0, 9}, {1, 2, 3, 11, 22, 3, 4, 5}},
+      {"a start beyond the end keeps the whole array",
        7,
        1,
        {1, 2, 3, 4, 5, 0, 9},
        {1, 2, 3, 4, 5, 11, 22, 3, 4, 5}},
-      {"a negative start is beyond the end, its sum may not be",
+      {"a negative start lies beyond the end, but its sum may not",
        -1,
        3,
        {1, 2, 3, 4, 5, 0, 9, 3, 4, 5},

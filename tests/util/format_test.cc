@@ -30,7 +30,7 @@ TEST(FormatTest, PlaceholdersTakeTheArgumentsInOrder) {
   EXPECT_EQ(made("%lu", std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
 }
 
-// What the C library makes of the same format and arguments.
+// The C library's result for the same format and arguments.
 template <typename... Arguments>
 std::string madeInC(const char* format, Arguments... arguments) {
   char text[4096];
@@ -80,7 +80,7 @@ TEST(FormatTest, APlaceholderForAnotherKindShowsTheArgumentByItsOwnType) {
             "9223372036854775807 (null)");
   EXPECT_EQ(made("%d", std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
   EXPECT_EQ(made("%n%p%y", 1, 2, 3), "123");
-  EXPECT_EQ(made("%*d|%.*f", "wide", 5, 1.5, 2.5), "5|2");  // no number is a width of 0
+  EXPECT_EQ(made("%*d|%.*f", "wide", 5, 1.5, 2.5), "5|2");  // any other kind is a width of 0
   EXPECT_EQ(made("%*d", 5), "(null)");
   EXPECT_EQ(made("%5", 1), "%5");
   EXPECT_EQ(made("%99999999999d", 1).size(), 100'000u);
@@ -90,7 +90,7 @@ TEST(FormatTest, ArgumentsAndPlaceholdersThatDoNotMeet) {
   EXPECT_EQ(made("%@ %@", "one"), "one (null)");
   EXPECT_EQ(made("none", "one"), "none");
   EXPECT_EQ(made("50%"), "50%");
-  EXPECT_EQ(made("%@ done", "%@"), "%@ done");  // an argument is no format
+  EXPECT_EQ(made("%@ done", "%@"), "%@ done");  // an argument is not a format
 }
 
 TEST(FormatTest, AbsentPrintsAsNull) {
@@ -122,7 +122,7 @@ TEST(FormatTest, PropertyListsAreIndentedAndQuoted) {
             "    );\n"
             "    data = <01fe>;\n"
             "}");
-  EXPECT_EQ(made("%@", Value::string("say \"x\"")), "say \"x\"");  // on its own as it is
+  EXPECT_EQ(made("%@", Value::string("say \"x\"")), "say \"x\"");  // at the top level, unquoted
 }
 
 TEST(FormatTest, RingOfContainersEnds) {

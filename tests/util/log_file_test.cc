@@ -24,7 +24,7 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 
-// A standard stream of this process, closed or led elsewhere until the end.
+// A standard stream of this process, closed or redirected until the destructor.
 class BorrowedDescriptor {
  public:
   explicit BorrowedDescriptor(int descriptor, int leadsTo = -1)
@@ -78,7 +78,7 @@ TEST_F(LogFileTest, OnlyAnotherObjectStartsANewFile) {
   TQUtils::log("two");
   EXPECT_THAT(directory.contents(), ElementsAre(AllOf(HasSubstr("one"), HasSubstr("two"))));
 
-  logTo(directory.path());  // it may take the name of the first one, which is then emptied
+  logTo(directory.path());  // it may get the name of the first one, which is then emptied
   TQUtils::log("three");
   for (const std::string& content : directory.contents()) {
     EXPECT_NE(content.find("one") == std::string::npos, content.find("three") == std::string::npos);
@@ -118,13 +118,13 @@ TEST_F(LogFileTest, VanishedDirectoryHurtsNobody) {
 TEST_F(LogFileTest, FifoAndFullDiskNeitherWaitNorFail) {
   const std::string fifo = directory.path("fifo");
   ::mkfifo(fifo.c_str(), 0600);
-  LogFile::openAtPath(fifo)->write("nobody reads\n");
+  LogFile::openAtPath(fifo)->write("no reader\n");
 
   const int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
   const auto file = LogFile::openAtPath(fifo);
   for (int i = 0; i < 100; ++i) file->write(std::string(4096, 'x'));  // more than a pipe holds
   ::close(reader);
-  file->write("nobody reads any more\n");
+  file->write("the reader is gone\n");
 
   LogFile::openAtPath("/dev/full")->write("no space\n");
 }
@@ -142,7 +142,7 @@ TEST_F(LogFileTest, FileSizeLimitLosesLines) {
   EXPECT_THAT(directory.contents(), Each(Not(HasSubstr("lost"))));
 }
 
-// The write end of a pipe that nobody reads.
+// The write end of a pipe without a reader.
 int brokenPipe() {
   int ends[2];
   EXPECT_EQ(::pipe(ends), 0);
@@ -159,13 +159,13 @@ TEST_F(LogFileTest, BrokenStandardErrorNeitherKillsNorSignals) {
   const int pipe = brokenPipe();
   {
     const BorrowedDescriptor standardError(STDERR_FILENO, pipe);
-    TQUtils::log("lost");  // ends the process unless the signal is taken away
+    TQUtils::log("lost");  // ends the process unless the signal is discarded
     ::sigaction(SIGPIPE, &counting, &former);
     TQUtils::log("lost");
   }
   EXPECT_EQ(caught, 0);
 
-  // A signal that was waiting before is somebody else's.
+  // A signal that was pending before must stay pending.
   sigset_t set, formerMask, pending;
   sigemptyset(&set);
   sigaddset(&set, SIGPIPE);

@@ -25,11 +25,11 @@ TEST(StringsTest, FirstWord) {
 TEST(StringsTest, WithoutExtraWhitespaceDropsTheLastCharacter) {
   constexpr TextCase kCases[] = {
       {"a  b\n", "a b"},     {"a b", "a "},
-      {" \t a\n", " a"},     {"a \n", "a"},  // the run reaches the last character
+      {" \t a\n", " a"},     {"a \n", "a"},  // the run ends at the last character
       {"a\n\n b \n", "a b"}, {"x", ""},
       {"ab", "a"},           {"", ""},
       {"zwölü", "zwöl"},  // a character, not a byte
-      {"a 😀", "a "},      // no half of a pair stays
+      {"a 😀", "a "},      // no half of a pair remains
   };
   for (const TextCase& c : kCases) EXPECT_EQ(_withoutExtraWhitespace(c.text), c.result) << c.text;
 }

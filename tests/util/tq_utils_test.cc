@@ -52,7 +52,7 @@ constexpr SwitchCase kSwitchCases[] = {
 };
 
 TEST_F(TQUtilsTest, SwitchSelectsWhosePreferencesDecide) {
-  // An exported key, which is remembered, and one that is looked up each time.
+  // An exported key, whose result is cached, and one that is looked up each time.
   for (const std::string_view key : {TQUtilsPacketTraceDefault, std::string_view("AnyOther")}) {
     for (const SwitchCase& c : kSwitchCases) {
       SCOPED_TRACE(std::string(key) + ": " + std::string(c.why));
@@ -60,7 +60,7 @@ TEST_F(TQUtilsTest, SwitchSelectsWhosePreferencesDecide) {
       preferences->set(key, Value::boolean(c.own));
       preferences->set(key, Value::boolean(c.partner), kPartner);
       EXPECT_EQ(TQUtils::isWantedForDefault(key), c.wanted);
-      EXPECT_EQ(TQUtils::isWantedForDefault(key), c.wanted);  // as remembered
+      EXPECT_EQ(TQUtils::isWantedForDefault(key), c.wanted);  // from the cache
     }
   }
 }
@@ -68,7 +68,7 @@ TEST_F(TQUtilsTest, SwitchSelectsWhosePreferencesDecide) {
 TEST_F(TQUtilsTest, OtherPreferencesObjectIsNotTakenForTheFormerOne) {
   for (int i = 0; i < 100; ++i) {
     const bool on = i % 2 == 0;
-    Platform::shared().preferences.reset();  // so that the next may come to stand at its address
+    Platform::shared().preferences.reset();  // so that the next one may get the same address
     auto next = std::make_shared<FakePreferences>();
     next->set(ZKPlistErrorDefault, Value::boolean(on));
     Platform::shared().preferences = std::move(next);
@@ -94,7 +94,7 @@ TEST_F(TQUtilsTest, PartnerValuesReadByKind) {
       {"a real is truncated", Value::real(-2.5), true, std::nullopt, -2},
       {"a switch written as text", Value::string("Yes"), true, "Yes", std::nullopt},
       {"a number written as text", Value::string("-12"), false, "-12", -12},
-      {"text that only begins as a number", Value::string("1x"), false, "1x", std::nullopt},
+      {"text that only begins like a number", Value::string("1x"), false, "1x", std::nullopt},
       {"empty text", Value::string(""), false, "", std::nullopt},
       {"a list", Value::array(std::make_shared<Array>()), false, std::nullopt, std::nullopt},
   };
@@ -153,7 +153,7 @@ TEST_F(EnsureDirectoryTest, ResolvesTheHomeDirectory) {
 TEST_F(EnsureDirectoryTest, MovesWhatStandsThereAsideToTheFirstFreeNumber) {
   directory.write("logs", "old");
   directory.write("logs.tmp0", "older");
-  std::filesystem::create_symlink("nowhere", path + ".tmp1");  // taken as well
+  std::filesystem::create_symlink("nowhere", path + ".tmp1");  // also taken
   TQUtils::ensureDirectoryExists(path);
   EXPECT_TRUE(std::filesystem::is_directory(path));
   EXPECT_EQ(TemporaryDirectory::contentOf(path + ".tmp0"), "older");

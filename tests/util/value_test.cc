@@ -29,7 +29,7 @@ TEST(ValueTest, ReadsAsNumberAndBoolean) {
       {"a sign alone", Value::string("+"), 0, false},
       {"text beyond the range", Value::string("-99999999999"), INT32_MIN, false},
       {"text without digits", Value::string("ab1"), 0, false},
-      {"a date is no number", Value::date(7), 0, false},
+      {"a date is not a number", Value::date(7), 0, false},
       {"absent", Value(), 0, false},
   };
   for (const NumberCase& c : cases) {
@@ -55,7 +55,7 @@ TEST(ValueTest, EqualsComparesContentThroughContainers) {
   EXPECT_FALSE(Value().equals(Value::string("")));
 }
 
-// The plainest dictionary there is.
+// The simplest possible dictionary.
 class ReferenceDictionary {
  public:
   void set(const std::string& key, int value) {
@@ -74,7 +74,7 @@ class ReferenceDictionary {
 };
 
 TEST(DictionaryTest, KeepsOrderThroughChangesSmallAndLarge) {
-  for (const int keyCount : {5, 60}) {  // looked up one by one, and by hash
+  for (const int keyCount : {5, 60}) {  // linear look-up, then hashed
     std::mt19937 random(20140303);
     Dictionary dictionary;
     ReferenceDictionary reference;
