@@ -5,8 +5,8 @@
 
 #include "support/decomposition_trial.h"
 
-// The bytes choose a voice, delegates and phrases. The decomposer does what the plain recursion
-// does: answers, questions, lines, calls, and what it remembers.
+// The bytes choose a voice, delegates and phrases. Checks that the decomposer equals the plain
+// recursion in answers, delegate calls, lines, counted calls and remembered answers.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kMostBytes = 1024;
   if (size > kMostBytes) return 0;

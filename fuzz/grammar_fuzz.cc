@@ -31,8 +31,8 @@ void require(bool holds, const char* what, const marlune::Value& file, const Wor
 
 }  // namespace
 
-// The bytes choose a grammar and phrases. The compiled grammar gives what the plain reference
-// gives: words, slots and lines.
+// The bytes choose a grammar and phrases. Checks that the compiled grammar gives the same words,
+// slots and lines as the plain reference.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace marlune;
   if (size > kMostBytes) return 0;

@@ -5,8 +5,8 @@
 
 #include "support/plist_round_trip.h"
 
-// Whatever the bytes, they are refused in one line or make a list that comes back equal from its
-// XML form. The reader bounds depth and memory itself; that it does is part of what is tried.
+// Checks that any bytes either are refused with one line or give a list that is equal after writing
+// and rereading it as XML. The reader itself must bound depth and memory.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto fault = marlune::faultOfReading({reinterpret_cast<const char*>(data), size});
   if (fault) {

@@ -21,38 +21,38 @@ void require(bool holds, const char* what) {
   std::abort();
 }
 
-// A file in memory with these bytes, always the same one.
+// An in-memory file with these bytes; always the same file.
 std::string fileOf(const std::uint8_t* data, std::size_t size) {
   static const int file = memfd_create("recording", MFD_CLOEXEC);
   const bool isWritten =
       ftruncate(file, 0) == 0 && pwrite(file, data, size, 0) == static_cast<ssize_t>(size);
-  require(isWritten, "no file in memory");
+  require(isWritten, "cannot create a file in memory");
   return "/proc/self/fd/" + std::to_string(file);
 }
 
-// At worst a byte is four frames of a compressed kind at a twelfth of the output's rate.
+// At most, a byte is four frames of a compressed kind at a twelfth of the output's rate.
 void play(ClipDecoder& decoder, std::size_t most) {
   std::size_t frames = 0;
   SoundBlock block;
   do {
     decoder.fill(block);
     frames += block.frames;
-    require(frames <= most, "more sound than the file can hold");
+    require(frames <= most, "more sound than the file can contain");
     require(std::all_of(block.samples.begin(), block.samples.end(),
                         [](float sample) { return std::isfinite(sample); }),
-            "a sample that is no number");
+            "a sample is not a number");
   } while (!block.endsItem);
 }
 
 }  // namespace
 
-// Whatever the bytes, they are refused with a cause or played to an end, as long as they may be.
+// Checks that any bytes either are refused with a cause or play to the end within the length limit.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kMostBytes = 16'384;
   if (size > kMostBytes) return 0;
   std::string cause;
   const auto decoder = ClipDecoder::open(fileOf(data, size), cause);
-  require((decoder == nullptr) != cause.empty(), "refused without a cause, or played with one");
+  require((decoder == nullptr) != cause.empty(), "refused without a cause, or accepted with one");
   if (!decoder) return 0;
   require(decoder->convertTo({48'000, 2}, cause), cause.c_str());
   play(*decoder, size * 4 * 12);

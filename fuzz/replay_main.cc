@@ -8,8 +8,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-// Gives every file of the folder named by the only argument to the fuzz target that this is linked
-// with: what was once found stays found, with any compiler. Fails when there is no file.
+// Runs the linked fuzz target on every file of the folder named by the only argument, so that past
+// findings are checked with any compiler. Fails if there is no file.
 int main(int count, char** arguments) {
   if (count != 2) return 2;
   std::size_t files = 0;

@@ -1,5 +1,5 @@
-// Decomposition, cold and remembered, beside two programmes that remember nothing: one that looks
-// every stretch up in a hash set, one over a trie of words. Arguments: words a phrase, recordings.
+// Cold and remembered decomposition, compared with two programs that remember nothing: one looks up
+// every stretch in a hash set, one uses a trie of words. Arguments: words per phrase, recordings.
 
 #include <benchmark/benchmark.h>
 
@@ -18,20 +18,21 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-constexpr std::size_t kPhrases = 64;  // different ones, so that no branch is learned by heart
+constexpr std::size_t kPhrases = 64;  // different ones, so that the branch predictor cannot learn a
+                                      // phrase
 
 struct Input {
   std::shared_ptr<FakeResourceBundle> bundle;
   Words files;
   std::vector<Words> phrases;
-  std::size_t stretches = 0;  // that a decomposer remembers after all phrases
+  std::size_t stretches = 0;  // remembered by a decomposer after all phrases
 };
 
 std::unique_ptr<Decomposer> decomposerFor(const Input& input) {
   return Decomposer::initWithDirectory("Sounds", input.bundle);
 }
 
-// Made once for each pair of arguments.
+// Created once for each pair of arguments.
 const Input& inputFor(const benchmark::State& state) {
   static std::map<std::pair<std::int64_t, std::int64_t>, Input> inputs;
   Input& input = inputs[{state.range(0), state.range(1)}];
@@ -54,8 +55,8 @@ double processorSeconds() {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-// All phrases once: what makes them and what they are to be said from have left the caches as they
-// are for a phrase that comes out of the blue. The time is the processor's. Returns the seconds.
+// Runs all phrases once. Together they evict each other's text and state from the caches, as
+// happens before an unexpected phrase. Measures processor time. Returns the seconds.
 template <typename Say>
 double timeOnce(benchmark::State& state, const Input& input, const Say& say) {
   const double begin = processorSeconds();
@@ -65,8 +66,8 @@ double timeOnce(benchmark::State& state, const Input& input, const Say& say) {
   return taken;
 }
 
-// Every phrase is new to the decomposer, though short stretches of it may not be. A round is all
-// phrases on a decomposer of its own.
+// Every phrase is new to the decomposer, though short stretches of it may not be. Each round runs
+// all phrases on a new decomposer.
 void BM_DecomposeCold(benchmark::State& state) {
   const Input& input = inputFor(state);
   double seconds = 0, bytes = 0;
@@ -85,7 +86,7 @@ void BM_DecomposeCold(benchmark::State& state) {
   state.counters["bytes/stretch"] = bytes / remembered;
 }
 
-// The peer treated alike: a new one a round, each phrase once.
+// The same for the peer: a new one in each round, each phrase once.
 void BM_PeerHashSetCold(benchmark::State& state) {
   const Input& input = inputFor(state);
   for (auto _ : state) {
@@ -128,7 +129,8 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->ArgNames({"words", "files"});
   benchmark->ArgsProduct({{5, 10, 20, 40, 80}, {100, 1000, 10000, 50000}});
 }
-// Each round reads the voice anew, which takes far longer than what is timed: so a few rounds only.
+// Each round reads the voice again, which takes far longer than the measured part, so there are
+// only a few rounds.
 BENCHMARK(BM_DecomposeCold)->Apply(sizes)->UseManualTime()->Iterations(10);
 BENCHMARK(BM_PeerHashSetCold)->Apply(sizes)->UseManualTime()->Iterations(10);
 BENCHMARK(BM_PeerHashSet)->Apply(sizes);

@@ -10,9 +10,9 @@
 
 namespace marlune {
 
-// The dynamic programme that both peers fill in: for every end, the fewest recordings up to it and
-// where the last of them begins. Ends are visited in any order that completes a begin before its
-// ends. On a tie the later begin wins, as with the decomposer.
+// The dynamic program of both peers: for every end, the fewest recordings up to it and the begin of
+// the last of them. Ends may be visited in any order in which a begin is complete before its ends.
+// On a tie the later begin wins, as in the decomposer.
 class FewestRecordings {
  public:
   explicit FewestRecordings(std::size_t wordCount) : _ends(wordCount + 1) { _ends[0].files = 0; }
@@ -45,7 +45,7 @@ class FewestRecordings {
   std::vector<End> _ends;
 };
 
-// Looks every stretch up in a hash set of names; a stretch is a view into the joined phrase.
+// Looks up every stretch in a hash set of names; a stretch is a view into the joined phrase.
 class HashSetPeer {
  public:
   explicit HashSetPeer(const std::vector<std::string>& files)
@@ -76,7 +76,7 @@ class HashSetPeer {
   std::unordered_set<std::string_view> _names;
 };
 
-// Walks a trie whose edges are words, from every begin for as long as it goes on.
+// Follows a trie whose edges are words, from every begin for as long as an edge matches.
 class TriePeer {
  public:
   explicit TriePeer(const std::vector<std::string>& files) {

@@ -9,8 +9,8 @@
 
 namespace marlune {
 
-// A voice, and phrases that it can say: a fifth of the recordings are single words, the rest are
-// runs of two to four of these. Phrases are cut from recordings, one after the other.
+// A voice, and phrases that it can say. A fifth of the recordings are single words; the others are
+// runs of two to four of these. A phrase is a concatenation of recordings.
 class PhraseWorld {
  public:
   using Words = std::vector<std::string>;

@@ -1,6 +1,6 @@
-// What rewriting and loading cost. "Rewrite" takes words and gives words; its argument pairs are
-// rules and words of a phrase. Before anything is measured, the compiled grammar is held to the
-// answers of its tree.
+// The cost of rewriting and loading. "Rewrite" takes words and returns words; its arguments are the
+// number of rules and of words per phrase. Before measuring, the compiled grammar's results are
+// compared with those of its tree.
 
 #include <benchmark/benchmark.h>
 
@@ -32,7 +32,7 @@ namespace {
 using Words = std::vector<std::string>;
 
 constexpr std::uint32_t kSeed = 20;
-constexpr std::size_t kPhrases = 16;  // measured in turn, so that no single one decides
+constexpr std::size_t kPhrases = 16;  // measured in turn, so that no single one dominates
 
 std::string writeFile(const std::string& name, const std::string& bytes) {
   const auto path = std::filesystem::temp_directory_path() / ("marlune_grammar_bench_" + name);
@@ -72,7 +72,7 @@ void measure(benchmark::State& state, const Loaded& loaded, const std::vector<Wo
   double changed = 0;
   for (const Words& words : phrases) {
     const Words result = byParser(*loaded.parser, words);
-    if (result != loaded.byTree(words)) return state.SkipWithError("other words than the tree's");
+    if (result != loaded.byTree(words)) return state.SkipWithError("not the tree's words");
     changed += result != words;
   }
   const std::uint64_t before = allocationCount().calls;
@@ -95,7 +95,7 @@ void BM_Rewrite(benchmark::State& state) {
 }
 BENCHMARK(BM_Rewrite)->ArgsProduct({{20, 100, 500, 2000}, {5, 10, 20, 40}});
 
-// Phrases that no rule touches.
+// Phrases that no rule changes.
 void BM_RewriteUntouched(benchmark::State& state) {
   const Loaded& loaded = Loaded::of(static_cast<std::size_t>(state.range(0)));
   std::vector<Words> phrases;
@@ -108,7 +108,7 @@ void BM_RewriteUntouched(benchmark::State& state) {
 }
 BENCHMARK(BM_RewriteUntouched)->Arg(20)->Arg(100)->Arg(500)->Arg(2000);
 
-// The same by the tree's own objects, for comparison.
+// The same with the tree's own objects, for comparison.
 void BM_RewriteByTree(benchmark::State& state) {
   const Loaded& loaded = Loaded::of(static_cast<std::size_t>(state.range(0)));
   const Words words = loaded.grammar.phrase(10, 1);
@@ -116,7 +116,7 @@ void BM_RewriteByTree(benchmark::State& state) {
 }
 BENCHMARK(BM_RewriteByTree)->Arg(100)->Arg(2000);
 
-// Compiling the file's tree, and what the result keeps.
+// Compiles the file's tree; reports the memory of the result.
 void BM_Compile(benchmark::State& state) {
   const Loaded& loaded = Loaded::of(static_cast<std::size_t>(state.range(0)));
   const Value& plist = loaded.grammar.file().asDictionary()->valueForKey("Main");
@@ -130,7 +130,7 @@ void BM_Compile(benchmark::State& state) {
 }
 BENCHMARK(BM_Compile)->Arg(100)->Arg(500)->Arg(2000)->Unit(benchmark::kMillisecond);
 
-// All memory of a grammar: the packed file and the compiled form.
+// The total memory of a grammar: the packed file and the compiled form.
 void BM_Ready(benchmark::State& state) {
   const auto rules = static_cast<std::size_t>(state.range(0));
   const std::string& source = Loaded::of(rules).path;
@@ -191,7 +191,7 @@ Value kleene(std::vector<Value> members) {
   return patternOf(std::move(members));
 }
 
-// One rule with these significant slots on 200 words. The tree is asked as well.
+// One rule with these significant slots on 200 words. Also compares the result with the tree's.
 void repetitions(benchmark::State& state, std::vector<Value> slots) {
   auto lhs = std::make_shared<Dictionary>();
   lhs->setValueForKey(patternOf(std::move(slots)), "_significantSlots");
@@ -205,10 +205,10 @@ void repetitions(benchmark::State& state, std::vector<Value> slots) {
   const auto compiled = CompiledGrammar::initFromFile(file, "Main", /*isTraced=*/false);
   const std::shared_ptr<GrammarPart> root = compiled->root();
   Words words(200, "a");
-  words.front() = "c";  // without a "c" the rule would not even be looked at
+  words.front() = "c";  // without a "c" the rule would not be tried
   const auto phrase = SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words);
   if (compiled->appliedToStrings(words)->stringArray() != root->appliedTo(*phrase)->stringArray()) {
-    return state.SkipWithError("other words than the tree's");
+    return state.SkipWithError("not the tree's words");
   }
   if (state.range(0) == 0) {
     for (auto _ : state) benchmark::DoNotOptimize(compiled->appliedToStrings(words));
@@ -217,7 +217,7 @@ void repetitions(benchmark::State& state, std::vector<Value> slots) {
   }
 }
 
-// Argument 0: compiled, 1: by the tree's objects.
+// Argument 0: compiled; 1: the tree's objects.
 void BM_SuccessiveRepetitions(benchmark::State& state) {
   std::vector<Value> slots(20, kleene({Value::string("a")}));
   slots.push_back(Value::string("c"));

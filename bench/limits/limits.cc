@@ -1,5 +1,5 @@
-// Measures the stated limits and prints them as the rows of a table. Each figure is explained in
-// docs/limits.md, where scripts/bench puts the table.
+// Measures the stated limits and prints them as the rows of a table. docs/limits.md explains each
+// figure; scripts/bench inserts the table there.
 
 #include <algorithm>
 #include <chrono>
@@ -24,7 +24,7 @@ namespace {
 using Words = std::vector<std::string>;
 using Clock = std::chrono::steady_clock;
 
-// What one call of `work` takes, in microseconds.
+// The time of one call of `work`, in microseconds.
 template <typename Work>
 double microseconds(Work work) {
   const auto begin = Clock::now();
@@ -62,8 +62,8 @@ void row(const char* name, const char* format, double value) {
   std::printf(" |\n");
 }
 
-// Cold: the first time that the phrase is rewritten, and on a decomposer that has never been asked
-// anything. Warm: the same phrase again, at once.
+// Cold: the first rewriting of the phrase, and the first use of the decomposer. Warm: the same
+// phrase again, immediately.
 void measureStages(const ReferenceLoad& load) {
   Stage rewriting{"rewriting", {}, {}}, decomposing{"decomposing", {}, {}};
   Stage together{"both", {}, {}};
@@ -113,7 +113,7 @@ void measureMemo(const ReferenceLoad& load) {
       bytes / static_cast<double>(decomposer->_cache().size()));
 }
 
-// The parser and the yardstick in turn, so that what else the machine does hits both.
+// Runs the parser and the yardstick alternately, so that other load on the machine affects both.
 void measureLoading() {
   Samples loading, counting, ratio;
   for (int round = 0; round < 21; ++round) {
@@ -125,7 +125,7 @@ void measureLoading() {
     std::unique_ptr<Parser> parser;
     const double loaded = microseconds([&] { parser = Parser::initWithPlistAtPath(path, "Main"); });
     std::filesystem::remove(path);
-    if (round == 0 || elements == 0) continue;  // the first round warms both up
+    if (round == 0 || elements == 0) continue;  // the first round is a warm-up
     loading.add(loaded);
     counting.add(counted);
     ratio.add(loaded / counted);
@@ -144,7 +144,7 @@ void measureGrammarMemory(std::size_t rules, const char* name) {
   row(name, "%.0f", bytes / static_cast<double>(rules));
 }
 
-// A rule with these slots, on words of which only the first is another; in milliseconds.
+// A rule with these slots, on words that are all equal except the first; in milliseconds.
 double repetitions(Value slots, std::size_t count) {
   auto lhs = std::make_shared<Dictionary>();
   lhs->setValueForKey(std::move(slots), "_significantSlots");
@@ -177,7 +177,7 @@ void measureWorst() {
   row("repetitions nested 6 deep on 2,000 words, ms", "%.2f", repetitions(slots, 2000));
 }
 
-// Words that differ all, so that no stretch is met twice.
+// All words differ, so that no stretch occurs twice.
 void measureLongPhrase(const ReferenceLoad& load, std::size_t count, const char* name) {
   const auto decomposer = load.newDecomposer();
   Words words;
@@ -191,7 +191,7 @@ void require(bool holds, const char* what) {
   std::exit(1);
 }
 
-// What a bound stops is measured only as long as it does.
+// Measures an input that a bound stops; fails if the bound did not stop it.
 void measureEndless(const std::string& path, const char* grammar, const Words& words,
                     const char* name) {
   struct Log : SystemLog {
@@ -205,7 +205,7 @@ void measureEndless(const std::string& path, const char* grammar, const Words& w
   Platform::shared().systemLog = log;
   const double time = microseconds([&] { parser->resultOfRulesAppliedToStrings(words); });
   Platform::shared().systemLog = nullptr;
-  require(log->hasStopped, "a rule comes to an end by itself");
+  require(log->hasStopped, "a rule ended before its bound");
   row(name, "%.0f", time / 1000);
 }
 
@@ -228,7 +228,7 @@ void measureInserts(const std::string& path) {
       isRefused = true;
     }
   });
-  require(isRefused, "the exploding inserts are loaded");
+  require(isRefused, "the exploding inserts were loaded");
   row("inserts that explode, until they are refused, ms", "%.0f", time / 1000);
 }
 
@@ -236,15 +236,15 @@ void measureLargestList(std::string_view element, bool isRefused, const char* na
   const std::string list = largestListOf(element);
   PropertyListReader::Result result;
   const double time = microseconds([&] { result = PropertyListFile().readBytes(list, ""); });
-  require(result.root.isAbsent() == isRefused, "a list of 64 MiB is not refused, or is");
+  require(result.root.isAbsent() == isRefused, "a list of 64 MiB was accepted or refused wrongly");
   row(name, "%.2f", time / 1e6);
 }
 
-// Two lists in which no container stands twice, of some MiB each.
+// A list of several MiB in which no container occurs twice.
 void measureDenseList(const std::string& list, const char* name) {
   const std::uint64_t before = allocationCount().bytesHeld;
   const auto result = PropertyListFile().readBytes(list, "");
-  require(!result.root.isAbsent(), "a dense list is refused");
+  require(!result.root.isAbsent(), "a dense list was refused");
   const auto bytes = static_cast<double>(allocationCount().bytesHeld - before);
   row(name, "%.1f", bytes / static_cast<double>(list.size()));
 }

@@ -12,9 +12,9 @@
 
 namespace marlune {
 
-// What the stated limits are measured with: phrases of 20 words, a grammar of 300 rules, and a
-// voice of 3,000 recordings that can say all that the grammar makes of the phrases: every word
-// alone, and runs of two to four words as they stand in rewritten phrases.
+// The load for measuring the stated limits: phrases of 20 words, a grammar of 300 rules, and a
+// voice of 3,000 recordings that can say every rewritten phrase. The voice has every word alone,
+// and runs of two to four words from rewritten phrases.
 class ReferenceLoad {
  public:
   static constexpr std::size_t kWords = 20;
@@ -27,7 +27,8 @@ class ReferenceLoad {
   const std::vector<std::vector<std::string>>& phrases() const { return _phrases; }
   std::unique_ptr<Decomposer> newDecomposer() const;
 
-  // A grammar of this kind as a file in the folder for temporary files; the caller removes it.
+  // Writes such a grammar to a file in the folder for temporary files and returns its path; the
+  // caller removes it.
   static std::string writtenGrammar(std::size_t rules, const std::string& name);
 
  private:

@@ -6,17 +6,17 @@
 
 namespace marlune {
 
-// The dearest files known that a bound stops.
+// The most expensive known files that a bound stops.
 
-// Grammars of one rule each that never come to an end. Count counts the binary number behind the
-// word "t" up. Grow makes "b c a … a" longer, and looks for c behind repetitions, one inside the
-// other, from each word; GrowAndTell does so behind comparisons that write lines.
+// Grammars of one endless rule each. Count increments the binary number after the word "t". Grow
+// lengthens "b c a … a", and from each word searches for c after nested repetitions; GrowAndTell
+// does the same after comparisons that write lines.
 std::string endlessRules();
 
-// Twenty chunks, each twice in the one before, without a circle.
+// Twenty chunks, each inserted twice into the previous one, without a circle.
 std::string explodingInserts();
 
-// An XML list of the largest size that is read, of as many of the element as fit.
+// An XML list of the largest accepted size, with as many of the element as fit.
 std::string largestListOf(std::string_view element);
 
 }  // namespace marlune

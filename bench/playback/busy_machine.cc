@@ -1,13 +1,13 @@
-// Plays a phrase of 8 recordings on a busy machine and compares what comes out with what went in:
+// Plays a phrase of 8 recordings on a busy machine and compares the output with the recordings:
 //
-//     busy_machine [RUNS [BURNERS]]        8 runs beside 8 processes that never rest
+//     busy_machine [RUNS [BURNERS]]        8 runs alongside 8 processes that never sleep
 //
-// The output is the sound device's (makeDeviceOutput) on a PulseAudio server of the program's own
-// with one null sink, recorded from that sink's monitor. Prints for each run how many windows of
-// 512 frames do not come out whole, and how long the first sample took from the call to the
-// monitor with the output open; then the load average. Exits with 1 when more than 2 windows are
-// broken in all runs, any in all but the two worst, or a first sample took more than 150 ms in an
-// undisturbed run (the one before the burners start).
+// The output is the sound device's (makeDeviceOutput) on the program's own PulseAudio server with
+// one null sink, recorded from that sink's monitor. For each run, prints how many windows of 512
+// frames are not intact, and the time from the call to the first sample at the monitor with the
+// output open; then the load average. Exits with 1 if more than 2 windows are broken in all runs,
+// any in all but the two worst, or a first sample took more than 150 ms in an undisturbed run (the
+// one before the burners start).
 
 #include <algorithm>
 #include <chrono>
@@ -27,7 +27,7 @@ namespace marlune {
 namespace {
 
 constexpr std::size_t kWords = 8;
-constexpr std::size_t kWordFrames = 7'936;  // 124 windows of 512 in all
+constexpr std::size_t kWordFrames = 7'936;  // 124 windows of 512 in total
 constexpr AudioFormat kFormat = {PulseServer::kRate, 1};
 
 struct Run {
@@ -46,7 +46,7 @@ class BusyMachine {
     }
   }
 
-  // One phrase, with a recorder that runs before and after it.
+  // Plays one phrase and records from before it until after it.
   Run run() {
     Run result;
     const MonitorRecording recording;

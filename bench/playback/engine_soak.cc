@@ -1,13 +1,13 @@
-// Works the queue engine hard: engine_soak WHAT [COUNT [SEED]]. Prints what was counted; exits
-// with 1 when a count is wrong, and dies by SIGALRM when a round hangs. WHAT is one of
+// Puts the queue engine under load: engine_soak WHAT [COUNT [SEED]]. Prints counts. Exits with 1 if
+// a count is wrong, and is ended by SIGALRM if a round hangs. WHAT is one of
 //
 //     cycles-cranked, cycles-clock   append, play, append, stop or play out
-//     losses-cranked, losses-clock   lose the output while it plays, go on with a new queue
-//     teardowns                      let go of a queue whose notification is under way
-//     clips [COUNT [SPEED]]          hold what comes out of the clock to what was queued
+//     losses-cranked, losses-clock   lose the output during playback, continue with a new queue
+//     teardowns                      release a queue during one of its notifications
+//     clips [COUNT [SPEED]]          compare the clock's output with the queued recordings
 //     latency                        from the player's call to the first sample at the output
 //
-// A full soak, each round a real one on real threads:
+// A full soak, with real threads in each round:
 //
 //     cmake --preset bench
 //     cmake --build --preset bench --target engine_soak schedule_soak teardown_soak
@@ -17,11 +17,11 @@
 //     $S/engine_soak teardowns 100000 && $S/teardown_soak 100000
 //     $S/schedule_soak 1000000
 //
-// A cycle on the clock takes about a millisecond: a quarter of them play out, which the worker sees
-// when it looks at the output, every three. All others take a tenth or two of that. For the thread
-// sanitizer configure with `cmake --preset tsan -DMARLUNE_BENCH=ON`, run build/tsan/bench/playback/
-// and take a tenth of the cycles. Beside a machine's full load at a low priority a thousand cycles
-// can take minutes, and the alarm then strikes though nothing hangs.
+// A cycle on the clock takes about a millisecond on average: a quarter of them play out, which the
+// worker notices when it polls the output, every three milliseconds. The others take a tenth or two
+// of that. For the thread sanitizer, configure with `cmake --preset tsan -DMARLUNE_BENCH=ON`, run
+// build/tsan/bench/playback/ and use a tenth of the cycles. At a low priority on a fully loaded
+// machine, a thousand cycles can take minutes; the alarm may then go off without a hang.
 
 #include <unistd.h>
 
@@ -53,7 +53,7 @@ constexpr unsigned kSecondsAnAlarm = 600;  // for 1,000 rounds
 using Clock = std::chrono::steady_clock;
 using Items = std::vector<std::shared_ptr<FilePlayerItem>>;
 
-// Tells the main thread and waits for it, as the player's observer does.
+// Notifies the main thread and waits for it, as the player's observer does.
 class WaitingObserver : public QueuePlayerObserver {
  public:
   explicit WaitingObserver(RunLoop& loop) : _loop(loop) {}
@@ -102,9 +102,9 @@ class Soak {
   const std::shared_ptr<FakeSystemLog> _log = std::make_shared<FakeSystemLog>();
   const RecordingFolder _folder;
   std::vector<std::string> _paths;
-  std::vector<std::uint64_t> _frames;            // of each, at the output's rate
+  std::vector<std::uint64_t> _frames;            // of each recording, at the output's rate
   std::atomic<std::uint64_t> _heard = 0;         // frames of sound that the output took
-  std::atomic<std::uint64_t> _clockPeriods = 0;  // that were added up in it
+  std::atomic<std::uint64_t> _clockPeriods = 0;  // periods included in _heard
   RunLoop _loop;
   WaitingObserver _observer{_loop};
   std::shared_ptr<CrankedOutput> _crank;
@@ -143,7 +143,7 @@ void Soak::append() {
   for (std::uint32_t i = 1 + any(3); i > 0; --i) {
     const std::uint32_t choice = any(40) == 0 ? 3 : any(3);
     auto item = std::make_shared<FilePlayerItem>(_paths[choice]);
-    if (!_queue->canInsert(item.get(), nullptr)) continue;  // it failed just now
+    if (!_queue->canInsert(item.get(), nullptr)) continue;  // it has just failed
     _queue->insert(item, nullptr);
     _items.push_back(std::move(item));
     ++_appended;
@@ -160,7 +160,7 @@ void Soak::letTimePass() {
   _loop.runPending();
 }
 
-// Whether the queue ran empty and no item is left behind.
+// Returns whether the queue ran empty and no item remained.
 bool Soak::playOut() {
   while (!_queue->items().empty()) letTimePass();
   const bool isClean =
@@ -169,7 +169,7 @@ bool Soak::playOut() {
   return isClean;
 }
 
-// Once the period in which the last item ended has been added up too.
+// Waits until the period in which the last item ended is included in _heard.
 std::uint64_t Soak::framesHeard() {
   const std::uint64_t periods = _clockPeriods;
   while (_clock && _clockPeriods == periods) std::this_thread::yield();
@@ -191,7 +191,7 @@ bool Soak::cycles(std::uint64_t count, bool isClock) {
     underruns += linesWith("Decoding was late");
     _log->clear();
   };
-  bool isSilent = true;  // no sound is on its way to the output as a cycle starts
+  bool isSilent = true;  // no sound was on its way to the output when the cycle started
   for (std::uint64_t i = 0; i < count; ++i) {
     if (i % 1'000 == 0) {
       alarm(kSecondsAnAlarm);
@@ -234,12 +234,12 @@ bool Soak::cycles(std::uint64_t count, bool isClock) {
   print("  in the queue when it was emptied", dropped);
   print("  broken and left out", broken);
   print("  in the queue at the end", _queue->items().size());
-  print("cycles that left an item behind", wrong);
+  print("cycles with an item left over", wrong);
   print("cycles whose sound was counted at the output", counted);
-  print("  that sounded other than was appended", misheard);
+  print("  whose sound differed from the appended items", misheard);
   print("notifications", _observer.told);
   print("lines about late decoding", underruns);
-  if (hasFailed) std::printf("the queue has failed, though nothing was lost\n");
+  if (hasFailed) std::printf("the queue has failed although no output was lost\n");
   return wrong == 0 && misheard == 0 && !hasFailed;
 }
 
@@ -252,7 +252,7 @@ bool Soak::losses(std::uint64_t count, bool isClock) {
     append();
     if (!_session->setActive(true).succeeded) ++wrong;
     _queue->play();
-    // With a long recording at the end, or the queue could run dry before the loss is seen.
+    // Ends with a long recording; otherwise the queue could run dry before the loss is noticed.
     while (_queue->items().empty()) append();
     if (_crank) {
       _crank->crank(any(100));
@@ -271,7 +271,7 @@ bool Soak::losses(std::uint64_t count, bool isClock) {
     wrong += linesWith("The play queue has failed") != 1;
     makeQueue();
   }
-  std::printf("losses %llu, items %llu, rounds that went wrong %llu\n",
+  std::printf("losses %llu, items %llu, failed rounds %llu\n",
               static_cast<unsigned long long>(count), static_cast<unsigned long long>(_appended),
               static_cast<unsigned long long>(wrong));
   return wrong == 0;
@@ -297,7 +297,7 @@ bool Soak::teardowns(std::uint64_t count) {
     if (any(4) == 0) letTimePass();
     ended.push_back(_queue);
     _queue.reset();
-    underWay += !ended.back().expired();  // the worker, which waits for us, has a share
+    underWay += !ended.back().expired();  // the worker holds a share while it waits for us
     if (any(3) == 0) reap();
     _items.clear();
     _log->clear();
@@ -316,7 +316,7 @@ bool Soak::teardowns(std::uint64_t count) {
 bool Soak::clips(std::size_t count, double speed) {
   std::vector<short> queued;
   std::vector<short> heard;
-  std::size_t silence = 0, gaps = 0;  // frames of silence since the last sound; those in between
+  std::size_t silence = 0, gaps = 0;  // frames of silence since the last sound; and between sounds
   heard.reserve(count * 4'000);
   const auto listen = [&](const float* frames, std::size_t frameCount, std::size_t sounding) {
     if (sounding > 0 && !heard.empty()) gaps += silence;
@@ -404,7 +404,7 @@ bool run(int argc, char** argv) {
   if (what == "teardowns") return soak.teardowns(number(2, 100'000));
   if (what == "clips") return soak.clips(number(2, 1'000), argc > 3 ? std::atof(argv[3]) : 20);
   if (what == "latency") return soak.latency(number(2, 200));
-  std::fprintf(stderr, "usage: engine_soak WHAT [COUNT [SEED]]; WHAT is told in the source\n");
+  std::fprintf(stderr, "usage: engine_soak WHAT [COUNT [SEED]]; see the source for WHAT\n");
   return false;
 }
 

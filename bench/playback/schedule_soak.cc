@@ -1,5 +1,5 @@
-// Random schedules against the queue engine: schedule_soak [EVENTS [SEED]]. Prints what was
-// counted; exits with 1 when there was a fault, and dies by SIGALRM when a round hangs.
+// Random schedules for the queue engine: schedule_soak [EVENTS [SEED]]. Prints counts. Exits with 1
+// on a fault, and is ended by SIGALRM if a round hangs.
 
 #include <unistd.h>
 
@@ -35,9 +35,9 @@ int main(int argc, char** argv) {
   print("  dropped by a failed queue, with a line", counts.failed);
   print("  dropped with their queue, with a line", counts.ended);
   print("  pending when a round ended", counts.pending);
-  print("FAULTS: ended as heard and were not", counts.unheard);
-  print("  rounds with other lines than items", counts.lines);
-  print("  in no queue, or of the wrong kind", counts.lost);
+  print("FAULTS: items ended as heard but were not", counts.unheard);
+  print("  rounds whose lines do not match the items", counts.lines);
+  print("  items in no queue, or with a wrong end", counts.lost);
   print("  frames of no recording", counts.strange);
   print("  waits given up", counts.unanswered);
   return counts.faults() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;

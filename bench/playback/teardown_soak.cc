@@ -1,5 +1,5 @@
-// Takes workers down while they notify the main thread: teardown_soak [CYCLES [SEED]]. Prints what
-// was counted; exits with 1 when a count is wrong, and dies by SIGALRM when a cycle hangs.
+// Tears workers down while they notify the main thread: teardown_soak [CYCLES [SEED]]. Prints
+// counts. Exits with 1 if a count is wrong, and is ended by SIGALRM if a cycle hangs.
 
 #include <unistd.h>
 

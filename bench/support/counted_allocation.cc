@@ -7,14 +7,14 @@
 
 namespace {
 
-marlune::AllocationCount count;  // the benchmarks have one thread
+marlune::AllocationCount count;  // benchmarks are single-threaded
 
-// With the allocator's own word before each piece.
+// Includes the allocator's header word.
 std::size_t heldBy(void* memory) { return malloc_usable_size(memory) + sizeof(std::size_t); }
 
 }  // namespace
 
-// Every allocation of the program comes through here; the other forms call this one.
+// Every allocation of the program goes through this function; the other forms call it.
 void* operator new(std::size_t size) {
   void* const memory = std::malloc(size);
   if (!memory) throw std::bad_alloc();

@@ -5,8 +5,8 @@
 
 namespace marlune {
 
-// What the program has allocated so far: how often, and how many bytes it holds now, as the
-// allocator rounds them.
+// The program's allocations so far: the number of calls, and the bytes held now, as the allocator
+// rounds them.
 struct AllocationCount {
   std::uint64_t calls = 0;
   std::uint64_t bytesHeld = 0;

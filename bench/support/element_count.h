@@ -8,7 +8,7 @@
 
 namespace marlune {
 
-// The yardstick of reading a property list: the XML library alone, counting the elements.
+// The yardstick for reading a property list: only the XML library, counting elements.
 inline std::size_t elementCount(std::string_view bytes) {
   std::size_t elements = 0;
   const XML_Parser parser = XML_ParserCreate(nullptr);

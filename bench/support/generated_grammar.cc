@@ -25,7 +25,7 @@ Value reference(std::int64_t index, const char* attribute) {
   return entries({{"_index", Value::integer(index)}, {"_attribute", text(attribute)}});
 }
 
-// Pronounceable and different for every number.
+// A pronounceable word, different for every number.
 std::string wordFor(std::size_t number) {
   static constexpr const char* kSyllables[] = {"ba", "ri", "to", "ne", "lu", "ka", "mi", "so"};
   std::string word;
@@ -52,7 +52,7 @@ GeneratedGrammar::GeneratedGrammar(std::size_t rules, std::uint32_t seed) : _ran
   _file = entries({{"Main", Value::dictionary(main)}});
 }
 
-// Early words more often than late ones, as in language.
+// Picks early words more often than late ones, as in language.
 std::string GeneratedGrammar::_word() {
   const double at = std::uniform_real_distribution<>(0, 1)(_random);
   return _words[static_cast<std::size_t>(at * at * static_cast<double>(_words.size()))];
@@ -63,7 +63,7 @@ Value GeneratedGrammar::_rule(std::size_t number) {
   Value lhs, rhs;
   Words input;
   switch (number % 20) {
-    default:  // a word behind or before another
+    default:  // a word after or before another
       lhs = entries({{"_significantSlots", list({text(a)})},
                      {number % 2 ? "_preContext" : "_postContext", list({text(b)})}});
       rhs = list({text(c)});
@@ -95,7 +95,7 @@ Value GeneratedGrammar::_rule(std::size_t number) {
       rhs = list({text(b)});
       input = {a};
       break;
-    case 16:  // by the word before
+    case 16:  // chosen by the previous word
       lhs = entries({{"_significantSlots", list({list({text("+"), text(a), text(b)}), text(c)})}});
       rhs = entries({{"_signature", list({reference(0, "content")})},
                      {"_expansions", entries({{a.c_str(), list({text(a), text(d)})},
@@ -108,14 +108,14 @@ Value GeneratedGrammar::_rule(std::size_t number) {
       rhs = list({text(d)});
       input = {a, b, c};
       break;
-    case 18:  // anything but, then anything
+    case 18:  // anything but one word, then anything
       lhs = entries({{"_significantSlots", list({text(a), text("?")})},
                      {"_preContext", list({list({text("~"), text(b), text("_E")})})}});
       rhs = list({entries({{"_index", Value::integer(1)}}),
                   entries({{"_index", Value::integer(0)}, {"post", text("s")}})});
       input = {c, a, d};
       break;
-    case 19:  // as often as it stands there
+    case 19:  // as many times as it occurs
       lhs = entries({{"_significantSlots", list({text(a), text(a)})}});
       rhs = list({text(a)});
       input = {a, a, a};
@@ -148,7 +148,7 @@ std::vector<std::string> GeneratedGrammar::untouchedPhrase(std::size_t words,
   std::mt19937 random(seed);
   Words phrase;
   for (std::size_t i = 0; i < words; ++i) {
-    // Late words are in few rules; one of the phrase's own in between keeps them apart.
+    // Few rules use late words; a word unique to the phrase separates them.
     const std::size_t place = _words.size() - 1 - random() % (_words.size() / 4);
     phrase.push_back(i % 2 ? "unheard" + std::to_string(random() % 10) : _words[place]);
   }

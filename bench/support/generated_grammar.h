@@ -11,11 +11,11 @@
 
 namespace marlune {
 
-// A grammar of as many rules as one likes, of the kinds that announcements are made with: words
-// in context, contractions, alternatives, attributes laid over and asked for, choices by a word,
-// repetitions in a context, wildcards, rules that repeat. Twenty rules make a directory. The
-// vocabulary grows with the grammar: about two words for three rules, the early ones in more
-// rules than the late ones.
+// A grammar with any number of rules of the kinds used for announcements: words in context,
+// contractions, alternatives, attributes set and tested, choices by a word, repetitions in a
+// context, wildcards, rules that repeat. Each directory has twenty rules. The vocabulary grows with
+// the grammar: about two words for every three rules; more rules use the early words than the late
+// ones.
 class GeneratedGrammar {
  public:
   GeneratedGrammar(std::size_t rules, std::uint32_t seed);
@@ -23,11 +23,11 @@ class GeneratedGrammar {
   // The file's root; the grammar is under "Main".
   const Value& file() const { return _file; }
 
-  // Words that some rules apply to (about one in four words is rewritten), the same for the same
-  // seed.
+  // Words that some rules apply to (about one word in four is rewritten). The same seed gives the
+  // same words.
   std::vector<std::string> phrase(std::size_t words, std::uint32_t seed) const;
 
-  // Words that the grammar knows in an order that no rule applies to.
+  // Words of the grammar in an order that no rule applies to.
   std::vector<std::string> untouchedPhrase(std::size_t words, std::uint32_t seed) const;
 
  private:
@@ -36,7 +36,7 @@ class GeneratedGrammar {
 
   std::mt19937 _random;
   std::vector<std::string> _words;
-  std::vector<std::vector<std::string>> _inputs;  // by rule: words that it applies to
+  std::vector<std::vector<std::string>> _inputs;  // indexed by rule: words that it applies to
   Value _file;
 };
 

@@ -1,4 +1,4 @@
-// What a keyed trace costs while its key is off.
+// The cost of a keyed trace while its key is off.
 
 #include <benchmark/benchmark.h>
 
@@ -25,7 +25,7 @@ void* counted(std::size_t size) {
 
 }  // namespace
 
-// Every allocation of the program comes through here; the other forms call this one.
+// Every allocation of the program goes through this function; the other forms call it.
 void* operator new(std::size_t size) { return counted(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
@@ -38,7 +38,7 @@ class Phrase : public Describable {
   std::string description() const override { return std::string(200, 'x'); }
 };
 
-// Traces with three arguments under `key`; reports the allocations of a call.
+// Traces with three arguments under `key`; reports the allocations per call.
 void traceUnder(benchmark::State& state, std::string_view key) {
   Platform::shared().systemLog = std::make_shared<FakeSystemLog>();
   auto preferences = std::make_shared<FakePreferences>();
@@ -46,7 +46,7 @@ void traceUnder(benchmark::State& state, std::string_view key) {
   Platform::shared().preferences = preferences;
   const Phrase phrase;
   const std::string word = "finish[final]";
-  TQUtils::forDefaultLog(key, "%@", phrase);  // looked up once
+  TQUtils::forDefaultLog(key, "%@", phrase);  // looks the key up once
 
   const std::uint64_t before = allocations.load();
   for (auto _ : state) {
@@ -67,11 +67,11 @@ void BM_KeyedTraceOffLastKey(benchmark::State& state) {
 }
 BENCHMARK(BM_KeyedTraceOffLastKey);
 
-// A key that is not exported is looked up at every call.
+// A key that is not exported is looked up in every call.
 void BM_KeyedTraceOffOtherKey(benchmark::State& state) { traceUnder(state, "SomeOtherDefault"); }
 BENCHMARK(BM_KeyedTraceOffOtherKey);
 
-// For comparison, and to show that the counter counts.
+// For comparison, and to show that allocations are counted.
 void BM_FormattedLine(benchmark::State& state) {
   const std::uint64_t before = allocations.load();
   const Phrase phrase;
