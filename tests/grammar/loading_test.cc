@@ -71,7 +71,7 @@ const BrokenFile kBrokenFiles[] = {
      "Main.U: an insert directive whose path '' leads to nothing"},
     {"no path", "{Main={U=#insert}}", "Main.U: an insert directive without a path"},
     {"a look-up in a string", "{Main={U='#insert Word.x'}; Word=five}",
-     "Main.U: a path that looks for 'x' in something other than a dictionary: string"},
+     "Main.U: a path that looks up 'x' in a value that is not a dictionary: string"},
     {"a chunk that inserts itself", "{Main={A={U='#insert Main'}}}",
      "Main.A.U: inserts go in a circle: Main.A.U inserts Main"},
     {"a circle of two", "{Main={}; A={x='#insert B'}; B={y={z='#insert A 3'}}}",
@@ -79,8 +79,8 @@ const BrokenFile kBrokenFiles[] = {
     {"a circle of directives only", "{Main={}; A='#insert B'; B='#insert A'}",
      "A: inserts go in a circle: A inserts B, B inserts A"},
     {"a non-slot array", "{Main={R={_lhs={_significantSlots=[a, [+, b, [c]]]}; _rhs=[]}}}",
-     "Main.R._lhs._significantSlots[1][2]: an array that is no slot: it does not begin with *, + "
-     "or ~"},
+     "Main.R._lhs._significantSlots[1][2]: an array that is not a slot: "
+     "it does not begin with *, + or ~"},
     {"an empty slot array", "{Main={R={_lhs={_preContext=[[]]}}}}",
      "Main.R._lhs._preContext[0]: an empty array where a slot is expected"},
     {"an overlay's attribute key", "{Main={R={_lhs={}; _rhs=[a, {_index=#0; content={}}]}}}",
@@ -99,7 +99,7 @@ TEST_F(LoadingTest, ABrokenFileIsToldWithThePlaceInIt) {
 
 TEST_F(LoadingTest, ANameThatLooksIntoAWordIsAnError) {
   EXPECT_EQ(errorOf("{Main=five}", "Main.x"),
-            "Main.x: a path that looks for 'x' in something other than a dictionary: string");
+            "Main.x: a path that looks up 'x' in a value that is not a dictionary: string");
 }
 
 TEST_F(LoadingTest, InsertsThatExplodeAreRefused) {

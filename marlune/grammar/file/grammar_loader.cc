@@ -15,7 +15,7 @@ namespace {
 PropertyListReader::Result readFile(const std::string& path) {
   const auto reader = Platform::shared().propertyListReader;
   if (reader) return reader->readFile(path);
-  return {Value(), "there is no reader of property lists"};
+  return {Value(), "there is no property-list reader"};
 }
 
 // The same value in its own container; the elements stay shared.
@@ -105,7 +105,7 @@ Value GrammarLoader::valueAtPath(std::span<const std::string> keys, const Value&
   for (const std::string& key : keys) {
     if (found.isAbsent()) return found;
     if (!found.asDictionary()) {
-      throw GrammarError("", "a path that looks for '" + key + "' in something other than a " +
+      throw GrammarError("", "a path that looks up '" + key + "' in a value that is not a " +
                                  "dictionary: " + std::string(found.kindName()));
     }
     found = Value(found.asDictionary()->valueForKey(key));

@@ -52,7 +52,7 @@ SlotArray SlotSequence::_slotsFromPlist(std::span<const Value> elements, std::si
     slots.push_back(GrammarError::within(position++, [&element] {
       auto slot = Slot::instanceFromPlist(element);
       if (!slot) {
-        throw GrammarError("", "an array that is no slot: it does not begin with *, + or ~");
+        throw GrammarError("", "an array that is not a slot: it does not begin with *, + or ~");
       }
       return slot;
     }));
