@@ -109,7 +109,7 @@ void measureMemo(const ReferenceLoad& load) {
   const std::uint64_t before = allocationCount().bytesHeld;
   for (const Words& words : rewritten) decomposer->optimalDecompositionOf(words);
   const auto bytes = static_cast<double>(allocationCount().bytesHeld - before);
-  row("memory a remembered stretch, bytes", "%.0f",
+  row("memory per remembered stretch, bytes", "%.0f",
       bytes / static_cast<double>(decomposer->_cache().size()));
 }
 
@@ -229,7 +229,7 @@ void measureInserts(const std::string& path) {
     }
   });
   require(isRefused, "the exploding inserts were loaded");
-  row("inserts that explode, until they are refused, ms", "%.0f", time / 1000);
+  row("exploding inserts, until they are refused, ms", "%.0f", time / 1000);
 }
 
 void measureLargestList(std::string_view element, bool isRefused, const char* name) {
@@ -261,14 +261,15 @@ void measureRefused() {
   measureSettling(rules);
   measureEndless(rules, "Count", number, "10,000 passes over 17 slots, ms");
   measureEndless(rules, "Grow", growing, "a phrase that grows under nested repetitions, ms");
-  measureEndless(rules, "GrowAndTell", growing, "the same, each comparison written down, ms");
+  measureEndless(rules, "GrowAndTell", growing, "the same, every comparison logged, ms");
   measureInserts(inserts);
   std::filesystem::remove(rules);
   std::filesystem::remove(inserts);
   measureLargestList("<true/>", false, "a list of 64 MiB, read, s");
   measureLargestList("<array/>", true, "a list of 64 MiB that would take too much memory, s");
-  measureDenseList(denseNumbers(8'000'000), "an array of one number, in times its binary file");
-  measureDenseList(denseRows(60'000, 17), "rows of 17 shared entries, in times their binary file");
+  measureDenseList(denseNumbers(8'000'000), "an array of one number, multiple of its binary file");
+  measureDenseList(denseRows(60'000, 17),
+                   "rows of 17 shared entries, multiple of their binary file");
 }
 
 void measureAll() {
@@ -277,12 +278,12 @@ void measureAll() {
   measureStages(load);
   measureMemo(load);
   measureLoading();
-  measureGrammarMemory(ReferenceLoad::kRules, "memory of a loaded grammar a rule (300), bytes");
-  measureGrammarMemory(2000, "memory of a loaded grammar a rule (2,000), bytes");
+  measureGrammarMemory(ReferenceLoad::kRules, "memory per rule of a loaded grammar (300), bytes");
+  measureGrammarMemory(2000, "memory per rule of a loaded grammar (2,000), bytes");
   measureWorst();
-  measureLongPhrase(load, 80, "80 words that nothing says, decomposed, ms");
-  measureLongPhrase(load, 500, "500 words that nothing says, decomposed, ms");
-  measureLongPhrase(load, 2000, "2,000 words that nothing says, decomposed, ms");
+  measureLongPhrase(load, 80, "80 words without a recording, decomposed, ms");
+  measureLongPhrase(load, 500, "500 words without a recording, decomposed, ms");
+  measureLongPhrase(load, 2000, "2,000 words without a recording, decomposed, ms");
   measureLongPhrase(load, 10000, "10,000 words, too long to be decomposed, ms");
   measureRefused();
 }
