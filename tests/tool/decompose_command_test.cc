@@ -71,7 +71,7 @@ TEST_F(DecomposeCommandTest, AnswersALineForALine) {
        {"good job done"},
        "",
        "\n",
-       "marlune: \"good job done\": no recording of its own for \"good\", \"job\", \"done\"\n",
+       "marlune: \"good job done\": no separate recording of \"good\", \"job\", \"done\"\n",
        1},
       {"nothing to say", {}, "\n", "\n", "marlune: line 1: \"\": there is nothing to say\n", 1},
       {"no phrase at all", {}, "", "", "", 0},
@@ -107,7 +107,7 @@ TEST_F(DecomposeCommandTest, TellsWhenTheOverridesAreTooLong) {
       "<key>at</key><array><string>go</string><string>at</string></array></dict></dict>");
   EXPECT_EQ(
       decompose({"--overrides", overrides, "at go"}).err,
-      "marlune: \"at go\": the overrides take more recordings than there are words, or it is too "
+      "marlune: \"at go\": the overrides use more recordings than there are words, or it is too "
       "long to be decomposed\n");
 }
 
@@ -160,7 +160,7 @@ TEST(ToolTest, RefusesWhatItCannotUse) {
        empty.path("none") + ": No such file or directory"},
       {"a folder without recordings",
        {"decompose", "--sounds", empty.path(), "go"},
-       empty.path() + ": there is no recording"},
+       empty.path() + ": this folder contains no recordings"},
       {"a file for a folder",
        {"decompose", "--sounds", MARLUNE_TOOL_PATH, "go"},
        "Not a directory"},

@@ -145,23 +145,23 @@ TEST_F(RewriteCommandTest, TellsWhyARuleDoesOrDoesNotFire) {
   const Case cases[] = {
       {"Nested", "Mark", "a mi",
        "Lengths.Mark (1) at its turn: _E.([a]).([mi])._E\n"
-       "  its significant slots ([_]){#x-=k} are found nowhere\n"},
+       "  its significant slots ([_]){#x-=k} were not found\n"},
       {"Main", "Units", "km km",
        "Units (2) at its turn: _E.([km]).([km])._E\n"
-       "  found at 1, ([km]), but the pre-context ? does not stand before it\n"
+       "  found at 1, ([km]), but the pre-context ? does not precede it\n"
        "  applies at 2, ([km])\n"
        "  the phrase became _E.([km]).([kilometers])._E\n"},
       {"Main.Units", "Units", "a mi",
        "ROOT (2) at its turn: _E.([a]).([mi])._E\n"
-       "  its significant slots ([km]) are found nowhere\n"},
+       "  its significant slots ([km]) were not found\n"},
       {"Nested", "Lengths.Mark", "km h",
        "Lengths.Mark (1) at its turn: _E.([km]).([h])._E\n"
-       "  found at 1, ([km]), but the post-context ~(([h]) + _E) does not stand after it\n"},
+       "  found at 1, ([km]), but the post-context ~(([h]) + _E) does not follow it\n"},
       {"Nested", "Mark", "km now",
        "Lengths.Mark (1) at its turn: _E.([km]).([now])._E\n"
        "  applies at 1, ([km])\n"
        "  the phrase became _E.(x[km]){kind=unit}.([now])._E\n"
-       "  what it made was replaced later by Lengths.Spell (3)\n"},
+       "  its result was replaced later by Lengths.Spell (3)\n"},
       {"Nested", "Nested.Lengths.Spell", "kx now",
        "Lengths.Spell (3) at its turn: _E.(x[kx]){kind=unit}.([now])._E\n"
        "  applies at 1, (x[kx]){kind=unit}, but the conditional key \"kx\" has no expansion "
@@ -171,15 +171,15 @@ TEST_F(RewriteCommandTest, TellsWhyARuleDoesOrDoesNotFire) {
        "  applies at 1, (x[kg]){kind=unit}\n"
        "  ERROR: The occurrence at 1 stays as it is: production's index 1 outside the 1 slots of "
        "the occurrence.\n"
-       "  the phrase stayed as it was\n"},
+       "  the phrase did not change\n"},
       {"Nested", "Bare", "a", "Bare (2) at its turn: _E.([a])._E\n  has no right-hand side\n"},
       {"Many", "Many", "a",
        "  its significant slots (([1]) + ([2]) + ([3]) + ([4]) + ([5]) + ([6]) + ([7]) + ([8]) + "
-       "2 more) are found nowhere\n"},
+       "2 more) were not found\n"},
       {"Twice", "Units", "km",
        "A.Units (0) at its turn: _E.([km])._E\n"
        "  applies at 1, ([km])\n"
-       "  the phrase stayed as it was\n"
+       "  the phrase did not change\n"
        "B.Units (0) at its turn: _E.([km])._E\n"
        "  has no significant slots\n"},
   };

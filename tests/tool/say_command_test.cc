@@ -115,7 +115,7 @@ TEST_F(SayCommandTest, LeavesARecordingOfAnotherRateOutWhereNoResamplerCanBeLoad
                                  "resampled: " +
                                  folder.path("libsoxr.so.0")));
   EXPECT_EQ(samples().size(), withBoth * 2 / 3);  // a half of its length is gone
-  EXPECT_THAT(run.err, HasSubstr("marlune: \"slow fast\": it was not said whole: \"fast.aif\": "));
+  EXPECT_THAT(run.err, HasSubstr("marlune: \"slow fast\": it was not played completely: \"fast.aif\": "));
   EXPECT_EQ(run.status, 1);
 }
 
@@ -204,7 +204,7 @@ TEST_F(SayCommandTest, KeepsAnInterruptedRenderingAsADraft) {
         kill -TERM $!; wait $!)",
                                              MARLUNE_TOOL_PATH, folder.path(), sounds});
   EXPECT_EQ(run.status, 128 + SIGTERM);
-  EXPECT_THAT(run.err, HasSubstr("marlune: interrupted; what was rendered until then is in "
+  EXPECT_THAT(run.err, HasSubstr("marlune: interrupted; the part that was rendered is in "
                                  "out.wav.partial\n"));
   EXPECT_EQ(TemporaryDirectory::contentOf(output), "former");
   const std::string draft = TemporaryDirectory::contentOf(output + ".partial");

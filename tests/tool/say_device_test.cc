@@ -50,8 +50,8 @@ TEST(SayDeviceTest, ADeviceThatIsLostCostsOnlyThePhrasesMeanwhile) {
   const std::string err = TemporaryDirectory::contentOf(folder.path("err"));
   EXPECT_THAT(run.out, testing::MatchesRegex("five [^\n]* s\ngo [^\n]* s\ngo [^\n]* s\n"));
   EXPECT_THAT(err, HasSubstr("marlune: line 1: \"five kilometers in thirty minutes five kilometers "
-                             "in thirty minutes\": it was not said whole: "));
-  EXPECT_THAT(err, HasSubstr("marlune: line 2: \"go\": it was not said whole: "));
+                             "in thirty minutes\": it was not played completely: "));
+  EXPECT_THAT(err, HasSubstr("marlune: line 2: \"go\": it was not played completely: "));
   EXPECT_THAT(err, testing::Not(HasSubstr("line 3:")));
   EXPECT_EQ(run.status, 1);
 }

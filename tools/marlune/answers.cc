@@ -14,7 +14,8 @@ namespace marlune::tool {
 
 void writeAnswer(std::string_view line) { writeText(shownLine(line)); }
 
-// Quietly, so that a closed pipe unwinds the run: what it renders is then closed properly.
+// Reports a closed pipe as EPIPE, without the signal, so that the stack unwinds and the sound file
+// being rendered is closed properly.
 void writeText(std::string_view text) {
   while (!text.empty()) {
     const ssize_t written = quietWrite(STDOUT_FILENO, text);
@@ -31,7 +32,7 @@ void endByBrokenPipe() {
   sigaddset(&set, SIGPIPE);
   ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
   ::raise(SIGPIPE);
-  std::abort();  // not reached: the signal has ended the process
+  std::abort();  // unreachable: the signal has ended the process
 }
 
 }  // namespace marlune::tool

@@ -4,26 +4,26 @@
 #include <stdexcept>
 #include <string_view>
 
-// All that the tool writes to standard output.
+// Writes to standard output; nothing else in the tool does.
 namespace marlune::tool {
 
-// Standard output cannot be written: the run ends with this sentence.
+// Standard output cannot be written: the run ends with this message.
 class AnswerError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Nobody reads standard output any more: the run ends as SIGPIPE ends it.
+// The reader of standard output has closed it: the run ends as by SIGPIPE.
 class NobodyReads : public std::exception {};
 
-// Writes the answer to a phrase at once, as one line: control characters as `shown` prints them.
-// Throws AnswerError or NobodyReads when the line could not be written whole.
+// Writes the answer to a phrase as one line, at once. Control characters appear as `shown` prints
+// them. Throws AnswerError or NobodyReads if the whole line cannot be written.
 void writeAnswer(std::string_view line);
 
-// Writes text of the tool's own, such as that of --help, as it is. Throws as writeAnswer does.
+// Writes text of the tool itself, such as that of --help, unchanged. Throws like writeAnswer.
 void writeText(std::string_view text);
 
-// Ends the process by SIGPIPE, whatever the process was started with for this signal.
+// Ends the process by SIGPIPE, even if the process was started with that signal ignored or blocked.
 [[noreturn]] void endByBrokenPipe();
 
 }  // namespace marlune::tool

@@ -8,8 +8,9 @@ namespace marlune::tool {
 
 namespace {
 
+// A comparison with a prefix key logs one line, and a second one if it matches. Suffix keys log none.
 bool isOfComparison(std::string_view line) {
-  return line.starts_with("Prefix! ") || line.starts_with("Suffix! ") || line.starts_with("MATCH!");
+  return line.starts_with("Prefix! ") || line.starts_with("MATCH!");
 }
 
 }  // namespace
@@ -38,7 +39,7 @@ void CapturedLog::Lines::write(std::string_view message) noexcept {
       ++left;
     }
   } catch (const std::exception&) {
-    // A line that cannot be kept is lost, like one that cannot be written.
+    // Out of memory: the line is lost.
   }
 }
 

@@ -11,17 +11,16 @@
 
 namespace marlune::tool {
 
-// While it stands, keeps the lines that go to the system log instead of showing them. One at a
-// time, and only while nothing else is at work in the process. The first kMostLines: of those
-// behind them a last line tells how many there were.
+// While one exists, captures what goes to the system log instead of showing it. At most one may
+// exist at a time, and no other thread may be logging. Keeps the first kMostLines lines; a final
+// line gives the number of those dropped.
 class CapturedLog {
  public:
-  // Messages are what is left without the two lines of each comparison by a prefix or suffix key:
-  // those can be millions.
+  // `messages` leaves out the lines of comparisons with a prefix key: there can be millions.
   enum class Kept { messages, everything };
 
   explicit CapturedLog(Kept kept = Kept::messages);
-  ~CapturedLog();  // what logged before logs again; what was kept is gone
+  ~CapturedLog();  // restores the former log
   CapturedLog(const CapturedLog&) = delete;
   CapturedLog& operator=(const CapturedLog&) = delete;
 

@@ -10,10 +10,10 @@ namespace marlune::tool {
 
 namespace {
 
-// No file has a longer name, and folding takes time with the square of a run of marks.
+// No file name is longer, and case folding takes quadratic time on a run of combining marks.
 constexpr std::size_t kMostBytes = 255;
 
-// The same for two texts that differ only by case; the text itself when it is not UTF-8.
+// Equal for two texts that differ only by case. Returns the text itself if it is not UTF-8.
 std::string folded(const std::string& text) {
   constexpr auto kOptions =
       static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE | UTF8PROC_CASEFOLD);

@@ -7,7 +7,7 @@
 
 namespace marlune::tool {
 
-// Of the names of recordings those that differ from one of the words only by case.
+// Returns those recording names that differ from one of the words only by case.
 Words namesDifferingByCase(const Words& words, const Words& names);
 
 }  // namespace marlune::tool

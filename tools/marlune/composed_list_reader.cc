@@ -10,7 +10,7 @@ namespace marlune::tool {
 
 namespace {
 
-// Nearly all text: it is left where it is.
+// ASCII is already in normal form C; nearly all text is ASCII, so it is not copied.
 bool isAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });

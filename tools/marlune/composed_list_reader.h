@@ -5,8 +5,8 @@
 
 namespace marlune::tool {
 
-// Reads property-list files with all text in normal form C, keys included: phrases and the names of
-// recordings come in this form, and words are compared byte by byte.
+// Reads property-list files and converts all text, keys included, to normal form C. Phrases and the
+// names of recordings use the same form, and words are compared byte by byte.
 class ComposedListReader : public PropertyListReader {
  public:
   Result readFile(const std::string& path) const noexcept override;

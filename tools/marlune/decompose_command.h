@@ -7,8 +7,8 @@
 
 namespace marlune::tool {
 
-// Adds `marlune decompose` to the program: words in, file names out. When it has run, `status`
-// says how it ended; both must outlive the parsing of the command line.
+// Adds `marlune decompose` to the program: words in, file names out. The command sets `status` when
+// it runs. Both arguments must outlive the parsing of the command line.
 void addDecomposeCommand(CLI::App& program, ExitStatus& status);
 
 }  // namespace marlune::tool

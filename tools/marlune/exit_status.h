@@ -3,10 +3,10 @@
 
 namespace marlune::tool {
 
-// How a run ends, for the shell.
+// The exit status of a run.
 enum ExitStatus {
   kEverythingSaid = 0,
-  kSomethingNotSaid = 1,  // a phrase could not be rewritten or said; the others were
+  kSomethingNotSaid = 1,  // some phrases could not be rewritten or said
   kUnusable = 2,          // bad usage, or input that cannot be read
 };
 

@@ -11,16 +11,17 @@ namespace marlune::tool {
 
 using PhrasePointer = std::shared_ptr<const SimpleSlotSequence>;
 
-// One rule's turn at a phrase.
+// One application of one rule to a phrase.
 struct Turn {
-  std::string path;      // the names from below the grammar's root down to the rule's, as in "A.B"
-  const Rule* rule;      // the grammar's
+  std::string path;      // part names, from below the root down to the rule:
+                         // "A.B"
+  const Rule* rule;      // owned by the grammar
   PhrasePointer before;  // with a blank at each end
-  PhrasePointer after;   // the very same as before when the rule changed nothing
-  std::vector<std::string> messages;  // what it logged, without the comparisons
+  PhrasePointer after;   // the same object as `before` if the rule changed nothing
+  std::vector<std::string> messages;  // what the rule logged, without the comparisons
 };
 
-// The turns of all rules in a grammar, one after another, as the grammar itself applies them. The
+// Applies all rules of a grammar to a phrase, in the grammar's own order, and keeps each step. The
 // grammar must outlive the result.
 class GrammarWalk {
  public:

@@ -5,8 +5,8 @@
 
 namespace marlune::tool {
 
-// Something that a command needs cannot be read or makes no sense: the run ends with this one
-// sentence, which names the file or folder.
+// An input of the command cannot be read or is invalid. The run ends with this message, one
+// sentence that names the file or folder.
 class InputError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

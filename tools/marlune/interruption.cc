@@ -15,7 +15,7 @@ Interruption::Interruption() {
   struct sigaction action = {};
   action.sa_handler = note;
   sigaction(SIGINT, &action, &_formerInterrupt);
-  // A shell's background job is told to take no notice of Ctrl-C.
+  // Background jobs of a shell start with SIGINT ignored; keep ignoring it.
   if (_formerInterrupt.sa_handler == SIG_IGN) sigaction(SIGINT, &_formerInterrupt, nullptr);
   sigaction(SIGTERM, &action, &_formerTerminate);
 }

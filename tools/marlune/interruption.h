@@ -5,8 +5,8 @@
 
 namespace marlune::tool {
 
-// While it stands, Ctrl-C and a request to terminate are noted instead of ending the process, so
-// that the sound can be stopped first. One at a time.
+// While one exists, SIGINT and SIGTERM are recorded instead of ending the process, so that the
+// sound can be stopped first. At most one may exist at a time.
 class Interruption {
  public:
   Interruption();
@@ -16,8 +16,8 @@ class Interruption {
 
   bool hasCome() const;
 
-  // Lets the signal that came do what it would have done: end the process. Does nothing when none
-  // came. The shell then sees an interrupted program.
+  // Restores the former handlers and raises the recorded signal again, which ends the process, so
+  // that the shell sees an interrupted program. Does nothing if no signal was recorded.
   void passOn();
 
  private:

@@ -8,13 +8,13 @@ namespace marlune::tool {
 
 namespace {
 
-// Where a signal handler may read it. A longer line is cut.
+// Static storage, readable from a signal handler. A longer line is cut off.
 std::array<char, 8'192> line;
 std::size_t lineLength = 0;
 
 void speakAndEnd(int signal) {
   static_cast<void>(!::write(STDERR_FILENO, line.data(), lineLength));
-  std::raise(signal);  // SA_RESETHAND: it ends the process
+  std::raise(signal);  // SA_RESETHAND: this ends the process
 }
 
 void setUnlessIgnored(int signal, struct sigaction& former) {
@@ -22,7 +22,7 @@ void setUnlessIgnored(int signal, struct sigaction& former) {
   action.sa_handler = speakAndEnd;
   action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
   ::sigaction(signal, &action, &former);
-  // A shell's background job ignores Ctrl-C.
+  // Background jobs of a shell start with SIGINT ignored; keep ignoring it.
   if (former.sa_handler == SIG_IGN) ::sigaction(signal, &former, nullptr);
 }
 

@@ -6,8 +6,8 @@
 
 namespace marlune::tool {
 
-// While one exists, Ctrl-C and a request to terminate write a sentence to standard error before
-// they end the process. One at a time.
+// While one exists, SIGINT and SIGTERM write a sentence to standard error before they end the
+// process. At most one may exist at a time.
 class LastWords {
  public:
   explicit LastWords(const std::string& sentence);

@@ -41,7 +41,7 @@ void LineReader::_take(Line& line, std::size_t count) {
 
 bool LineReader::_readMore() {
   constexpr std::size_t kBlock = 65536;
-  if (_isAtEnd) return false;  // of a terminal, which could be read on
+  if (_isAtEnd) return false;  // a terminal could deliver more after its end of file
   _buffer.resize(kBlock);
   _position = 0;
   ssize_t count = 0;

@@ -8,26 +8,25 @@
 
 namespace marlune::tool {
 
-// The lines of standard input, each read only when it is asked for. A byte-order mark at its start
-// is left out.
+// Reads standard input line by line, each line on demand. Skips a byte-order mark at the start.
 class LineReader {
  public:
   struct Line {
-    std::string text;          // without its line feed
-    std::string_view fault{};  // why the text is cut off; empty when it is whole
+    std::string text;          // without the line feed
+    std::string_view fault{};  // why the text is cut off; empty if it is complete
   };
 
-  // The next line; nothing at the end. One of more than kMostBytes bytes, or too long for the
-  // memory there is, is cut off, and its rest is read and dropped. Throws InputError when standard
-  // input cannot be read: a directory, a closed descriptor.
+  // The next line, or nothing at the end of input. A line of more than kMostBytes bytes, or one
+  // that does not fit in memory, is cut off; its rest is read and dropped. Throws InputError if
+  // standard input cannot be read, such as a directory or a closed descriptor.
   std::optional<Line> next();
 
  private:
   bool _readMore();
-  void _take(Line& line, std::size_t count);  // moves so many bytes of the buffer into the line
+  void _take(Line& line, std::size_t count);  // moves `count` bytes from the buffer to the line
 
   std::string _buffer;
-  std::size_t _position = 0;  // of what is unread in the buffer
+  std::size_t _position = 0;  // of the unread rest of the buffer
   bool _isAtStart = true;
   bool _isAtEnd = false;
 };

@@ -30,10 +30,10 @@ namespace {
 constexpr const char* kFooter =
     "Each phrase is answered with a line. One that cannot be rewritten or said gives an empty "
     "line,\n"
-    "and standard error tells why.\n"
+    "and the reason goes to standard error.\n"
     "Exit status: 0 all could be said, 1 some could not, 2 bad usage or unreadable input.";
 
-// An error message quotes the arguments.
+// Escapes control characters: error messages quote the arguments.
 std::string failureMessage(const CLI::App* command, const CLI::Error& error) {
   return shown(error.what()) +
          CLI::FailureMessage::simple(command, error).substr(std::strlen(error.what()));
@@ -76,8 +76,8 @@ ExitStatus run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
 #ifdef __GLIBC__
-  // The few threads allocate in turns: what one has released serves the next, where each would
-  // start on fresh pages of its own.
+  // One arena for all threads: they are few and allocate in turn, so memory that one frees is
+  // reused by the next instead of each touching fresh pages.
   ::mallopt(M_ARENA_MAX, 1);
 #endif
   marlune::tool::occupyStandardDescriptors();

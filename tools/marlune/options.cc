@@ -29,13 +29,13 @@ CLI::Option* addGrammarOption(CLI::App& command, std::string& value) {
 
 CLI::Option* addNameOption(CLI::App& command, std::string& value) {
   return addTextOption(command, "--name", value,
-                       "Which grammar of the file, such as Sports.Running");
+                       "The grammar to use in the file, such as Sports.Running");
 }
 
 void addPhrases(CLI::App& command, std::vector<std::string>& phrases) {
   command.add_option("PHRASE", phrases,
-                     "Phrases, one an argument: quote one of several words; without any, one a "
-                     "line from standard input");
+                     "Phrases, one per argument: quote a phrase of several words; without any, "
+                     "one per line from standard input");
 }
 
 std::string optionWithoutValue(int argc, const char* const* argv) {

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-// The options that several commands have. An empty value, as from an unset variable of a shell, is
-// an error that names the option.
+// Options shared by several commands. An empty value, such as an unset shell variable, is an error
+// that names the option.
 namespace marlune::tool {
 
-// An option with a value that must not be empty.
+// Adds an option whose value must not be empty.
 CLI::Option* addTextOption(CLI::App& command, const char* option, std::string& value,
                            const std::string& help);
 
@@ -19,11 +19,11 @@ CLI::Option* addGrammarOption(CLI::App& command, std::string& value);
 CLI::Option* addNameOption(CLI::App& command, std::string& value);
 void addPhrases(CLI::App& command, std::vector<std::string>& phrases);
 
-// What is wrong with an empty value.
+// The error message for an empty value.
 inline constexpr const char* kEmptyValue = "the value is empty";
 
-// The option among the arguments that is given as "--option=", with nothing behind the sign; ""
-// where there is none. The parser of options takes the next argument for its value.
+// Returns the first argument of the form "--option=", without the sign, or "" if there is none. The
+// option parser would take the next argument as its value.
 std::string optionWithoutValue(int argc, const char* const* argv);
 
 }  // namespace marlune::tool

@@ -13,7 +13,7 @@ namespace marlune::tool {
 
 namespace {
 
-// By device and inode: a link, symbolic or hard, leads to the same file.
+// Compares device and inode, so that symbolic and hard links are recognised.
 void requireNoRecording(const std::string& path, const struct stat& file,
                         const ResourceBundle& recordings) {
   for (const std::string& each : recordings.pathsForResourcesOfType("aif", "")) {

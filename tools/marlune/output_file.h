@@ -7,8 +7,8 @@
 
 namespace marlune::tool {
 
-// Throws InputError when no sound can be rendered to `path`: another ending than those of sound
-// files, no folder or one that cannot be written to, or a recording of the voice under any name.
+// Throws InputError if sound cannot be rendered to `path`: the extension is not that of a sound
+// file, its folder is missing or not writable, or `path` leads to one of the recordings.
 void requireUsableOutput(const std::string& path, const ResourceBundle& recordings);
 
 }  // namespace marlune::tool

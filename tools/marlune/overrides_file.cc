@@ -11,7 +11,7 @@ namespace marlune::tool {
 
 namespace {
 
-// Reads the tables of one file, and knows its name for the messages.
+// Reads the tables of one file. Keeps the file's name for error messages.
 class OverridesReader {
  public:
   explicit OverridesReader(const std::string& path) : _path(path) {}

@@ -7,16 +7,16 @@
 
 namespace marlune::tool {
 
-// What an overrides file says: by the key of a phrase ("at_the_finish[x]"), the recordings that
-// are to say it; one table for whole phrases, one for parts of phrases.
+// The contents of an overrides file: the recordings to use for the key of a phrase, such as
+// "at_the_finish[x]". One table is for whole phrases, the other for parts of phrases.
 struct Overrides {
   DecomposerDelegate::Overrides whole;
   DecomposerDelegate::Overrides parts;
 };
 
-// Reads a property list with two dictionaries, "whole" and "parts", either of which may be left
-// out. Throws InputError with the file, the key and the cause for anything else in it, also for a
-// key that no phrase can have: better than an override that silently never applies.
+// Reads a property list with two optional dictionaries, "whole" and "parts". Throws InputError,
+// with the file, the key and the cause, if the file contains anything else. That includes a key
+// that no phrase can have: such an override would silently never apply.
 Overrides readOverridesFile(const std::string& path);
 
 }  // namespace marlune::tool

@@ -11,7 +11,7 @@ namespace marlune::tool {
 
 namespace {
 
-// Does a part of the work on a phrase. Whether it succeeded; where not, the reason is reported.
+// Runs one step of the work on a phrase. Returns whether it succeeded; reports the reason if not.
 bool tried(const Phrase& phrase, const std::function<void()>& work) {
   try {
     work();

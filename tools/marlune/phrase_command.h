@@ -9,27 +9,27 @@
 
 namespace marlune::tool {
 
-// Why one phrase cannot be rewritten or said, as a clause; the run goes on with the next.
+// Why one phrase cannot be rewritten or said, as a clause. The run continues with the next phrase.
 class PhraseError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// What a command does with each phrase of its input.
+// The work of one command on each phrase of its input.
 class PhraseCommand {
  public:
   virtual ~PhraseCommand() = default;
 
-  // Answers every phrase with a line: an empty one, and the reason on standard error, where
-  // answerTo throws PhraseError, where the phrase exceeds a limit or memory runs out for it.
+  // Answers every phrase with one line. Writes an empty line, and the reason to standard error, if
+  // answerTo throws PhraseError, if the phrase exceeds a limit, or if memory runs out.
   ExitStatus answerAll(PhraseInput& input);
 
  protected:
-  // The answer to the phrase. Throws PhraseError when there is none.
+  // The answer to the phrase. Throws PhraseError if there is none.
   virtual std::string answerTo(const Phrase& phrase) = 0;
 
-  // What is done once the last answer has been written. Throws PhraseError when the phrase counts
-  // as not said all the same.
+  // Runs after the answer has been written. Throws PhraseError if the phrase could not be said
+  // after all.
   virtual void followAnswer() {}
 
  private:

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-// Counted before any word is made: a line of the longest kind has eight million.
+// Counts before any word is created: the longest line can hold eight million words.
 bool hasTooManyWords(std::string_view line) {
   std::size_t count = 0;
   bool isInWord = false;

@@ -13,22 +13,22 @@ namespace marlune::tool {
 
 using Words = std::vector<std::string>;
 
-// A phrase to work on, and where it came from.
+// A phrase to process and where it came from.
 struct Phrase {
   Words words;
   std::size_t line = 0;      // in standard input, from 1; 0 for an argument
-  std::string_view fault{};  // which limit it exceeds, and so has no words; else empty
+  std::string_view fault{};  // the limit it exceeds, in which case it has no words
 };
 
-// The phrases of a run, one after the other: the arguments, one phrase each, or without any the
-// lines of standard input, each read only when it is asked for.
+// The phrases of a run, in order: one for each argument, or, without arguments, one for each line
+// of standard input, read on demand.
 class PhraseInput {
  public:
   explicit PhraseInput(std::vector<std::string> arguments)
       : _arguments(std::move(arguments)), _readsLines(_arguments.empty()) {}
 
-  // The next phrase; nothing at the end. An empty line is a phrase without words. Throws InputError
-  // when standard input cannot be read.
+  // The next phrase, or nothing at the end. An empty line is a phrase without words. Throws
+  // InputError if standard input cannot be read.
   std::optional<Phrase> next();
 
  private:
@@ -40,11 +40,11 @@ class PhraseInput {
   std::size_t _count = 0;
 };
 
-// The words of a line, in normal form C: what stands between blanks and tabs. A carriage return
-// counts as a blank, so that files from other systems can be piped in.
+// Splits a line at blanks and tabs into words in normal form C. A carriage return counts as a
+// blank, so that files with CR LF line ends can be piped in.
 Words wordsOf(std::string_view line);
 
-// The words of a phrase, or file names, with one blank between them.
+// Joins words or file names with single blanks.
 std::string joined(const Words& words);
 
 }  // namespace marlune::tool

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-// How long a phrase may be, and what the tool answers to one that is longer.
+// Limits on the length of a phrase, and the messages for a phrase that exceeds them.
 namespace marlune::tool {
 
 inline constexpr std::size_t kMostBytes = 16U << 20U;

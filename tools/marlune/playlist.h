@@ -18,14 +18,14 @@ struct PlaylistEntry {
   double seconds = 0;
 };
 
-// The recordings that are about to be played. Each is opened to see that it can be; the first ones
-// stay open, so that playing does not open them again.
+// The recordings to be played for a phrase. Each is opened once to check that it can be played; the
+// first ones stay open, so that playing does not open them again.
 class Playlist {
  public:
-  // REQUIRES: the bundle has each of the files.
+  // REQUIRES: the bundle contains every file.
   Playlist(const Words& files, const ResourceBundle& bundle);
 
-  // The recordings that cannot be played, each with its cause; empty when all can.
+  // The recordings that cannot be played, each with its cause; empty if all can.
   const std::string& faults() const { return _faults; }
 
   // The next recording in the order of the files, open, if it is the file at `path`. Null when it
@@ -33,7 +33,7 @@ class Playlist {
   std::unique_ptr<Recording> takeNext(const std::string& path);
 
   double seconds() const { return _seconds; }
-  // The recording that sounds so many seconds after the start; nullptr at the end.
+  // The recording that is playing `seconds` after the start; nullptr at the end.
   const PlaylistEntry* entryAt(double seconds) const;
 
   // "five_kilometers 1.02, in 0.31: 1.33 s"
@@ -47,7 +47,7 @@ class Playlist {
   double _seconds = 0;
 };
 
-// With two digits behind the point.
+// Formats seconds with two decimals.
 std::string secondsText(double seconds);
 
 }  // namespace marlune::tool

@@ -7,8 +7,8 @@
 
 namespace marlune::tool {
 
-// The line that moves while a phrase is heard, "[####----] 1.2 of 3.4 s  kilometers", written
-// over itself on standard error when that is a terminal and nowhere else. Gone when it ends.
+// The progress line "[####----] 1.2 of 3.4 s  kilometers", rewritten in place on standard error
+// while a phrase plays. Shown only if standard error is a terminal; erased by the destructor.
 class ProgressLine {
  public:
   explicit ProgressLine(const Playlist& playlist);
@@ -16,7 +16,7 @@ class ProgressLine {
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
 
-  // What has been heard so far, in seconds.
+  // `seconds` is how much has been heard so far.
   void show(double seconds);
 
  private:
@@ -24,7 +24,7 @@ class ProgressLine {
   const bool _isShown;
 };
 
-// The line's text.
+// The text of the line.
 std::string progressText(const Playlist& playlist, double seconds);
 
 }  // namespace marlune::tool

@@ -25,7 +25,7 @@ void QueuedItems::install(
   };
 }
 
-// Recordings in a row that were lost to the same cause are named together.
+// Groups adjacent recordings that were lost for the same reason.
 std::string QueuedItems::lossesAmong(std::size_t count) const {
   std::vector<std::pair<Words, std::string>> losses;
   for (const auto& item : _items) {

@@ -11,17 +11,17 @@
 
 namespace marlune::tool {
 
-// The items that the player has made for one phrase, kept to find out what became of them.
+// Keeps the items that the player makes for one phrase, to check whether each was played.
 class QueuedItems {
  public:
-  // Lets the platform make its items through this. `takeRecording` gives the file at a path where
-  // it is open already, else null. REQUIRES: this outlives the player.
+  // Installs itself as the platform's factory of player items. `takeRecording` returns the recording
+  // at a path if it is already open, else null. REQUIRES: this outlives the player.
   void install(std::function<std::unique_ptr<Recording>(const std::string& path)> takeRecording);
 
   void forget() { _items.clear(); }
 
-  // Which of the phrase's `count` recordings were not delivered to their last sample, and why, as
-  // a clause; empty when all were.
+  // Which of the phrase's `count` recordings were not delivered to their last sample, and why, as a
+  // clause; empty if all were.
   std::string lossesAmong(std::size_t count) const;
 
  private:

@@ -10,7 +10,7 @@ namespace marlune::tool {
 
 namespace {
 
-// The words, or as many of the first as a message has room for.
+// The words, or as many of the first ones as fit in a message.
 std::string excerptOf(const Words& words) {
   constexpr std::size_t kMostBytes = 600;
   std::string text;
@@ -25,7 +25,7 @@ std::string excerptOf(const Words& words) {
 }  // namespace
 
 void complain(std::string_view sentence) {
-  // In one piece, so that it stays whole beside what the library logs.
+  // One write, so that lines logged by other threads cannot split the sentence.
   std::cerr << "marlune: " + shownLine(sentence) << std::flush;
 }
 

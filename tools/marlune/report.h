@@ -8,16 +8,16 @@
 
 namespace marlune::tool {
 
-// Writes "marlune: <sentence>" and a line feed to standard error, control characters as `shown`
-// prints them.
+// Writes "marlune: <sentence>" and a line feed to standard error. Control characters appear as
+// `shown` prints them.
 void complain(std::string_view sentence);
 
-// Reports why a phrase came to nothing, with its text (the start of a long one) and its line in
+// Reports why a phrase failed, with its text (only the start of a long one) and its line number in
 // standard input.
 void complainAbout(const Phrase& phrase, std::string_view reason);
 
-// Names in a row, in quotes: "one", "two". Behind the first kMostQuoted, " and others" stands for
-// those that follow.
+// Names in quotes, separated by commas: "one", "two". After the first kMostQuoted names, " and
+// others" replaces the rest.
 inline constexpr std::size_t kMostQuoted = 50;
 std::string quoted(const Words& names);
 

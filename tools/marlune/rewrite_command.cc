@@ -19,18 +19,18 @@ namespace marlune::tool {
 namespace {
 
 constexpr const char* kTraceHelp =
-    "Show on standard error which rules change the phrase; with raw, all that the grammar logs, "
+    "Show on standard error which rules change the phrase; with raw, everything the grammar logs, "
     "the "
-    "lines of prefix keys included";
+    "comparisons of prefix keys included";
 
 constexpr const char* kWhyHelp =
-    "Tell on standard error why this rule does or does not fire: its name or path, as in A.B";
+    "Explain on standard error why this rule does or does not apply: its name or path, as in A.B";
 
 struct Options {
   std::string grammar;
   std::string name;
   std::string trace;               // "" none, "rules", "raw"
-  std::optional<std::string> why;  // the rule asked about
+  std::optional<std::string> why;  // the rule to explain
   std::vector<std::string> phrases;
 };
 
@@ -50,7 +50,7 @@ class RewriteCommand : public PhraseCommand {
     return whyText(_rewriter.walkOf(words), {*_options.why, _options.name});
   }
 
-  // With the rules' trace the walk's own result: to rewrite once more would repeat its messages.
+  // With --trace=rules the walk already has the result; rewriting again would repeat its messages.
   Words _rewritten(const Words& words) const {
     if (_options.why) std::cerr << _why(words) << std::flush;
     if (_options.trace == "rules") {

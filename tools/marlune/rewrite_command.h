@@ -7,8 +7,8 @@
 
 namespace marlune::tool {
 
-// Adds `marlune rewrite` to the program: words in, rewritten words out. When it has run, `status`
-// says how it ended; both must outlive the parsing of the command line.
+// Adds `marlune rewrite` to the program: words in, rewritten words out. The command sets `status`
+// when it runs. Both arguments must outlive the parsing of the command line.
 void addRewriteCommand(CLI::App& program, ExitStatus& status);
 
 }  // namespace marlune::tool

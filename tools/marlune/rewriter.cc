@@ -16,7 +16,7 @@ namespace marlune::tool {
 
 namespace {
 
-// Preferences of one process that hold one thing: that the grammar's trace is on.
+// Preferences with a single setting: the grammar's trace is on.
 class TracePreferences : public Preferences {
  public:
   Value valueForKey(std::string_view key, std::string_view) const override {
@@ -39,7 +39,7 @@ class TraceSwitchedOn {
   const std::shared_ptr<Preferences> _former;
 };
 
-// What the library says of a file that it cannot read.
+// The library's reason for not reading a file, taken from its log lines; "" if there is none.
 std::string causeAmong(const std::vector<std::string>& lines) {
   constexpr std::string_view kOpening = "ERROR loading grammar from plist: ";
   for (const std::string& line : lines) {

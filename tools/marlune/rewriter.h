@@ -11,29 +11,30 @@
 
 namespace marlune::tool {
 
-// One grammar of a grammar file, ready to rewrite phrases.
+// One grammar from a grammar file, ready to rewrite phrases.
 class Rewriter {
  public:
-  // Throws InputError, with the file and the cause, when the file cannot be read, its grammar is
-  // broken, or it has none of that name. Warnings about the grammar go to the log.
+  // Throws InputError, with the file and the cause, if the file cannot be read, if the grammar is
+  // broken, or if the file has no grammar of that name. Warnings about the grammar are logged.
   Rewriter(const std::string& path, const std::string& name);
 
-  // Throws PhraseError when a rule was stopped because the phrase would have become too long.
+  // Throws PhraseError if a rule stopped because the phrase would have become too long.
   Words rewritten(const Words& words) const;
 
-  // What each rule does to the words. The grammar's errors are in it and not shown otherwise.
+  // What each rule does to the words. The grammar's errors are part of the result and are not
+  // logged.
   GrammarWalk walkOf(const Words& words) const;
 
-  // All that the grammar logs under its trace key while it rewrites the words, and in any case.
-  // Every line ends with a line feed.
+  // Everything the grammar logs while it rewrites the words with its trace key on. Every line ends
+  // with a line feed.
   std::string rawTraceOf(const Words& words) const;
 
  private:
   std::unique_ptr<Parser> _parser;
 };
 
-// Throws PhraseError when one of these messages of a grammar's is that a rule was stopped because
-// the phrase would have become too long.
+// Throws PhraseError if one of the grammar's messages reports that a rule stopped because the
+// phrase would have become too long.
 void requireNoLimitAmong(const std::vector<std::string>& messages);
 
 }  // namespace marlune::tool

@@ -24,7 +24,7 @@ struct Options {
   std::vector<std::string> phrases;
 };
 
-// The three stages in a row, as an app chains them.
+// Chains the three stages, as an app does.
 class SayCommand : public PhraseCommand {
  public:
   explicit SayCommand(const Options& options)
@@ -37,7 +37,7 @@ class SayCommand : public PhraseCommand {
   void finish() { _speaker.finish(); }
 
  protected:
-  // The phrase's words as they are said, and the recordings with their lengths in seconds.
+  // The words as they are said, and the recordings with their lengths in seconds.
   std::string answerTo(const Phrase& phrase) override {
     const Words words = _rewriter ? _rewriter->rewritten(phrase.words) : phrase.words;
     const Voice::Answer answer = _voice.filesFor(words);
@@ -54,7 +54,7 @@ class SayCommand : public PhraseCommand {
   Voice _voice;
   Speaker _speaker;
   std::unique_ptr<Rewriter> _rewriter;
-  std::shared_ptr<const Words> _files;  // of the phrase answered last
+  std::shared_ptr<const Words> _files;  // of the last phrase answered
   std::unique_ptr<Playlist> _playlist;
 };
 
@@ -78,7 +78,7 @@ void addSayCommand(CLI::App& program, ExitStatus& status) {
   name->needs(grammar);
   addOverridesOption(*command, options->overrides);
   addTextOption(*command, "--output", options->output,
-                "A file *.wav or *.aif to make instead of playing; all phrases in a row");
+                "Write all phrases to this file, *.wav or *.aif, instead of playing them");
   addPhrases(*command, options->phrases);
   command->callback([options, &status] { status = say(*options); });
 }

@@ -7,8 +7,8 @@
 
 namespace marlune::tool {
 
-// Adds `marlune say` to the program: words in, sound out, on the device or into a file. When it
-// has run, `status` says how it ended; both must outlive the parsing of the command line.
+// Adds `marlune say` to the program: words in, sound out, to the device or to a file. The command
+// sets `status` when it runs. Both arguments must outlive the parsing of the command line.
 void addSayCommand(CLI::App& program, ExitStatus& status);
 
 }  // namespace marlune::tool

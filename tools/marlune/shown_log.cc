@@ -9,7 +9,7 @@ namespace marlune::tool {
 void ShownLog::write(std::string_view message) noexcept try {
   StandardErrorLog::write(shown(message));
 } catch (const std::exception&) {
-  // No memory for the line: it is lost.
+  // Out of memory: the line is lost.
 }
 
 }  // namespace marlune::tool

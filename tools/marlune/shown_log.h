@@ -5,8 +5,8 @@
 
 namespace marlune::tool {
 
-// The library's log on standard error, each message on one line: control characters as `shown`
-// prints them.
+// Writes the library's log to standard error, one line for each message. Control characters appear
+// as `shown` prints them.
 class ShownLog : public StandardErrorLog {
  public:
   void write(std::string_view message) noexcept override;

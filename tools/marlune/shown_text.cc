@@ -6,11 +6,11 @@ namespace marlune::tool {
 
 namespace {
 
-// How many bytes the control character at the start of `text` takes; 0 when there is none.
+// Length in bytes of the control character at the start of `text`; 0 if there is none.
 std::size_t controlLength(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
   if (first < 0x20 || first == 0x7F) return 1;
-  // U+0080 to U+009F are two bytes in UTF-8, of which the second is the number.
+  // U+0080 to U+009F take two bytes in UTF-8; the second byte equals the number.
   if (first != 0xC2 || text.size() < 2) return 0;
   const auto second = static_cast<unsigned char>(text[1]);
   return second >= 0x80 && second <= 0x9F ? 2 : 0;

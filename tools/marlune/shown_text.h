@@ -6,16 +6,16 @@
 
 namespace marlune::tool {
 
-// Text as the tool prints it on one line: each control character (U+0000 to U+001F, U+007F to
-// U+009F) as \u{XX} with its number in hexadecimal, so that no word, key or path starts a new line
-// or controls the terminal. Everything else stays, a backslash and bytes that are not UTF-8
-// included.
+// Text for output on one line. Each control character (U+0000 to U+001F, U+007F to U+009F) becomes
+// \u{XX} with its number in hexadecimal, so that no word, key or path can start a new line or
+// control the terminal. Everything else is unchanged, including backslashes and bytes that are not
+// UTF-8.
 std::string shown(std::string_view text);
 
-// The same with a line feed at the end.
+// Like shown, with a line feed at the end.
 std::string shownLine(std::string_view text);
 
-// The same for text that the library laid out itself: its line feeds and tabs stay.
+// Like shown, for text that the library has laid out: line feeds and tabs are kept.
 std::string shownLayout(std::string_view text);
 
 }  // namespace marlune::tool

@@ -13,7 +13,7 @@ namespace marlune::tool {
 
 namespace {
 
-// Of alternatives by the hundred nobody reads more.
+// Longer lists of alternatives are unreadable.
 constexpr std::size_t kMostMembers = 8;
 
 std::string joinedTexts(std::span<const std::shared_ptr<Slot>> slots, std::string_view separator);

@@ -7,9 +7,9 @@
 
 namespace marlune::tool {
 
-// A phrase or pattern as the grammar prints it, with those attributes of each word that the printed
-// form leaves out: "([31:20]){kind=time, seconds=20}". Of many alternatives only the first
-// few are named. "(null)" for nullptr.
+// A phrase or pattern as the grammar prints it, plus the attributes of each word that the printed
+// form omits: "([31:20]){kind=time, seconds=20}". Lists only the first few of many alternatives.
+// "(null)" for nullptr.
 std::string textOf(const SlotSequence* slots);
 
 }  // namespace marlune::tool

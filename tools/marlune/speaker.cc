@@ -18,11 +18,11 @@ namespace marlune::tool {
 
 namespace {
 
-// How often a signal is looked for, and the progress line moves.
+// Interval for checking for signals and updating the progress line.
 constexpr double kTickSeconds = 0.05;
 
 std::string interruptedText(const FileOutput& file) {
-  return "interrupted; what was rendered until then is in " + file.plannedDraftPath();
+  return "interrupted; the part that was rendered is in " + file.plannedDraftPath();
 }
 
 }  // namespace
@@ -48,12 +48,12 @@ Speaker::Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::st
 
 Speaker::~Speaker() {
   if (_file && !_output->failure() && !_file->draftPath().empty()) {
-    complain("not all was rendered; what was is in " + _file->draftPath());
+    complain("the rendering is incomplete; the part that was rendered is in " + _file->draftPath());
   }
 }
 
 void Speaker::say(const Words& files, Playlist& playlist) {
-  if (files.empty()) return;  // an override may say nothing; the queue would wait for something
+  if (files.empty()) return;  // an override may be empty; without items the queue never finishes
   if (_file && !_lastWords) _lastWords.emplace(interruptedText(*_file));
   Interruption interruption;
   _items.forget();
@@ -76,14 +76,14 @@ void Speaker::finish() {
   _lastWords.reset();
 }
 
-// A device may be back for the next phrase, unless there has been none yet.
+// A lost device may come back for the next phrase: fatal only if none has ever been opened.
 void Speaker::_throwLosses(std::size_t recordings) {
   if (_file || !_output->hasOpened()) {
     if (const auto failure = _output->failure()) throw InputError(*failure);
   }
   const auto failure = _output->takeFailure();
   const std::string losses = _items.lossesAmong(recordings);
-  if (!losses.empty()) throw PhraseError("it was not said whole: " + failure.value_or(losses));
+  if (!losses.empty()) throw PhraseError("it was not played completely: " + failure.value_or(losses));
 }
 
 void Speaker::_runUntilHeard(const Playlist& playlist, const Interruption& interruption) {
@@ -98,7 +98,8 @@ void Speaker::_runUntilHeard(const Playlist& playlist, const Interruption& inter
   _awaitNewQueue(interruption);
 }
 
-// A queue that has failed is replaced when the player gets the notice. Until then it takes nothing.
+// The player replaces a failed queue when its notification arrives; until then nothing can be
+// queued.
 void Speaker::_awaitNewQueue(const Interruption& interruption) {
   const auto hasFailed = [this] {
     const auto queue = _queue.lock();
@@ -110,7 +111,7 @@ void Speaker::_awaitNewQueue(const Interruption& interruption) {
   }
 }
 
-// The session is released half a second after the sound stops; the loop runs until then.
+// The session is released half a second after the sound stops; runs the loop until then.
 void Speaker::_silence() {
   _player->stopAllSounds();
   while (const auto seconds = _loop->secondsUntilNext()) {

@@ -17,24 +17,24 @@
 
 namespace marlune::tool {
 
-// Plays phrases, one after the other, on the sound device or into a file, and runs the main
-// thread's loop meanwhile. One in a process.
+// Plays phrases one after another, on the sound device or into a file, and runs the main thread's
+// loop while they play. At most one per process.
 class Speaker {
  public:
-  // An empty `outputPath` is the sound device. Throws InputError when the path cannot be rendered
-  // to, see requireUsableOutput. Opens nothing yet.
+  // An empty `outputPath` means the sound device. Throws InputError if the path is not a usable
+  // output (see requireUsableOutput). Does not open the output.
   Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::string& outputPath);
-  // Writes where the draft lies when a file was begun and not finished.
+  // Prints the path of the draft if a file was started but not finished.
   ~Speaker();
 
-  // Plays the recordings, and returns when the last one has been heard or written. Throws
-  // PhraseError when one of them was not delivered to its last sample, be it that the sound device
-  // was lost meanwhile. Throws InputError when the file cannot be written, or when there is no
-  // sound device from the start. Ctrl-C silences it and ends the process.
+  // Plays the recordings and returns when the last one has been heard or written. Throws
+  // PhraseError if one of them was not delivered to its last sample, for example because the sound
+  // device was lost. Throws InputError if the file cannot be written, or if no sound device could
+  // ever be opened. Ctrl-C stops the sound and ends the process.
   void say(const Words& files, Playlist& playlist);
 
-  // Closes the output, and gives a file its name. Throws InputError when it turns out to have been
-  // lost: what a file holds last is written only now.
+  // Closes the output and renames the draft to the file. The last of the sound is written only
+  // here; throws InputError if that or any earlier write failed.
   void finish();
 
  private:
@@ -47,7 +47,7 @@ class Speaker {
   const std::shared_ptr<RunLoop> _loop = std::make_shared<RunLoop>();
   std::shared_ptr<FileOutput> _file;  // null for the sound device
   std::shared_ptr<WatchedOutput> _output;
-  std::optional<LastWords> _lastWords;  // once a file has been begun
+  std::optional<LastWords> _lastWords;  // from the first phrase rendered to a file
   QueuedItems _items;
   std::weak_ptr<QueuePlayer> _queue;  // the player's
   std::unique_ptr<Player> _player;

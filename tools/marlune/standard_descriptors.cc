@@ -5,7 +5,8 @@
 
 namespace marlune::tool {
 
-// Each is opened for the wrong direction: the lowest free descriptor is the one that open returns.
+// Opens each for the wrong direction, so that using it fails. open returns the lowest free
+// descriptor.
 void occupyStandardDescriptors() {
   for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
     if (::fcntl(descriptor, F_GETFD) != -1) continue;

@@ -3,9 +3,9 @@
 
 namespace marlune::tool {
 
-// Occupies those of the descriptors 0, 1 and 2 that the process was started without, so that no
-// file opened later gets the number and is read as phrases or written with answers and messages.
-// Reading or writing them still fails with "bad file descriptor". Call it first.
+// Opens each of the descriptors 0, 1 and 2 that is closed when the process starts, so that no file
+// opened later gets that number and is mistaken for a standard stream. Reading from or writing to
+// such a descriptor still fails with "bad file descriptor". Call it first.
 void occupyStandardDescriptors();
 
 }  // namespace marlune::tool

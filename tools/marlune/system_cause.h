@@ -5,7 +5,7 @@
 
 namespace marlune::tool {
 
-// What an errno means, as a part of a sentence: "no space left on device".
+// The meaning of an errno as part of a sentence: "no space left on device".
 std::string systemCause(int error);
 
 }  // namespace marlune::tool

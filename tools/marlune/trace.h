@@ -7,10 +7,10 @@
 
 namespace marlune::tool {
 
-// The trace as a grammar author reads it: the rules that changed the phrase, be it nothing but an
-// attribute, in order, each with its path below the grammar, its place among its siblings, what it
-// looks for, what it logged and what the phrase became, and a count of all. A rule that only logged
-// shows too, without a phrase.
+// A trace for grammar authors. Lists, in order, the rules that changed the phrase (an attribute
+// counts as a change), each with its path below the grammar, its order, its pattern, what it logged
+// and the resulting phrase; then the number of rules. A rule that only logged is listed without a
+// phrase.
 //
 //     _E.([ten]).([km])._E
 //       Lengths.Units (3): ([km]) after ([ten])

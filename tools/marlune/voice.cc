@@ -18,7 +18,7 @@ namespace marlune::tool {
 
 namespace {
 
-// Words in the longest recording that a message takes into account.
+// Length in words of the longest recording considered when explaining a failure.
 constexpr std::size_t kLongestPart = 10;
 
 void requireFolder(const std::string& folder) {
@@ -34,7 +34,7 @@ Voice::Voice(const std::string& folder, const std::string& overridesPath)
   requireFolder(folder);
   _decomposer = Decomposer::initWithDirectory("", _bundle);
   if (_decomposer->availableSoundFiles().empty()) {
-    throw InputError(folder + ": there is no recording (a file *.aif) in this folder");
+    throw InputError(folder + ": this folder contains no recordings (*.aif)");
   }
   if (overridesPath.empty()) return;
   const Overrides overrides = readOverridesFile(overridesPath);
@@ -45,7 +45,7 @@ Voice::Voice(const std::string& folder, const std::string& overridesPath)
 Voice::Answer Voice::filesFor(const Words& words) {
   const std::shared_ptr<const Words> files = _decomposer->optimalDecompositionOf(words);
   if (!files) return {nullptr, _reasonAgainst(words)};
-  // Only an override can name what is not there: the search chooses among the files.
+  // Only an override can name a missing recording: the search chooses among existing files.
   const Words missing = _overrides ? _missingAmong(*files) : Words();
   if (!missing.empty()) {
     return {nullptr, "the overrides name recordings that do not exist: " + quoted(missing)};
@@ -65,9 +65,9 @@ std::string Voice::_reasonAgainst(const Words& words) {
     if (names.size() <= kMostQuoted && !isIn(names, words[i])) names.push_back(words[i]);
   }
   if (!missing.empty()) return "no recording of " + quoted(missing) + _caseHint(missing);
-  if (!dependent.empty()) return "no recording of its own for " + quoted(dependent);
+  if (!dependent.empty()) return "no separate recording of " + quoted(dependent);
   if (!_overrides) return "it is too long to be decomposed";
-  return "the overrides take more recordings than there are words, or it is too long to be "
+  return "the overrides use more recordings than there are words, or it is too long to be "
          "decomposed";
 }
 
@@ -78,7 +78,7 @@ std::string Voice::_caseHint(const Words& missing) const {
 }
 
 bool Voice::_canSay(const Words& words, std::size_t from, std::size_t to) {
-  // Remembered from the search that failed, so this asks no override anew.
+  // Cached by the search that failed, so the overrides are not asked again.
   const auto start = words.begin();
   const Words part(start + static_cast<std::ptrdiff_t>(from),
                    start + static_cast<std::ptrdiff_t>(to));

@@ -12,17 +12,17 @@
 
 namespace marlune::tool {
 
-// The recordings in a folder, with or without an overrides file: which of them say a phrase, and
-// if none do, why not.
+// The recordings in a folder, with an optional overrides file. Finds the recordings that say a
+// phrase, or the reason why there are none.
 class Voice {
  public:
-  // Throws InputError when the folder cannot be read or holds no recording, or when the overrides
-  // make no sense. An empty `overridesPath` is no overrides.
+  // Throws InputError if the folder cannot be read or contains no recordings, or if the overrides
+  // are invalid. An empty `overridesPath` means no overrides.
   Voice(const std::string& folder, const std::string& overridesPath);
 
   struct Answer {
-    std::shared_ptr<const Words> files;  // nullptr: the phrase cannot be said
-    std::string reason;                  // then why: the words without a recording
+    std::shared_ptr<const Words> files;  // nullptr if the phrase cannot be said
+    std::string reason;                  // set if `files` is null: the words without a recording
   };
   Answer filesFor(const Words& words);
 
@@ -32,7 +32,7 @@ class Voice {
   std::string _reasonAgainst(const Words& words);
   std::string _caseHint(const Words& missing) const;
   bool _canSay(const Words& words, std::size_t from, std::size_t to);  // the words [from, to)
-  bool _isCovered(const Words& words, std::size_t index);  // as a part of a longer recording
+  bool _isCovered(const Words& words, std::size_t index);  // by a longer recording
   Words _missingAmong(const Words& files) const;
 
   std::shared_ptr<const FolderBundle> _bundle;

@@ -12,17 +12,17 @@
 
 namespace marlune::tool {
 
-// An output that remembers what went wrong with it: the player logs a failure and goes on.
+// An output that remembers its first failure. The player only logs failures and continues.
 class WatchedOutput : public AudioOutput {
  public:
   explicit WatchedOutput(std::shared_ptr<AudioOutput> output) : _output(std::move(output)) {}
 
-  // The first failure to open, or loss up to the closing, since it was taken last, as a sentence.
-  // Any thread.
+  // The first failure to open, or loss up to the closing, since takeFailure was last called, as a
+  // sentence. Any thread.
   std::optional<std::string> failure() const;
   std::optional<std::string> takeFailure();
 
-  // Whether it could be opened so far. Main thread.
+  // Whether an open has ever succeeded. Main thread.
   bool hasOpened() const { return _hasOpened; }
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;

@@ -19,7 +19,7 @@ namespace {
 
 using Positions = std::vector<std::int32_t>;
 
-// The lines about one turn, without their indentation.
+// The lines about one turn, not indented.
 class Reasons {
  public:
   explicit Reasons(const Turn& turn)
@@ -31,7 +31,7 @@ class Reasons {
     const CapturedLog quiet;
     for (const std::int32_t index : _positions({}, {})) _explain(index);
     if (_lines.empty()) {
-      _lines.push_back("its significant slots " + textOf(&_significant()) + " are found nowhere");
+      _lines.push_back("its significant slots " + textOf(&_significant()) + " were not found");
     }
     return _lines;
   }
@@ -41,7 +41,7 @@ class Reasons {
  private:
   const SimpleSlotSequence& _significant() const { return *_leftHandSide->significantSlots(); }
 
-  // Where the significant slots stand between these contexts.
+  // Positions of the significant slots between these contexts.
   Positions _positions(const SlotArray& before, const SlotArray& after) const {
     return SlotsInContext::initWithArraysForSignificantSlots(_significant().slots(), before, after)
         ->indicesOfOccurrencesInTarget(*_turn.before);
@@ -56,10 +56,10 @@ class Reasons {
     const SlotSequence& post = *_leftHandSide->postContext();
     if (!std::ranges::count(_positions(pre.slots(), {}), index)) {
       _lines.push_back("found" + place + ", but the pre-context " + textOf(&pre) +
-                       " does not stand before it");
+                       " does not precede it");
     } else if (!std::ranges::count(_positions({}, post.slots()), index)) {
       _lines.push_back("found" + place + ", but the post-context " + textOf(&post) +
-                       " does not stand after it");
+                       " does not follow it");
     } else {
       _explainProduction("applies" + place, position, occurrence.get());
     }
@@ -67,7 +67,7 @@ class Reasons {
 
   void _explainProduction(const std::string& application, std::size_t position,
                           const SimpleSlotSequence* occurrence) {
-    // What an occurrence finds that overlaps a rewritten one is no longer what stands here.
+    // An occurrence that overlaps a rewritten one no longer matches the slots in `before`.
     const bool overlaps = position < _end;
     const auto key = overlaps ? std::nullopt : _missingKey(occurrence);
     if (key) {
@@ -75,7 +75,7 @@ class Reasons {
                        "\" has no expansion (" + _expansionKeys() + ")");
       return;
     }
-    _lines.push_back(application + (overlaps ? ", overlapping the one before" : ""));
+    _lines.push_back(application + (overlaps ? ", overlapping the previous one" : ""));
     _end = position + std::max<std::size_t>(1, _significant().count());
   }
 
@@ -92,7 +92,7 @@ class Reasons {
       std::string key = _conditional()->keyForOccurrence(occurrence);
       if (!_conditional()->expansionForKey(key)) return key;
     } catch (const std::out_of_range&) {
-      // The rule's own message tells.
+      // The rule logs its own message.
     }
     return std::nullopt;
   }
@@ -111,10 +111,10 @@ class Reasons {
   const Turn& _turn;
   const SlotsInContext* _leftHandSide;
   std::vector<std::string> _lines;
-  std::size_t _end = 0;  // of the last occurrence that the rule applies to
+  std::size_t _end = 0;  // end of the last occurrence that the rule applies to
 };
 
-// The later rules that replaced words which this turn made; a word is followed as the very slot.
+// Names the later rules that replaced words made in this turn. Words are tracked by slot identity.
 std::string laterRulesOver(const Turn& turn, std::span<const Turn> later) {
   SlotArray made;
   const auto isIn = [](const PhrasePointer& phrase) {
@@ -139,9 +139,9 @@ std::vector<std::string> linesAbout(const Turn& turn, std::span<const Turn> late
   if (turn.after != turn.before) {
     lines.push_back("the phrase became " + textOf(turn.after.get()));
     const std::string names = laterRulesOver(turn, later);
-    if (!names.empty()) lines.push_back("what it made was replaced later by " + names);
+    if (!names.empty()) lines.push_back("its result was replaced later by " + names);
   } else if (reasons.applies()) {
-    lines.emplace_back("the phrase stayed as it was");
+    lines.emplace_back("the phrase did not change");
   }
   return lines;
 }

@@ -7,8 +7,8 @@
 
 namespace marlune::tool {
 
-// What an author calls a rule: the end of its path, from its own name alone up to the path with the
-// grammar's name in front, as the grammar's error messages have it.
+// The name by which the user refers to a rule: any suffix of its path, from the rule's own name up
+// to the path with the grammar's name in front, as in the grammar's error messages.
 struct RuleName {
   std::string rule;
   std::string grammar;
@@ -16,11 +16,11 @@ struct RuleName {
   bool isOf(const Turn& turn) const;
 };
 
-// For each rule of that name: the phrase at its turn, and why the rule did or did not fire there;
-// "" when there is none. Positions count from 0, a leading blank included, as in error messages.
+// For each rule of that name: the phrase at its turn, and why the rule did or did not apply; "" if
+// there is no such rule. Positions count from 0, a leading blank included, as in error messages.
 //
 //     Lengths.Units (3) at its turn: _E.([ten]).([km])._E
-//       found at 2, ([km]), but the pre-context ([a]) does not stand before it
+//       found at 2, ([km]), but the pre-context ([a]) does not precede it
 //
 // Every line ends with a line feed.
 std::string whyText(const GrammarWalk& walk, const RuleName& name);

@@ -1,7 +1,8 @@
 # Completes the tool's commands, options, files and folders in bash. Needs nothing but bash itself.
 # shellcheck shell=bash
 
-# The folders that begin like $1, and the files that do and match one of the patterns behind it.
+# The folders that begin with $1, and the files that begin with it and match one of the other
+# arguments, which are patterns.
 _marlune_files() {
   local word=$1 pattern
   shift
@@ -14,7 +15,7 @@ _marlune_files() {
 
 _marlune() {
   local word=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]} words=''
-  # "--trace=raw" comes as three words.
+  # bash splits "--trace=raw" into three words.
   case $word in
     =) word='' option+='=' ;;
     *) [[ $option != = ]] || option="${COMP_WORDS[COMP_CWORD - 2]}=" ;;
@@ -26,7 +27,7 @@ _marlune() {
     --sounds | --sounds=) _marlune_files "$word" ;;
     --trace=) words='rules raw' ;;
     *=) ;;
-    --name | --why) ;;  # only the grammar knows
+    --name | --why) ;;  # needs the grammar
     *)
       [[ $COMP_CWORD == 1 || $word == -* ]] || return
       case $((COMP_CWORD > 1)):${COMP_WORDS[1]} in
