@@ -8,7 +8,8 @@ namespace marlune::tool {
 
 namespace {
 
-// A comparison with a prefix key logs one line, and a second one if it matches. Suffix keys log none.
+// A comparison with a prefix key logs one line, and a second one if it matches. Suffix keys log
+// none.
 bool isOfComparison(std::string_view line) {
   return line.starts_with("Prefix! ") || line.starts_with("MATCH!");
 }

@@ -13,11 +13,10 @@ using PhrasePointer = std::shared_ptr<const SimpleSlotSequence>;
 
 // One application of one rule to a phrase.
 struct Turn {
-  std::string path;      // part names, from below the root down to the rule:
-                         // "A.B"
-  const Rule* rule;      // owned by the grammar
-  PhrasePointer before;  // with a blank at each end
-  PhrasePointer after;   // the same object as `before` if the rule changed nothing
+  std::string path;                   // part names below the root, joined: "A.B"
+  const Rule* rule;                   // owned by the grammar
+  PhrasePointer before;               // with a blank at each end
+  PhrasePointer after;                // the same object as `before` if the rule changed nothing
   std::vector<std::string> messages;  // what the rule logged, without the comparisons
 };
 

@@ -83,7 +83,8 @@ void Speaker::_throwLosses(std::size_t recordings) {
   }
   const auto failure = _output->takeFailure();
   const std::string losses = _items.lossesAmong(recordings);
-  if (!losses.empty()) throw PhraseError("it was not played completely: " + failure.value_or(losses));
+  if (!losses.empty())
+    throw PhraseError("it was not played completely: " + failure.value_or(losses));
 }
 
 void Speaker::_runUntilHeard(const Playlist& playlist, const Interruption& interruption) {

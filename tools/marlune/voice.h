@@ -32,7 +32,7 @@ class Voice {
   std::string _reasonAgainst(const Words& words);
   std::string _caseHint(const Words& missing) const;
   bool _canSay(const Words& words, std::size_t from, std::size_t to);  // the words [from, to)
-  bool _isCovered(const Words& words, std::size_t index);  // by a longer recording
+  bool _isCovered(const Words& words, std::size_t index);              // by a longer recording
   Words _missingAmong(const Words& files) const;
 
   std::shared_ptr<const FolderBundle> _bundle;
