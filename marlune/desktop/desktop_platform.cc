@@ -23,7 +23,7 @@ std::shared_ptr<Preferences> preferencesFor(const DesktopOptions& options) {
                                            options.preferencesDomain);
 }
 
-// Makes queues over one route; none without a main thread, which is logged once.
+// Creates queues over one route. Without a main thread it returns null, and logs that once.
 class QueueMaker {
  public:
   explicit QueueMaker(std::shared_ptr<AudioRoute> route) : _route(std::move(route)) {}

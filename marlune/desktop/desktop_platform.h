@@ -10,32 +10,32 @@
 
 namespace marlune {
 
-// What an app may choose about the services of a desktop.
+// Options for the desktop services.
 struct DesktopOptions {
-  // The app's own preferences domain, its reverse-DNS identifier.
+  // The app's own preferences domain, a reverse-DNS identifier.
   std::string preferencesDomain = "marlune";
-  // Where preferences are kept; empty: the marlune folder in the user's configuration folder.
+  // The folder for preference files. Empty: the marlune folder in the user's configuration folder.
   std::string preferencesFolder{};
-  // Where lines go; null: to standard error, or where they went before.
+  // The system log. Null: keep the current log, or log to standard error if there is none.
   std::shared_ptr<SystemLog> systemLog = nullptr;
 };
 
-// Fills the process's table of services (Platform::shared) with those of a Linux desktop. A service
-// that the app has put there before stays, unless an option names another. Opens no device and
-// reads no file.
+// Fills the process-wide table of services (Platform::shared) with those of a Linux desktop. Keeps
+// any service that the app has set before, unless an option replaces it. Opens no device and reads
+// no file.
 //
-// Returns the run loop in the table; null when the app has put a main thread of another kind there.
+// Returns the run loop in the table, or null if the app has set a main thread of another type.
 //
-// Threads: the main thread only, once, at start: a run loop is made for the calling thread.
+// Threads: main thread only, once at start. The run loop is created for the calling thread.
 std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options = {});
 
-// Puts an audio session, a queue player and its items into the table, in the place of those that
-// were there, all playing to `output`: the sound device (makeDeviceOutput), a file (FileOutput), a
-// clock (ClockOutput) or one of the app's own. Before anything plays; opens nothing. Without a main
-// thread in the table no queue player is made, and one line says so: a queue has threads of its
-// own, and without a main thread the player would run on them.
+// Sets the audio session and the factories of queue players and items, replacing any previous ones.
+// All play to `output`: the sound device (makeDeviceOutput), a file (FileOutput), a clock
+// (ClockOutput) or an output of the app's own. Call it before anything plays; it opens nothing. If
+// the table has no main thread, no queue player is created and one line is logged: a queue has its
+// own threads, and without a main thread the player would run on them.
 //
-// Threads: the main thread only.
+// Threads: main thread only.
 void installDesktopAudio(std::shared_ptr<AudioOutput> output);
 
 }  // namespace marlune

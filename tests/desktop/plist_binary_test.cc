@@ -91,7 +91,7 @@ TEST(PlistBinaryTest, AnErrorSaysTheByteAndWhatWasExpected) {
       {"\x5f\x13" + std::string(8, '\xff') + "km",
        "byte 8: expected an object inside the file, found one of 18446744073709551615 items"},
       {"\x5f\x52km", "byte 8: expected a count, found an object marked 0x52"},
-      {"\xa1\0\0"s, "byte 8: expected a tree, found an object that holds itself"},
+      {"\xa1\0\0"s, "byte 8: expected a tree, found an object that contains itself"},
       {"\xa1\0\1"s, "byte 8: expected one of 1 objects, found a reference to 1"},
   };
   for (const auto& c : kCases) {

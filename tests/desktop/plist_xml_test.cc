@@ -217,7 +217,7 @@ TEST(PlistXmlTest, RefusesMoreAttributesThanAnElementHas) {
     attributes += "=''";
   }
   EXPECT_EQ(read(attributes + "><true/></plist>").error,
-            "line 1, column 1: the XML library ran out of the memory that a list may take");
+            "line 1, column 1: ran out of memory parsing the XML");
 }
 
 class PlistFileTest : public testing::Test {

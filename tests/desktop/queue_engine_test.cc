@@ -142,7 +142,7 @@ TEST_F(QueueEngineTest, UnplayableRecordingsAreLeftOutWithoutAGap) {
       {folder.writeBytes("text.aif", std::vector<char>(500, 'x')), "it is not an AIFF file"},
       {folder.write("wave.aif", {1, 2}, kMono, SF_FORMAT_WAV | SF_FORMAT_PCM_16),
        "not an AIFF file"},
-      {folder.write("silent.aif", {}, kMono), "it holds no sound"},
+      {folder.write("silent.aif", {}, kMono), "it contains no sound"},
       {folder.writeBytes("fast.aif", fast), "its sample rate is"},
       {folder.write("wide.aif", Samples(9), {22'050, 9}), "it has 9 channels"},
   };

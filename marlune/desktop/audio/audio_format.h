@@ -3,11 +3,11 @@
 
 namespace marlune {
 
-// How sound is cut up. Samples travel as floats, interleaved, full scale at 1: a sample of 24 bits
-// or fewer survives the way there and back unchanged.
+// The layout of sound. Samples are interleaved floats with full scale at 1, so samples of 24 bits
+// or fewer survive the round trip unchanged.
 struct AudioFormat {
-  int sampleRate = 0;  // frames a second
-  int channels = 0;    // samples a frame
+  int sampleRate = 0;  // frames per second
+  int channels = 0;    // samples per frame
 
   bool operator==(const AudioFormat&) const = default;
 };

@@ -11,43 +11,43 @@
 
 namespace marlune {
 
-// Something that takes sound at its own pace: a device, a file, a clock, a crank.
+// An output that takes sound at its own pace: a device, a file, a clock, or a manual one.
 //
-// Threads: opened and closed on the main thread; the other operations come from the engine's
-// worker, never at the same time as an open or a close.
+// Threads: open and close are called on the main thread. The other operations are called by the
+// engine's worker, never while an open or close is in progress.
 class AudioOutput {
  public:
   virtual ~AudioOutput() = default;
 
   // Starts taking frames from `source`, which the caller keeps alive until the output is closed.
-  // `role` is what kind of sound it is to a sound server that turns others down for some kinds;
-  // empty for a usual one. Returns what went wrong as a sentence; the output is then closed.
+  // `role` tells a sound server which kind of sound this is, as servers duck other programs for
+  // some kinds; empty for ordinary sound. Returns an error as a sentence; the output is then
+  // closed.
   virtual std::optional<std::string> open(AudioSource& source, const std::string& role) = 0;
 
-  // From the return on, the source is not called any more. Closing a closed output does nothing.
+  // The source is not called after this returns. Closing a closed output does nothing.
   virtual void close() = 0;
 
-  // The format that frames are taken in while it is open. An output that has no format of its own
-  // yet takes that of `clip`, the first recording, and keeps it.
+  // The format in which frames are taken while the output is open. An output without a format of
+  // its own adopts that of `clip`, the first recording, and keeps it.
   virtual AudioFormat formatForClip(const AudioFormat& clip) = 0;
 
-  // How many frames after it was taken a frame has been heard.
+  // Output latency: frames from being taken to being audible.
   virtual std::size_t latencyFrames() const { return 0; }
 
-  // Why no sound comes out of the open output any more, as a sentence; nothing while it does.
+  // Why the open output no longer produces sound, as a sentence; nothing while it works.
   virtual std::optional<std::string> loss() const { return std::nullopt; }
 
-  // After how long without taking a frame the output counts as stalled; nothing when it may take
-  // its time.
+  // The output counts as stalled after this long without taking a frame. None: no time limit.
   virtual std::optional<double> stallLimitSeconds() const { return std::nullopt; }
 
-  // How many gaps the output has had since it was made: moments at which the device ran out of
-  // sound, or must have, because frames were taken too late. Gaps in silence count, too. Never
-  // falls; closing and opening keep it.
+  // The number of gaps since the output was created: times when the device ran out of sound, or
+  // must have, because frames were taken too late. Includes gaps in silence. Never decreases;
+  // closing and opening do not reset it.
   virtual std::uint64_t gapCount() const { return 0; }
 
-  // Tells that `frames` decoded frames wait. An output without a pace of its own takes them now;
-  // zero of them still lets the source tidy up.
+  // `frames` decoded frames are available. An output without a pace of its own takes them now; with
+  // zero frames the source can still release its used blocks.
   virtual void takeAvailable(std::size_t frames) { static_cast<void>(frames); }
 };
 

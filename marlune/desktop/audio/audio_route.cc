@@ -17,7 +17,7 @@ void AudioRoute::reopen() {
 std::optional<std::string> AudioRoute::_openLocked(const std::string& role) {
   _closeLocked();
   _role = role;
-  ++_opening;  // before the output takes frames
+  ++_opening;  // before the output takes any frames
   _refusal = _output->open(*this, role);
   _isOpen = !_refusal;
   return _refusal;

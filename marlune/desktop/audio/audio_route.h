@@ -14,61 +14,62 @@
 
 namespace marlune {
 
-// A queue as the route sees it.
+// A queue, as seen by the route.
 class RouteUser : public AudioSource {
  public:
-  // Whether it would be heard if an output were open.
+  // Whether it would be audible if an output were open.
   virtual bool isSounding() const = 0;
 };
 
-// The way from the queues to the output, shared by the audio session, which opens and closes it,
-// and the queues, of which one sounds at a time: the one that was told last to play.
+// Connects the queues to the output. The audio session opens and closes it. Only one queue is
+// audible at a time: the last one started.
 class AudioRoute : private AudioSource {
  public:
   explicit AudioRoute(std::shared_ptr<AudioOutput> output) : _output(std::move(output)) {}
   ~AudioRoute() override { close(); }
 
-  // Main thread. Opens the output, anew when it was lost; does nothing when it is open and well.
-  // Returns what went wrong, as a sentence; the route is then closed.
+  // Main thread. Opens the output, and reopens it if it was lost; does nothing if it is open and
+  // working. Returns an error as a sentence; the route is then closed.
   std::optional<std::string> open(const std::string& role);
-  // Main thread. Opens a closed output again as it was opened last; does nothing before the first
-  // open(). When it fails, whyClosed() says so.
+  // Main thread. Reopens a closed output with the role of the last opening; does nothing before the
+  // first open(). After a failure, whyClosed() has the reason.
   void reopen();
   // Main thread.
   void close();
 
   // Any thread.
   bool isOpen() const;
-  std::string whyClosed() const;  // as a sentence: what the last opening was refused for, if it was
-  bool isSounding() const;        // whether the user in place does
+  std::string whyClosed() const;  // as a sentence: why the last opening failed, if it did
+  bool isSounding() const;        // of the current user
   const std::shared_ptr<AudioOutput>& output() const { return _output; }
 
-  // Makes `user` the one that sounds. Main thread.
+  // Makes `user` the audible one. Main thread.
   void enter(RouteUser& user);
-  // From the return on, `user` is not called any more. Any thread.
+  // `user` is not called after this returns. Any thread.
   void leave(const RouteUser& user);
 
-  // Which opening of the output this is, or was while the route is closed; 0 before the first. Any
-  // thread, the callback's included, for which it is that of the frames it takes.
+  // The number of the current opening of the output, or of the last one while the route is closed;
+  // 0 before the first. Any thread, including the callback, where it identifies the opening that
+  // takes the frames.
   std::uint64_t opening() const noexcept { return _opening.load(); }
 
-  // What the worker of a queue asks, any thread. All answer or do nothing while the route is
-  // closed.
+  // For a queue's worker; any thread. While the route is closed, these return nothing or do
+  // nothing.
   struct State {
     std::uint64_t opening = 0;
-    bool isMine = false;  // the asking user is the one that sounds
+    bool isMine = false;  // the calling user is the audible one
     std::size_t latencyFrames = 0;
     std::optional<double> stallLimitSeconds;
-    std::optional<std::string> loss;  // why nothing is heard any more
+    std::optional<std::string> loss;  // why there is no sound any more
     std::uint64_t gapCount = 0;       // see AudioOutput
   };
   std::optional<State> stateFor(const RouteUser& user) const;
-  // Nothing also when the output is not in `opening` any more.
+  // Also nothing if `opening` is no longer the current opening.
   std::optional<AudioFormat> formatForClip(const AudioFormat& clip, std::uint64_t opening);
   void takeAvailable(const RouteUser& user, std::size_t frames);
 
-  // Records that the opened output is lost; the next open() opens it anew. Does nothing when
-  // `opening` is over already.
+  // Records that the opened output is lost, so that the next open() reopens it. Does nothing if
+  // `opening` is no longer the current opening.
   void setLost(std::uint64_t opening, std::string reason);
 
  private:
@@ -85,13 +86,13 @@ class AudioRoute : private AudioSource {
 
   const std::shared_ptr<AudioOutput> _output;
   SourceGate _gate;
-  mutable std::mutex _mutex;  // never taken by the callback; for all below
+  mutable std::mutex _mutex;  // never locked by the callback; guards all below
   bool _isOpen = false;
-  std::atomic<std::uint64_t> _opening = 0;  // changes while the output is closed
+  std::atomic<std::uint64_t> _opening = 0;  // changes only while the output is closed
   std::optional<std::string> _lost;
   std::optional<std::string> _role;     // of the last opening; nothing before the first
   std::optional<std::string> _refusal;  // of the last opening
-  mutable std::mutex _userMutex;        // inside _mutex or alone
+  mutable std::mutex _userMutex;        // locked after _mutex, or alone
   RouteUser* _user = nullptr;
 };
 

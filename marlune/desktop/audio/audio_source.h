@@ -5,22 +5,22 @@
 
 namespace marlune {
 
-// Where an output gets its sound from.
+// A source of sound for an output.
 class AudioSource {
  public:
   virtual ~AudioSource() = default;
 
-  // Fills `count` frames of `channels` interleaved samples and returns how many of them, from the
-  // first on, are sound; the rest is silence. Called by one thread at a time, the device's own as
-  // a rule: takes no lock, allocates and frees nothing, never waits.
+  // Fills `count` frames of `channels` interleaved samples. Returns how many of them, from the
+  // first, are sound; the rest is silence. Called by one thread at a time, usually the device's
+  // own. It takes no lock, does not allocate or free, and never waits.
   virtual std::size_t render(float* frames, std::size_t count, int channels) noexcept = 0;
 
-  // The same with samples of 16 bits, for outputs that take those. This one renders floats and
+  // The same with 16-bit samples, for outputs that take those. This default renders floats and
   // rounds them.
   virtual std::size_t renderShorts(short* frames, std::size_t count, int channels) noexcept;
 
-  // Tells the source that its frames have been taken, so that it can go on at once instead of when
-  // it looks next. For outputs whose thread may take a lock; a device's must not call it.
+  // Notifies the source that frames were taken, so that it can proceed at once instead of at its
+  // next poll. Only for outputs whose thread may take a lock; a device's thread must not call it.
   virtual void rendered() {}
 };
 

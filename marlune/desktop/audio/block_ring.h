@@ -9,19 +9,19 @@ namespace marlune {
 
 struct SoundBlock;
 
-// Hands blocks from one thread to another without a lock. Has room for every block there is, so
-// putting never fails.
+// Passes blocks from one thread to another without a lock. Capacity covers every existing block, so
+// put never fails.
 template <std::size_t Capacity>
 class BlockRing {
  public:
-  // By the one thread that puts. REQUIRES: fewer than Capacity blocks inside.
+  // Producer thread only. REQUIRES: fewer than Capacity blocks in the ring.
   void put(SoundBlock* block) noexcept {
     const std::size_t end = _end.load(std::memory_order_relaxed);
     _blocks[end % Capacity] = block;
     _end.store(end + 1, std::memory_order_release);
   }
 
-  // By the one thread that takes. Null when there is none.
+  // Consumer thread only. Null if the ring is empty.
   SoundBlock* take() noexcept {
     const std::size_t begin = _begin.load(std::memory_order_relaxed);
     if (begin == _end.load(std::memory_order_acquire)) return nullptr;
@@ -32,7 +32,7 @@ class BlockRing {
 
  private:
   std::array<SoundBlock*, Capacity> _blocks = {};
-  // Apart, so that the two threads do not share a cache line.
+  // On separate cache lines, to avoid false sharing between the two threads.
   alignas(64) std::atomic<std::size_t> _begin = 0;
   alignas(64) std::atomic<std::size_t> _end = 0;
 };

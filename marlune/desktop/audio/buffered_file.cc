@@ -15,9 +15,10 @@ namespace marlune {
 
 namespace {
 
-// Holds the header of most recordings: for many a header is all that is read at first.
+// Holds the header of most recordings; at first only the header is read of many.
 constexpr std::size_t kFirstBytes = std::size_t{4} * 1024;
-// Fits most recordings of a word. A larger one costs more in fresh pages than it saves in calls.
+// Holds most single-word recordings. A larger buffer costs more in page faults than it saves in
+// system calls.
 constexpr std::size_t kBufferBytes = std::size_t{32} * 1024;
 
 BufferedFile& fileFrom(void* user) { return *static_cast<BufferedFile*>(user); }
@@ -73,7 +74,7 @@ bool BufferedFile::_fill() {
 
 sf_count_t BufferedFile::seek(sf_count_t offset, int whence) {
   const sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? _position : _size;
-  // A corrupt header can send the reader anywhere, past what can be added up included.
+  // A corrupt header can request any position, including one whose sum overflows.
   if (__builtin_add_overflow(base, offset, &offset) || offset < 0) return -1;
   return _position = offset;
 }

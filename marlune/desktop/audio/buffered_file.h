@@ -10,13 +10,12 @@
 
 namespace marlune {
 
-// A regular file behind one buffer, in the form in which libsndfile takes a file that it did not
-// open itself. The library reads headers field by field, a system call or two each; with the
-// buffer in between a short recording costs one read.
+// A regular file with one buffer, as virtual I/O for libsndfile. The library reads headers field by
+// field, with one or two system calls each; through the buffer a short recording takes one read.
 class BufferedFile {
  public:
-  // Opens for reading. Null when that fails or when the path leads to something other than a
-  // regular file, and then `cause` says why. Never blocks on a FIFO or a device.
+  // Opens the file for reading. Returns null and sets `cause` if that fails or if the path does not
+  // lead to a regular file. Never blocks on a FIFO or a device.
   static std::unique_ptr<BufferedFile> open(const std::string& path, std::string& cause);
 
   ~BufferedFile();
@@ -28,7 +27,7 @@ class BufferedFile {
   sf_count_t seek(sf_count_t offset, int whence);
   sf_count_t position() const { return _position; }
 
-  // The operations above as libsndfile wants them; its user data is the BufferedFile.
+  // The operations above as libsndfile's table; its user data is the BufferedFile.
   static SF_VIRTUAL_IO& operations();
 
  private:
@@ -38,7 +37,7 @@ class BufferedFile {
   int _descriptor;
   sf_count_t _size = 0;
   sf_count_t _position = 0;
-  std::vector<char> _buffer;  // the bytes of the file from _start on
+  std::vector<char> _buffer;  // bytes of the file from _start
   sf_count_t _start = 0;
 };
 

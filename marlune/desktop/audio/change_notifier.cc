@@ -55,7 +55,8 @@ void ChangeNotifier::stop() {
     _isStopping = true;
     _changed.notify_all();
   }
-  // No observer is being called now: its caller holds a share of the queue, which ends here.
+  // No observer is being called: its caller holds a share of the queue, and the last share is
+  // released here.
   endThread(_thread);
 }
 
@@ -80,12 +81,12 @@ void ChangeNotifier::_deliver(Lock& lock, std::string_view keyPath) {
   for (const Observation& each : observations) {
     const bool isMeant = each.keyPath == keyPath && (each.options & QueuePlayer::kNewValue);
     const auto place = std::find(_observations.begin(), _observations.end(), each);
-    if (!isMeant || place == _observations.end()) continue;  // removed by one called before
+    if (!isMeant || place == _observations.end()) continue;  // removed by an earlier observer
     std::shared_ptr<QueuePlayer> owner = _owner.lock();
     if (!owner || _isStopping) return;
     lock.unlock();
     each.observer->observeValueForKeyPath(keyPath, owner);
-    owner.reset();  // without the lock: it may be the last share
+    owner.reset();  // unlocked: it may be the last share
     lock.lock();
   }
 }

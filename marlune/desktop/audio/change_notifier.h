@@ -14,29 +14,30 @@
 
 namespace marlune {
 
-// Delivers a queue's changes to its observers on a thread of its own, since an observer may wait
-// for the main thread. No lock is held meanwhile, but a share of the queue is.
+// Calls a queue's observers on its own thread, because an observer may wait for the main thread. No
+// lock is held during the call, but a share of the queue is.
 //
-// Any thread may call what is not marked otherwise.
+// Threads: any, unless stated otherwise.
 class ChangeNotifier : public std::enable_shared_from_this<ChangeNotifier> {
  public:
-  // The queue that the changes are of; once, before anything else. It is not kept alive.
+  // Sets the queue whose changes are reported, once, before anything else. The queue is not kept
+  // alive.
   void setOwner(std::weak_ptr<QueuePlayer> owner);
 
-  // See QueuePlayer. An initial value is delivered at once, on the calling thread.
+  // See QueuePlayer. An initial value is delivered immediately on the calling thread.
   void addObserver(QueuePlayerObserver* observer, std::string_view keyPath, unsigned options);
   void removeObserver(QueuePlayerObserver* observer, std::string_view keyPath);
 
-  // Has the observers of `keyPath` called soon, and never waits. A change that is not delivered
-  // yet covers later ones of the same key path. `keyPath` must outlive the notifier.
+  // Schedules a call of the observers of `keyPath`, without waiting. Changes of the same key path
+  // are merged until they are delivered. `keyPath` must outlive the notifier.
   void post(std::string_view keyPath);
 
   // Whether every change has been delivered.
   bool isIdle() const;
-  // Returns when every change has been delivered, or after stop().
+  // Returns after every change has been delivered, or after stop().
   void waitUntilIdle() const;
 
-  // Ends the thread: pending changes are dropped. The last call.
+  // Ends the thread and drops pending changes. Call nothing afterwards.
   void stop();
 
  private:
@@ -51,9 +52,9 @@ class ChangeNotifier : public std::enable_shared_from_this<ChangeNotifier> {
   void _run();
   void _deliver(Lock& lock, std::string_view keyPath);
 
-  mutable std::mutex _mutex;  // for all below
+  mutable std::mutex _mutex;  // guards all below
   mutable std::condition_variable _changed;
-  std::thread _thread;  // runs from the first change on
+  std::thread _thread;  // started by the first change
   std::weak_ptr<QueuePlayer> _owner;
   std::vector<Observation> _observations;
   std::deque<std::string_view> _pending;

@@ -9,27 +9,26 @@ namespace marlune {
 
 namespace {
 
-// At least as long as half of the resampler's filter for every pair of usual rates.
+// At least half the length of the resampler's filter for all common rates.
 constexpr std::size_t kMinMarginFrames = 512;
-// Beyond this a margin that is a whole number of frames at both rates is not worth its cost.
+// Upper limit: beyond it, a margin of whole frames at both rates is not worth its cost.
 constexpr std::size_t kMaxMarginFrames = 8'192;
 
-// A number of frames of the clip that is a whole number of frames of the output too, so that
-// cutting the margin off shifts nothing. REQUIRES: rates above 0.
+// A number of frames of the clip that is also a whole number of output frames, so that removing the
+// margin does not shift the sound. REQUIRES: rates above 0.
 std::size_t marginOf(int fromRate, int toRate) {
   const auto unit = static_cast<std::size_t>(fromRate / std::gcd(fromRate, toRate));
   if (unit == 0 || unit > kMaxMarginFrames) return kMaxMarginFrames;
   return (kMinMarginFrames + unit - 1) / unit * unit;
 }
 
-// frames × toRate / fromRate, rounded to the nearest.
+// frames × toRate / fromRate, rounded to nearest.
 std::int64_t atRate(std::int64_t frames, int fromRate, int toRate) {
   return (frames * toRate + fromRate / 2) / fromRate;
 }
 
-// Appends `count` frames that go on beyond the last frame of `tail` (or, backwards, beyond its
-// first) as the sound's own reflection about that frame. Where `tail` is too short for that, the
-// last value reached is held.
+// Appends `count` frames that continue the sound beyond the last frame of `tail` (or, backwards,
+// before its first) by reflection about that frame. If `tail` is too short, the last value is held.
 void appendReflection(const std::vector<float>& tail, std::size_t channels, std::size_t count,
                       bool isAtEnd, std::vector<float>& to) {
   const std::size_t frames = tail.size() / channels;
@@ -161,8 +160,8 @@ void ClipConverter::_handOut(bool isWhole, std::vector<float>& to) {
   _resampled.erase(_resampled.begin(), _resampled.begin() + static_cast<long>(used));
 }
 
-// More channels than there are fold onto those that are, each the mean of what falls on it; a
-// single one sounds from the first two, the front left and right.
+// Extra channels are folded onto the output channels, each the mean of those that map to it. A mono
+// output takes only the first two, front left and right.
 void ClipConverter::_mapChannels(const float* frames, std::size_t count,
                                  std::vector<float>& to) const {
   const auto from = static_cast<std::size_t>(_from.channels);

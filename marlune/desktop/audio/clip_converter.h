@@ -15,24 +15,24 @@ namespace marlune {
 
 struct SoxrLibrary;
 
-// Turns one clip into an output's format, piece by piece. What comes out in all is the clip's
-// length at the output's rate, rounded to a frame. A clip that is in the output's format passes
-// through untouched.
+// Converts one clip to an output's format, piece by piece. The result has the clip's length at the
+// output's rate, rounded to a frame. A clip that already has the output's format is passed through
+// unchanged.
 //
-// A resampler takes what lies beyond a clip's ends for silence, so a clip that was cut out of
-// running sound would come out with a dent at each end, and two of them would join with a step.
-// Here the clip is lengthened at both ends by its own sound, turned about the end (odd reflection:
-// value and slope go on), and what that adds is cut off again.
+// A resampler assumes silence beyond a clip's ends, so a clip cut from continuous sound would get a
+// dent at each end, and two joined clips a step between them. To avoid that, the converter extends
+// the clip at both ends by odd reflection, which continues value and slope, and removes the
+// resampled extension again.
 class ClipConverter {
  public:
-  // Null when there is no resampling where it takes some, and then `cause` says why, as a clause.
+  // Returns null and sets `cause`, a clause, if resampling is needed but not available.
   static std::unique_ptr<ClipConverter> make(const AudioFormat& from, const AudioFormat& to,
                                              std::string& cause);
 
-  // Appends what `count` more frames of the clip yield, which may be nothing yet.
+  // Appends the output for the next `count` frames of the clip, which may be none yet.
   void convert(const float* frames, std::size_t count, std::vector<float>& to);
 
-  // The clip is over: appends the rest.
+  // Ends the clip: appends the rest of the output.
   void finish(std::vector<float>& to);
 
  private:
@@ -48,15 +48,15 @@ class ClipConverter {
   const AudioFormat _from;
   const AudioFormat _to;
   const SoxrLibrary* _library = nullptr;
-  std::unique_ptr<soxr, void (*)(soxr*)> _resampler{nullptr, nullptr};  // none for the same rate
-  std::size_t _margin = 0;        // frames that the clip is lengthened by at each end
-  std::vector<float> _head;       // the clip's first frames, until there are enough to reflect
-  bool _hasBegun = false;         // the reflected beginning has gone in
-  std::vector<float> _tail;       // the clip's last _margin + 1 frames so far
+  std::unique_ptr<soxr, void (*)(soxr*)> _resampler{nullptr, nullptr};  // null for equal rates
+  std::size_t _margin = 0;        // frames added to the clip at each end
+  std::vector<float> _head;       // the first frames of the clip, until there are enough to reflect
+  bool _hasBegun = false;         // the reflected beginning has been resampled
+  std::vector<float> _tail;       // the last _margin + 1 frames received
   std::vector<float> _resampled;  // in the clip's channels, at the output's rate
-  std::int64_t _taken = 0;        // frames of the clip that went in
-  std::int64_t _toSkip = 0;       // frames still to be cut off at the beginning
-  std::int64_t _handedOut = 0;    // frames that came out
+  std::int64_t _taken = 0;        // frames of the clip received
+  std::int64_t _toSkip = 0;       // output frames still to be dropped at the beginning
+  std::int64_t _handedOut = 0;    // output frames produced
 };
 
 }  // namespace marlune

@@ -57,7 +57,7 @@ void ClipDecoder::_reportMissing() const {
 
 void ClipDecoder::_convert(SoundBlock& block) {
   const std::size_t capacity = SoundBlock::kCapacityFrames * _channels;
-  // One sample more than the block takes: only then is it known not to be the last.
+  // One sample more than the block holds: without it the block could be the last.
   while (!_isRead && _converted.size() - _handedOut <= capacity) _readMore();
   const std::size_t count = std::min(_converted.size() - _handedOut, capacity);
   const auto begin = _converted.begin() + static_cast<long>(_handedOut);
@@ -90,7 +90,7 @@ void ClipDecoder::_readMore() {
   const std::size_t count = _recording->read(_read.data(), kReadFrames);
   _count(count);
   _converter->convert(_read.data(), count, _converted);
-  // Asking again after a short read would only find the end once more.
+  // After a short read another one would only reach the end again.
   _isRead = count < kReadFrames;
   if (_isRead) _converter->finish(_converted);
 }

@@ -13,27 +13,27 @@
 
 namespace marlune {
 
-// One recording on its way into blocks of the output's format. Holds a few blocks' worth of sound
-// at a time, however long the recording is.
+// Decodes one recording into blocks in the output's format. Buffers only a few blocks of sound,
+// however long the recording is.
 class ClipDecoder {
  public:
-  // Null when the file cannot be played, and then `cause` says why, as a clause.
+  // Returns null and sets `cause`, a clause, if the file cannot be played.
   static std::unique_ptr<ClipDecoder> open(const std::string& path, std::string& cause);
-  // Of the recording that the item brings along, if it does, or else of the file at its path.
+  // The same for the item's open recording if it has one, else for the file at its path.
   static std::unique_ptr<ClipDecoder> open(FilePlayerItem& item, std::string& cause);
 
   const AudioFormat& clipFormat() const { return _recording->format(); }
 
-  // Once, before anything is filled: `format` is that of the output. False when the clip cannot be
-  // brought into it, and then `cause` says why, as a clause.
+  // Sets the output format; call once, before fill. Returns false and sets `cause`, a clause, if
+  // the clip cannot be converted.
   bool convertTo(const AudioFormat& format, std::string& cause);
 
-  // Fills `block`: its samples, frames, channels and whether it ends the item, which is told with
-  // the last block that holds sound, not with an empty one behind it. With that block of a file
-  // that was cut off goes a line in the log.
+  // Fills `block`: samples, frames, channels and whether it ends the item. The end is marked on the
+  // last block with sound, not on an empty block after it; if the file is truncated, that call logs
+  // a line.
   void fill(SoundBlock& block);
 
-  // How many frames the file's header announces and its end lacks. Known with the last block.
+  // Frames that the file's header promises but the file lacks. Known after the last block.
   std::uint64_t missingFrames() const { return _missingFrames; }
 
  private:
@@ -49,10 +49,10 @@ class ClipDecoder {
   std::unique_ptr<ClipConverter> _converter;
   std::size_t _channels = 0;      // of the output
   std::vector<float> _read;       // as read, in the clip's format
-  std::vector<float> _converted;  // in the output's format, from sample _handedOut on
+  std::vector<float> _converted;  // in the output's format, from sample _handedOut
   std::size_t _handedOut = 0;
   bool _isRead = false;
-  bool _isCopied = false;  // nothing to convert: samples of 16 bits stay as they are
+  bool _isCopied = false;  // nothing to convert: 16-bit samples are passed on unchanged
   std::uint64_t _framesRead = 0;
   std::uint64_t _missingFrames;
 };

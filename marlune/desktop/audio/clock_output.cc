@@ -27,7 +27,7 @@ std::optional<std::string> ClockOutput::loss() const {
   return "The clock has been stopped.";
 }
 
-// Each period is due at its own time from the start on, so that no sleep's lateness adds up.
+// Each period has a deadline computed from the start, so that late wake-ups do not accumulate.
 void ClockOutput::_run(AudioSource& source) {
   const std::chrono::duration<double> period(static_cast<double>(_periodFrames) /
                                              (_format.sampleRate * _speed));

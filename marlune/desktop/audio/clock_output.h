@@ -12,16 +12,16 @@
 
 namespace marlune {
 
-// An output that takes sound as the clock goes, like a device that never misses a beat, and hands
-// it to a listener or drops it. For machines without a sound device, and for measuring.
+// Takes sound in real time, like a device that is never late, and passes it to a listener or drops
+// it. For machines without a sound device, and for measurements.
 class ClockOutput : public AudioOutput {
  public:
-  // Told of `count` interleaved frames each period, of which the first `sounding` are sound. On
-  // the clock's own thread.
+  // Receives `count` interleaved frames per period, of which the first `sounding` are sound. Called
+  // on the clock's own thread.
   using Listener =
       std::function<void(const float* frames, std::size_t count, std::size_t sounding)>;
 
-  // `speed` 1 is real time, 2 twice as fast. `listener` may be null.
+  // `speed` 1 is real time, 2 is twice as fast. `listener` may be null.
   explicit ClockOutput(AudioFormat format, Listener listener = nullptr, double speed = 1,
                        std::size_t periodFrames = 256);
   ~ClockOutput() override { close(); }
@@ -32,8 +32,8 @@ class ClockOutput : public AudioOutput {
   std::optional<double> stallLimitSeconds() const override { return 2.0; }
   std::optional<std::string> loss() const override;
 
-  // Makes it stop and report a loss, as when a device is pulled out; the next opening mends it.
-  // Any thread.
+  // Stops the clock and reports a loss, as when a device is unplugged. The next opening clears the
+  // loss. Any thread.
   void lose() { _isLost.store(true); }
 
  private:

@@ -13,26 +13,26 @@
 
 namespace marlune {
 
-// An output cranked by hand: it takes sound when it is told to, and fails when it is told to. For
-// tests, and for programs that mix the sound themselves. All on the thread that opens it, but for
-// what the worker asks.
+// A manual output: it takes sound, and fails, only on request. For tests, and for programs that mix
+// the sound themselves. Call everything on the thread that opens it, except the queries of the
+// worker.
 class CrankedOutput : public AudioOutput {
  public:
   explicit CrankedOutput(AudioFormat format) : _format(format) {}
 
-  // Takes `count` frames and returns their samples; nothing while it is closed.
+  // Takes `count` frames and returns their samples; empty while closed.
   std::vector<float> crank(std::size_t count);
 
-  // Like crank, into `frames`, which has room for them. Allocates nothing. Returns how many were
-  // sound.
+  // Like crank, into `frames`, which has room for them. Does not allocate. Returns how many frames
+  // were sound.
   std::size_t crankInto(float* frames, std::size_t count);
 
   bool isOpen() const { return _source != nullptr; }
   int timesOpened() const { return _timesOpened; }
   const std::string& role() const { return _role; }  // of the last opening
 
-  // What it is to do. A loss lasts until the next opening; a refusal until it is taken back. With
-  // a stall limit of 0 it counts as stalled whenever the worker looks.
+  // Sets the behaviour. A loss lasts until the next opening, a refusal until it is withdrawn. With
+  // a stall limit of 0 the output counts as stalled at every check.
   void lose(std::string reason);
   void refuse(std::optional<std::string> error) { _refusal = std::move(error); }
   void setFormat(AudioFormat format) { _format = format; }                // while closed
@@ -56,7 +56,7 @@ class CrankedOutput : public AudioOutput {
   std::size_t _latencyFrames = 0;
   std::optional<std::string> _refusal;
   std::atomic<std::uint64_t> _gaps = 0;
-  mutable std::mutex _mutex;  // for all below, which the worker reads while it is set
+  mutable std::mutex _mutex;  // guards all below, which the worker reads
   std::optional<double> _stallLimitSeconds;
   std::optional<std::string> _loss;
 };

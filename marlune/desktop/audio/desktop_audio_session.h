@@ -11,21 +11,21 @@
 
 namespace marlune {
 
-// The audio session over a route: active while the route is open.
+// An audio session over a route. It is active while the route is open.
 class DesktopAudioSession : public AudioSession {
  public:
-  // `duckingRole` is the role that a sound server is told when others are to be ducked; which
-  // roles it turns others down for is set there (PulseAudio: module-role-ducking trigger_roles=).
+  // `duckingRole` is the role passed to a sound server when other programs are to be ducked. The
+  // server decides which roles trigger ducking (PulseAudio: module-role-ducking trigger_roles=).
   explicit DesktopAudioSession(std::shared_ptr<AudioRoute> route,
                                std::string duckingRole = "announce")
       : _route(std::move(route)), _duckingRole(std::move(duckingRole)) {}
 
-  // Takes effect at the next activation. Playback is the one category there is, and mixing with
-  // others is what a desktop does anyway.
+  // Takes effect at the next activation. Playback is the only category; a desktop always mixes
+  // programs.
   Outcome setCategory(std::string_view category, unsigned options) override;
 
-  // Sound is running while the queue has items and a rate other than 0. What is as it should be
-  // already is left so.
+  // Sound is running while the queue has items and a rate other than 0. Does nothing if the session
+  // already has the requested state.
   Outcome setActive(bool active) override;
 
  private:

@@ -13,22 +13,22 @@
 namespace marlune {
 
 // A gap-free queue of .aif and .aifc files over an AudioRoute. It plays while an audio session has
-// the route open, and fails (status) when it is to play and the route is closed, or its output is
-// lost, refused or stalled. A queue that failed has dropped its items, with one line that says why
-// and how many, and takes no more. It opens the route in one case only: the session was deactivated
-// while the queue ran on empty, and an item is inserted.
+// the route open. It fails (see status) if it has to play while the route is closed, or if the
+// output is lost, refused or stalled. A failed queue has dropped its items, logged one line with
+// the reason and their number, and accepts no more items. It opens the route itself in one case
+// only: the session was deactivated while the queue was running empty, and an item is inserted.
 //
-// Observers are called after every change, on a thread of the queue's own; for changes that follow
-// one another faster than they can be delivered, once. Sound does not wait for observers.
+// Observers are called after every change, on a thread of the queue; changes that come faster than
+// they can be delivered are merged. Sound does not wait for observers.
 //
-// There is one speed: 0 pauses, and every other rate is kept and plays at normal speed. Of several
-// queues over one route, the one that was told last to play is heard.
+// There is only one speed: rate 0 pauses; any other rate is stored and plays at normal speed. Of
+// several queues over one route, the last one started is audible.
 class DesktopQueuePlayer : public QueuePlayer {
  public:
   static std::shared_ptr<DesktopQueuePlayer> overRoute(std::shared_ptr<AudioRoute> route);
   ~DesktopQueuePlayer() override { _engine->stop(); }
 
-  // Behind an item that others follow there is room only until the first of those is decoded.
+  // Items can be inserted before other items only until the first of those has been decoded.
   bool canInsert(const PlayerItem* item, const PlayerItem* after) const override;
   void insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) override;
   void play() override { setRate(1); }
@@ -38,14 +38,15 @@ class DesktopQueuePlayer : public QueuePlayer {
   std::vector<std::shared_ptr<PlayerItem>> items() const override { return _engine->items(); }
   std::shared_ptr<PlayerItem> currentItem() const override;
   Status status() const override { return _engine->status(); }
-  void setAllowsExternalPlayback(bool) override {}  // there is but this machine's output
+  void setAllowsExternalPlayback(bool) override {}  // this machine's output is the only one
   void addObserver(QueuePlayerObserver* observer, std::string_view keyPath,
                    unsigned options) override;
   void removeObserver(QueuePlayerObserver* observer, std::string_view keyPath) override;
 
-  // Returns when nothing is left to be done until the output takes more or something is called:
-  // decoded as far ahead as may be, items that were heard gone, observers told. For programs that
-  // turn the crank of an output themselves. Never from an observer.
+  // Returns when there is nothing to do until the output takes more sound or an operation is
+  // called: the queue is decoded as far ahead as allowed, items that were heard are removed, and
+  // observers have been called. For programs that drive a CrankedOutput. Do not call it from an
+  // observer.
   void waitUntilSettled() { _engine->waitUntilSettled(); }
 
  private:

@@ -19,12 +19,12 @@ bool isOtherDriverChosen() {
   return driver && *driver && std::string_view(driver) != "pulseaudio";
 }
 
-// "Not a number" becomes the least.
+// NaN becomes the minimum.
 double boundedBuffer(double seconds) {
   return seconds > kMinBufferSeconds ? std::min(seconds, kMaxBufferSeconds) : kMinBufferSeconds;
 }
 
-// The first that can be opened, each time anew.
+// Uses the first output that can be opened; tries again at each opening.
 class DeviceOutput : public AudioOutput {
  public:
   explicit DeviceOutput(const DeviceOptions& options)

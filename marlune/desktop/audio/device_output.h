@@ -7,20 +7,21 @@
 
 namespace marlune {
 
-// What an app may choose about the sound device.
+// Options for the sound device.
 struct DeviceOptions {
-  // How many seconds of sound a PulseAudio server holds ahead. More survives a busier machine; less
-  // is heard sooner after a call. At least 0.01, at most 2. Other devices hold about 0.04 s.
+  // Seconds of sound that a PulseAudio server buffers. More tolerates a busier machine; less
+  // reduces the delay until a call is audible. At least 0.01, at most 2. Other devices buffer about
+  // 0.04 s.
   double bufferSeconds = 0.08;
 };
 
-// The machine's sound device: a PulseAudio server (PipeWire's included) where one runs, and else
-// the default device by way of SDL. A server is never started, and a server that refuses the stream
-// or does not answer is the cause of the failure: SDL would only meet it again. Where
-// SDL_AUDIODRIVER in the environment names another driver than pulseaudio, SDL alone is used.
+// The machine's sound device: a running PulseAudio server (or PipeWire's), otherwise the default
+// device through SDL. Never starts a server. If a server refuses the stream or does not answer, the
+// opening fails: SDL would use the same server and fail, too. If the environment variable
+// SDL_AUDIODRIVER names a driver other than pulseaudio, only SDL is used.
 //
-// Only a PulseAudio server gets the session's role. Libraries are loaded at the first opening, not
-// before. In a build without sound devices every opening is refused.
+// Only a PulseAudio server receives the session's role. Libraries are loaded at the first opening.
+// In a build without sound devices every opening fails.
 std::shared_ptr<AudioOutput> makeDeviceOutput(const DeviceOptions& options = {});
 
 }  // namespace marlune

@@ -5,8 +5,8 @@
 
 namespace marlune {
 
-// Waits for the end of `thread`, which has been asked to end and owns a share of all that it uses.
-// On that thread itself, which cannot be waited for there, lets it end on its own.
+// Joins `thread`. The thread must have been asked to end and must own a share of everything it
+// uses. If called on that thread itself, detaches it instead.
 inline void endThread(std::thread& thread) {
   if (!thread.joinable()) return;
   if (thread.get_id() == std::this_thread::get_id()) {

@@ -53,7 +53,8 @@ void FileOutput::takeAvailable(std::size_t frames) {
   } while (frames > 0 && !_loss);
 }
 
-// Takes so many frames and returns how many were sound. Taking none still lets the source tidy up.
+// Takes up to `frames` frames and returns how many were sound. With 0 the source can still release
+// its used blocks.
 std::size_t FileOutput::_take(std::size_t frames) {
   const int channels = _format ? _format->channels : 1;
   short* const room = frames > 0 ? _writer->room() : nullptr;
@@ -68,7 +69,7 @@ void FileOutput::_setUnwritable() {
   _loss =
       "The sound file \"" + _path + "\" cannot be written any further: " + _writer->cause() + ".";
   const std::string& draft = _writer->draftPath();
-  if (!draft.empty()) *_loss += " What was written until then is \"" + draft + "\".";
+  if (!draft.empty()) *_loss += " The part written so far is in \"" + draft + "\".";
 }
 
 }  // namespace marlune

@@ -11,28 +11,29 @@
 
 namespace marlune {
 
-// Writes what is played to one .wav or .aif file of 16 bits, as fast as it is decoded. Silence
-// between phrases is not written. The file takes the format of the first recording unless told
-// another, so recordings of one 16-bit format come out sample for sample; finer ones are rounded.
+// Writes what is played to one 16-bit .wav or .aif file, as fast as it is decoded. Silence between
+// phrases is not written. Unless a format is given, the file takes that of the first recording, so
+// recordings in one 16-bit format are written sample for sample; higher resolutions are rounded.
 //
-// The first opening makes a draft, NAME.partial, beside the file; it is a valid sound file at any
-// time. Closing renames it: until then, and for good when something cannot be written, NAME keeps
-// what it held. What is played after a later opening is appended. With keepDraftUntilFinished()
-// the draft is renamed by finish() alone. A loss can also show at the closing, which writes the
-// last of the sound. See SoundFileWriter for links, and for devices and FIFOs as the target.
+// The first opening creates a draft, NAME.partial, next to the file; it is a valid sound file at
+// any time. Closing renames it. Until then, and permanently if writing fails, NAME keeps its former
+// contents. Sound played after a later opening is appended. With keepDraftUntilFinished(), only
+// finish() renames the draft. A loss may also be detected by close, which writes the last of the
+// sound. See SoundFileWriter for links, and for devices and FIFOs as the target.
 class FileOutput : public AudioOutput {
  public:
   explicit FileOutput(std::string path, std::optional<AudioFormat> format = std::nullopt)
       : _path(std::move(path)), _format(format) {}
   ~FileOutput() override { close(); }
 
-  // Before the first opening. For programs that render several phrases into one file.
+  // Call it before the first opening. For programs that render several phrases into one file.
   void keepDraftUntilFinished() { _keepsDraft = true; }
-  // Closes the output and renames the draft. Returns what went wrong, now or before, as a sentence.
+  // Closes the output and renames the draft. Returns the first error, now or earlier, as a
+  // sentence.
   std::optional<std::string> finish();
-  // Where the draft lies; empty when there is none. While the output is closed.
+  // The path of the draft; empty if there is none. Call it only while the output is closed.
   std::string draftPath() const { return _writer ? _writer->draftPath() : ""; }
-  // Where one would lie.
+  // The path that a draft would have.
   std::string plannedDraftPath() const { return SoundFileWriter::draftPathFor(_path); }
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;
@@ -41,7 +42,7 @@ class FileOutput : public AudioOutput {
   std::optional<std::string> loss() const override { return _loss; }
   void takeAvailable(std::size_t frames) override;
 
-  // Frames written so far. Not while sound is running.
+  // Frames written so far. Do not call it while sound is running.
   std::size_t framesWritten() const { return _framesWritten; }
 
  private:

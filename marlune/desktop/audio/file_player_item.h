@@ -13,28 +13,28 @@
 
 namespace marlune {
 
-// An item of the desktop's queue. Any thread may read it.
+// An item of the desktop's queue. Threads: any.
 class FilePlayerItem : public PlayerItem {
  public:
-  // `recording` may be the file, already open and nothing read from it: it is then not opened again
-  // for the item's first time in a queue.
+  // `recording`, if not null, is the file, already open and unread: the first queue that the item
+  // enters then does not open the file again.
   explicit FilePlayerItem(std::string path, std::unique_ptr<Recording> recording = nullptr)
       : _path(std::move(path)), _recording(std::move(recording)) {}
 
   const std::string& path() const override { return _path; }
   std::string description() const override { return _path; }
 
-  // What became of the item; of one inserted several times, the last time. Once the item has left
-  // its queue, this is no longer pending.
+  // The outcome for the item; for an item inserted several times, that of the last time. Not
+  // pending once the item has left its queue.
   ItemFate fate() const {
     const std::lock_guard lock(_mutex);
     return _fate;
   }
 
-  // Whether some queue holds it.
+  // Whether it is in a queue.
   bool isQueued() const { return _isQueued.load(); }
 
-  // For the queues. Null when there is none (any more).
+  // For queues only. Null if there is no open recording, or it was taken before.
   std::unique_ptr<Recording> takeRecording() {
     const std::lock_guard lock(_mutex);
     return std::move(_recording);

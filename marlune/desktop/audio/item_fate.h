@@ -7,14 +7,14 @@
 
 namespace marlune {
 
-// What became of an item of the desktop's queue.
+// The outcome for an item of the desktop's queue.
 struct ItemFate {
   enum class Kind {
     pending,     // in a queue, or not inserted yet
-    heardWhole,  // to its last sample
-    cutShort,    // the file is truncated: all that it holds was heard
-    leftOut,     // could not be decoded: nothing was heard
-    dropped,     // left with its queue's other items: nothing or a part was heard
+    heardWhole,  // played to its last sample
+    cutShort,    // the file is truncated: played as far as it goes
+    leftOut,     // could not be decoded: nothing was played
+    dropped,     // removed with its queue's other items: nothing or only a part was played
   };
 
   static ItemFate heard(std::uint64_t missingFrames) {
@@ -28,7 +28,7 @@ struct ItemFate {
 
   Kind kind = Kind::pending;
   std::string message{};            // the cause, as a clause; empty for pending and heardWhole
-  std::uint64_t missingFrames = 0;  // of cutShort, at the recording's own rate
+  std::uint64_t missingFrames = 0;  // for cutShort, at the recording's own rate
 
   bool operator==(const ItemFate&) const = default;
 };

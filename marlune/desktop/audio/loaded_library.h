@@ -5,19 +5,19 @@
 
 namespace marlune {
 
-// A shared library that is loaded when it is first wanted, so that a program which does not come to
-// need it does not wait for it. Stays loaded until the process ends.
+// A shared library loaded on demand, so that programs that do not use it start faster. Stays loaded
+// until the process ends.
 class LoadedLibrary {
  public:
   explicit LoadedLibrary(const char* fileName);
 
-  // Sets `function` to the one of that name; null when there is none.
+  // Sets `function` to the function of that name, or to null if there is none.
   template <typename Function>
   void find(const char* name, Function& function) {
     function = reinterpret_cast<Function>(_find(name));
   }
 
-  // What is missing, the library or the first function that was not found; empty when nothing is.
+  // The library or the first function that could not be found; empty if nothing is missing.
   const std::string& fault() const { return _fault; }
 
  private:

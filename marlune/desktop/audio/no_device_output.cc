@@ -1,4 +1,4 @@
-// The sound device of a build without one.
+// The sound device in a build without one: every opening fails.
 
 #include "marlune/desktop/audio/device_output.h"
 

@@ -12,8 +12,7 @@ PatientThread::PatientThread() { std::thread(&_run, _state).detach(); }
 
 PatientThread& PatientThread::forDevices() {
   static PatientThread* const thread = [] {
-    // A process must not end in the middle of a close: the device libraries' own clean-up would
-    // free what the close uses.
+    // Do not exit during a close: the device libraries' own exit handlers would free what it uses.
     std::atexit([] { forDevices().waitUntilIdle(1); });
     return new PatientThread;
   }();

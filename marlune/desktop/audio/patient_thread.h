@@ -9,22 +9,22 @@
 
 namespace marlune {
 
-// Runs potentially blocking calls on its own thread, one after the other, so that callers can time
-// out: opening and closing a device hang while the sound server does. The thread lives as long as
+// Runs potentially blocking calls on its own thread, one after another, so that callers can time
+// out: opening and closing a device block while the sound server hangs. The thread lives as long as
 // the process.
 class PatientThread {
  public:
   PatientThread();
 
-  // The thread that opens and closes the process's sound devices. At its end the process waits
-  // until the thread is idle, at most a second.
+  // The thread that opens and closes the process's sound devices. At exit the process waits at most
+  // a second for the thread to become idle.
   static PatientThread& forDevices();
 
-  // Does `work` after all that was asked before, and waits for it at most `seconds`. Returns
-  // whether it is done; if not, it still will be, so `work` must own what it uses.
+  // Queues `work` and waits for it at most `seconds`. Returns whether it has finished. If not, it
+  // still runs later, so `work` must own what it uses.
   bool runWithin(double seconds, std::function<void()> work);
 
-  // Waits until nothing is left to do, at most `seconds`.
+  // Waits at most `seconds` until no work is left.
   bool waitUntilIdle(double seconds) {
     return runWithin(seconds, [] {});
   }

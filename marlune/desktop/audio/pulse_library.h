@@ -9,8 +9,7 @@
 
 namespace marlune {
 
-// The functions of libpulse that are used, loaded when they are first needed: machines without a
-// PulseAudio server need none of them.
+// The libpulse functions in use, loaded on demand: machines without a PulseAudio server need none.
 struct PulseLibrary {
   decltype(&pa_threaded_mainloop_new) loopNew = nullptr;
   decltype(&pa_threaded_mainloop_free) loopFree = nullptr;
@@ -54,7 +53,7 @@ struct PulseLibrary {
   decltype(&pa_stream_update_timing_info) streamUpdateTiming = nullptr;
   decltype(&pa_stream_get_timing_info) streamTiming = nullptr;
 
-  // Loads it once for the process. Null when that failed, and then `cause` says why.
+  // Loads the library once per process. Returns null and sets `cause` if that fails.
   static const PulseLibrary* shared(std::string& cause);
 
  private:

@@ -7,16 +7,16 @@ namespace marlune {
 
 namespace {
 
-// A quarter of the buffer is asked for at a time: the server then keeps a quarter itself and has
-// half in store for a client that is late.
+// Request a quarter of the buffer at a time: the server then holds one quarter itself, and half of
+// the buffer is in reserve if the client is late.
 constexpr double kRequestsInBuffer = 4;
-// How long a close waits for the server; longer than a busy one takes, too short to be noticed.
+// How long close waits for the server: longer than a busy server takes, too short to notice.
 constexpr double kCloseSeconds = 0.25;
-// No account of the server is believed beyond this: recordings must end.
+// Upper bound on the reported latency, so that a wrong report cannot keep recordings from ending.
 constexpr std::uint64_t kMaxLatencySeconds = 2;
 constexpr double kMicroseconds = 1e6;
 
-// The loop's lock, for one block.
+// Holds the loop's lock for the scope.
 class LoopLock {
  public:
   LoopLock(const PulseLibrary& pulse, pa_threaded_mainloop* loop) : _pulse(pulse), _loop(loop) {
@@ -60,7 +60,7 @@ void PulseStream::_open() {
   if (!_isOpen) _release();
 }
 
-// A server that does not run is not started: it would inherit the app's open files and outlive it.
+// Does not start a server: it would inherit the app's open files and outlive the app.
 bool PulseStream::_connect() {
   _context = _pulse->contextNew(_pulse->loopApi(_loop), /*name=*/nullptr);
   if (!_context) return false;
@@ -112,12 +112,12 @@ pa_buffer_attr PulseStream::_bufferAttributes() const {
   attributes.tlength = bytes(_options.bufferSeconds);
   attributes.prebuf = kServersChoice;
   attributes.minreq = bytes(_options.bufferSeconds / kRequestsInBuffer);
-  attributes.fragsize = kServersChoice;  // of recordings
+  attributes.fragsize = kServersChoice;  // for recording only
   return attributes;
 }
 
-// At the sink's own rate recordings are converted here, in better quality than in the server.
-// Without an answer the stream keeps its rate and the server converts.
+// At the sink's own rate recordings are converted here, in better quality than by the server. If
+// the server does not answer, the stream keeps its rate and the server converts.
 void PulseStream::_askForRate() {
   pa_operation* const operation =
       _pulse->contextSinkInfo(_context, "@DEFAULT_SINK@", &_onSink, this);
@@ -135,7 +135,7 @@ void PulseStream::_onSink(pa_context*, const pa_sink_info* sink, int end, void* 
   self._pulse->loopSignal(self._loop, 0);
 }
 
-// Waits until the condition is met. Returns false when the connection breaks or time is up before.
+// Waits for the condition. Returns false if the connection breaks or time runs out first.
 template <typename Condition>
 bool PulseStream::_waitUntil(Condition isMet, double seconds) {
   const auto onTime = [](pa_mainloop_api*, pa_time_event*, const timeval*, void* user) {
@@ -159,7 +159,7 @@ bool PulseStream::_isBroken() const {
 std::string PulseStream::_cause() const {
   if (_isTimeUp) return "The sound server does not answer.";
   const int error = _context ? _pulse->contextError(_context) : PA_ERR_INTERNAL;
-  return std::string("The sound server gives no stream: ") + _pulse->errorText(error) + ".";
+  return std::string("The sound server refused the stream: ") + _pulse->errorText(error) + ".";
 }
 
 void PulseStream::_onState(PulseStream& self) {
@@ -178,7 +178,8 @@ void PulseStream::_onWrite(pa_stream*, std::size_t bytes, void* user) {
   self._askForTiming();
 }
 
-// Takes `bytes` down by what was written. Returns false once no whole frame is wanted any more.
+// Writes up to `bytes` and subtracts what was written. Returns false when no further whole frame is
+// wanted.
 bool PulseStream::_writeSome(std::size_t& bytes) {
   const std::size_t frameSize = frameBytes(_spec);
   if (bytes < frameSize) return false;
@@ -190,8 +191,7 @@ bool PulseStream::_writeSome(std::size_t& bytes) {
     _pulse->streamCancelWrite(_stream);
     return false;
   }
-  // Before they are taken: latencyFrames() must never leave out a frame that its caller has
-  // counted.
+  // Counted before they are taken: latencyFrames() must include every frame its caller has counted.
   _framesTaken.fetch_add(frames);
   gate.render(static_cast<float*>(room), frames, _spec.channels);
   _pulse->streamWrite(_stream, room, frames * frameSize, nullptr, 0, PA_SEEK_RELATIVE);
@@ -206,8 +206,9 @@ void PulseStream::_askForTiming() {
   if (operation) _pulse->operationUnref(operation);
 }
 
-// What the server had heard when it answered. Not interpolated from there on: a server that falls
-// behind would be taken to have played what it has not, and the close that follows would cut it.
+// The position heard when the server answered. Do not interpolate from it: if the server falls
+// behind, frames would count as played that were not, and the close that follows would cut them
+// off.
 void PulseStream::_onTiming(pa_stream*, int, void* user) {
   PulseStream& self = *static_cast<PulseStream*>(user);
   self._isTimingAsked = false;
@@ -224,9 +225,9 @@ void PulseStream::_onTiming(pa_stream*, int, void* user) {
   }
 }
 
-// One request more than is on its way: the caller may count the frames that are taken meanwhile.
+// One request more than is in flight: the caller may count frames that are taken during this call.
 std::size_t PulseStream::latencyFrames() const {
-  const std::uint64_t heard = _framesHeard.load();  // the first, as it grows
+  const std::uint64_t heard = _framesHeard.load();  // read first: it only grows
   const auto request =
       static_cast<std::uint64_t>(_options.bufferSeconds / kRequestsInBuffer * _spec.rate);
   return static_cast<std::size_t>(std::min<std::uint64_t>(_framesTaken.load() - heard + request,

@@ -14,51 +14,52 @@
 
 namespace marlune {
 
-// A playback stream on a PulseAudio server, with its own connection and libpulse thread, from its
-// opening to its closing. Shared by the output and the thread that opens and closes it, since
-// either can be the last to use it.
+// One playback stream on a PulseAudio server, with its own connection and libpulse thread, from
+// opening to closing. Shared by the output and the device thread, because either can be the last to
+// use it.
 class PulseStream {
  public:
   struct Options {
-    std::string role;            // the stream's media.role; empty: none
-    double bufferSeconds = 0;    // how much sound the server holds ahead
+    std::string role;            // the stream's media.role; empty for none
+    double bufferSeconds = 0;    // how much sound the server buffers
     double patienceSeconds = 0;  // how long the server may take to answer
   };
 
-  // Underflows are added to `gaps`.
+  // Adds underflows to `gaps`.
   PulseStream(AudioSource& source, Options options,
               std::shared_ptr<std::atomic<std::uint64_t>> gaps);
   PulseStream(const PulseStream&) = delete;
   PulseStream& operator=(const PulseStream&) = delete;
 
-  // The device thread. Opens the stream, unless the caller has given up, and hands it over; closes
-  // it when the caller has given up by then. Never starts a server.
+  // Device thread. Opens the stream, unless the caller has given up, and hands it over. Closes it
+  // if the caller has given up by then. Never starts a server.
   void openFor(DeviceHandover& caller);
-  // The device thread. Drops the sound that has not been played yet, waits a moment for the server
-  // to answer, and ends the connection. Closing a closed stream does nothing.
+  // Device thread. Drops sound that has not been played, waits briefly for the server to answer,
+  // and disconnects. Closing a closed stream does nothing.
   void close();
 
-  // Where the sound comes from. Null is silence.
+  // The source of the sound. Null: silence.
   SourceGate gate;
 
-  // The rest is for whoever has accepted the stream.
+  // Only for the side that has accepted the stream.
   bool isOpen() const { return _isOpen; }
-  // Whether there is a server: it answered, or it took the connection and has not answered yet.
+  // Whether there is a server: it answered, or it accepted the connection and has not answered yet.
   bool hasFoundServer() const { return _hasFoundServer; }
-  // Why it is not open, as a sentence.
+  // Why the stream is not open, as a sentence.
   const std::string& error() const { return _error; }
-  // While it is open:
+  // Only while the stream is open:
   AudioFormat format() const { return {static_cast<int>(_spec.rate), _spec.channels}; }
-  // By the server's own account, and at least: the frames taken from the source and not heard yet.
+  // Upper estimate of the frames taken from the source and not yet heard, from the server's
+  // reports.
   std::size_t latencyFrames() const;
-  // Why nothing is heard any more, as a sentence.
+  // Why there is no sound any more, as a sentence.
   std::optional<std::string> loss() const;
 
  private:
   enum class Loss { none, ofServer, ofStream };
 
-  // With the loop's lock, unless said otherwise.
-  void _open();  // without it
+  // With the loop's lock held, unless stated otherwise.
+  void _open();  // without the lock
   bool _connect();
   bool _startStream();
   bool _connectStream();
@@ -68,9 +69,9 @@ class PulseStream {
   template <typename Condition>
   bool _waitUntil(Condition isMet, double seconds);
   std::string _cause() const;
-  void _release();  // without it
+  void _release();  // without the lock
 
-  // libpulse's thread, with the loop's lock.
+  // libpulse's thread, with the loop's lock held.
   static void _onState(PulseStream& stream);
   static void _onSink(pa_context*, const pa_sink_info* sink, int end, void* user);
   static void _onWrite(pa_stream*, std::size_t bytes, void* user);
@@ -80,7 +81,7 @@ class PulseStream {
 
   const Options _options;
   const std::shared_ptr<std::atomic<std::uint64_t>> _gaps;
-  // Written while it is opened and closed, by the device thread or under the loop's lock.
+  // Written during opening and closing, by the device thread or under the loop's lock.
   const PulseLibrary* _pulse = nullptr;
   pa_threaded_mainloop* _loop = nullptr;
   pa_context* _context = nullptr;

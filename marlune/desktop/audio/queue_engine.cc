@@ -9,8 +9,8 @@
 
 namespace marlune {
 
-// Behind an item that others follow there is room only until the first of those is on its way to
-// the output: once the queue has played, what is sent is not called back.
+// Items can be inserted before other items only until the first of those is being sent to the
+// output: once the queue has played, sent blocks are not recalled.
 bool QueueEngine::canInsert(const PlayerItem* item, const PlayerItem* after) const {
   const auto* file = dynamic_cast<const FilePlayerItem*>(item);
   if (!file || file->isQueued()) return false;
@@ -21,7 +21,7 @@ bool QueueEngine::canInsert(const PlayerItem* item, const PlayerItem* after) con
          (position < _items.size() && (position > _sentItems || !_hasPlayed));
 }
 
-// Past the end when `after` is not here.
+// Past the end if `after` is not in the queue.
 std::size_t QueueEngine::_positionAfter(const PlayerItem* after) const {
   if (!after) return _items.size();
   const auto place = std::find_if(_items.begin(), _items.end(),
@@ -31,12 +31,12 @@ std::size_t QueueEngine::_positionAfter(const PlayerItem* after) const {
 
 void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) {
   auto file = std::dynamic_pointer_cast<FilePlayerItem>(std::move(item));
-  if (!file) return;  // not one of ours, which canInsert has refused
+  if (!file) return;  // another item type, which canInsert rejects
   _openForFirstItem();
   file->enterQueue();
   const Lock lock(_mutex);
   if (!_hasPlayed && after) _startOver();
-  // The worker may have moved on since canInsert said yes.
+  // The worker may have progressed since canInsert returned true.
   const std::size_t position =
       std::min(std::max(_positionAfter(after), _sentItems + 1), _items.size());
   _items.insert(_items.begin() + static_cast<long>(position), std::move(file));
@@ -45,8 +45,8 @@ void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* aft
   _requestWork();
 }
 
-// The session may be deactivated while the queue runs on empty, and is not activated again by an
-// item that follows: the output is opened here, before the worker could miss it.
+// The session may be deactivated while the queue runs empty, and a later item does not reactivate
+// it. Open the output here, before the worker finds it closed.
 void QueueEngine::_openForFirstItem() {
   {
     const Lock lock(_mutex);
@@ -88,7 +88,7 @@ void QueueEngine::_dropAllItems(const ItemFate& fate) {
   _setItemsChanged(/*isCurrentItemOther=*/hadItems);
 }
 
-// What was sent is unwanted, and made again as far as its items are still here.
+// Discards what was sent. Items still in the queue are decoded again.
 void QueueEngine::_startOver() {
   _sentItems = 0;
   _line.setOwed(_items.size());
@@ -100,7 +100,7 @@ void QueueEngine::_setItemsChanged(bool isCurrentItemOther) {
   if (isCurrentItemOther) _setChanged(QueuePlayer::kCurrentItemKeyPath);
 }
 
-// A change that the notifier has not been given yet covers later ones of the same key path.
+// Changes of the same key path are merged until they are passed to the notifier.
 void QueueEngine::_setChanged(std::string_view keyPath) {
   if (std::find(_changes.begin(), _changes.end(), keyPath) != _changes.end()) return;
   _changes.push_back(keyPath);
@@ -142,7 +142,7 @@ void QueueEngine::waitUntilSettled() {
     _settled.wait(lock, [this] { return (_isSettled && !_hasRequest) || _isStopping; });
     if (_isStopping || _notifier->isIdle()) return;
     lock.unlock();
-    _notifier->waitUntilIdle();  // and see whether the observers made new work
+    _notifier->waitUntilIdle();  // and check whether observers have caused new work
     lock.lock();
   }
 }
@@ -154,7 +154,7 @@ void QueueEngine::stop() {
     const Lock lock(_mutex);
     _isStopping = true;
     dropped = _items.size();
-    // The worker may be in the middle of a round.
+    // The worker may be inside a step.
     _dropAllItems(ItemFate::dropped("its queue has ended"));
     _wake.notify_one();
     _settled.notify_all();

@@ -24,14 +24,14 @@
 
 namespace marlune {
 
-// What a DesktopQueuePlayer is made of, apart from it because the engine's threads can outlive the
-// player: the items, and a worker that decodes ahead of the output, ends the items that were heard
+// The implementation of DesktopQueuePlayer, separate because the engine's threads can outlive the
+// player. Holds the items and a worker that decodes ahead of the output, ends items that were heard
 // and checks the output.
 //
-// Four threads meet here. The control side is the main thread; it and the worker share what stands
-// under the lock. The worker never waits for the main thread's loop. The notifier may, and so calls
-// the observers. The output's callback (render) shares only the RenderLine with the worker. No lock
-// is held while an observer is called or the route is asked.
+// Four threads are involved. The main thread controls the engine; it shares with the worker only
+// what the lock guards. The worker never waits for the main thread's loop. The notifier thread may,
+// which is why observers are called there. The output's callback (render) shares only the
+// RenderLine with the worker. No lock is held during calls to observers or to the route.
 class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueEngine> {
  public:
   explicit QueueEngine(std::shared_ptr<AudioRoute> route) : _route(std::move(route)) {}
@@ -54,7 +54,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   }
   void waitUntilSettled();
 
-  // Ends it all; nothing may be called after it. Any thread, also the worker or the notifier.
+  // Ends everything; call nothing afterwards. Any thread, including the worker and the notifier.
   void stop();
 
   bool isSounding() const override;
@@ -74,7 +74,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   struct Ending {
     std::uint32_t generation;
     std::uint64_t takenAt;  // in frames taken by the output
-    std::uint64_t opening;  // of the output that took it
+    std::uint64_t opening;  // of the output that took the frame
     std::uint64_t missingFrames;
   };
 
@@ -89,7 +89,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   void _dropAllItems(const ItemFate& fate);
   void _startOver();
 
-  // The worker.
+  // Worker thread.
   void _run();
   bool _step();
   void _collectReturned();
@@ -113,36 +113,36 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   const std::shared_ptr<ChangeNotifier> _notifier = std::make_shared<ChangeNotifier>();
   RenderLine _line;
 
-  mutable std::mutex _mutex;  // for all below
+  mutable std::mutex _mutex;  // guards all below
   std::condition_variable _wake;
   std::condition_variable _settled;
   std::thread _worker;
   std::deque<std::shared_ptr<FilePlayerItem>> _items;
-  std::size_t _sentItems = 0;     // how many of them have been sent down the line to their end
-  std::uint32_t _generation = 0;  // counts how often what was sent became unwanted
-  std::uint64_t _orders = 0;      // counts insertions, rates set and removals
+  std::size_t _sentItems = 0;     // items whose blocks have all been sent down the line
+  std::uint32_t _generation = 0;  // incremented when sent blocks become obsolete
+  std::uint64_t _orders = 0;      // counts insertions, rate changes and removals
   float _rate = 0;
-  bool _hasPlayed = false;  // some of these items may have been taken by the output
+  bool _hasPlayed = false;  // the output may have taken some of these items' sound
   QueuePlayer::Status _status = QueuePlayer::Status::unknown;
-  std::vector<std::string_view> _changes;  // key paths that the notifier is still to be given
+  std::vector<std::string_view> _changes;  // key paths to be posted to the notifier
   bool _hasRequest = false;
   bool _isSettled = false;
   bool _isStopping = false;
 
-  // The worker's own.
+  // Used by the worker only.
   std::unique_ptr<ClipDecoder> _decoder;  // of item _sentItems, if of this generation:
   std::uint32_t _decoderGeneration = 0;
-  std::optional<AudioFormat> _format;  // that blocks are made in
-  std::uint64_t _opening = 0;          // of the route, that blocks are made for
-  std::size_t _latencyFrames = 0;      // of the output in that opening
+  std::optional<AudioFormat> _format;  // the format of the blocks being made
+  std::uint64_t _opening = 0;          // the route's opening that the blocks are made for
+  std::size_t _latencyFrames = 0;      // latency of the output in that opening
   std::deque<Ending> _endings;
-  std::uint64_t _watchedFrames = 0;  // taken when the output was last seen to move
+  std::uint64_t _watchedFrames = 0;  // frames taken when the output last made progress
   Clock::time_point _lastMove;
   bool _isWatching = false;
   Clock::time_point _lastPost;
   std::uint64_t _reportedUnderrun = 0;
-  std::optional<std::uint64_t> _gapsBefore;  // the output's gaps before the queue began to sound
-  std::uint64_t _gapCount = 0;               // of the output, when it was open last
+  std::optional<std::uint64_t> _gapsBefore;  // the output's gaps before the queue sounded
+  std::uint64_t _gapCount = 0;               // the output's gap count when it was last open
 };
 
 }  // namespace marlune

@@ -1,4 +1,4 @@
-// The worker's half of QueueEngine.
+// The worker thread's half of QueueEngine.
 
 #include <algorithm>
 #include <utility>
@@ -9,10 +9,10 @@
 namespace marlune {
 
 namespace {
-// How often the worker looks at the output while it plays: what a callback does cannot wake it.
+// Polling interval while playing: the callback must not lock, so it cannot wake the worker.
 constexpr std::chrono::milliseconds kLookInterval(3);
-// While there is more to decode, changes are posted no more often than this: each is a trip to the
-// main thread and back, and recordings rendered to a file end several in a millisecond.
+// While there is more to decode, changes are posted no more often than this: each costs a round
+// trip to the main thread, and rendering to a file can end several recordings per millisecond.
 constexpr std::chrono::milliseconds kPostInterval(5);
 }  // namespace
 
@@ -37,10 +37,10 @@ void QueueEngine::_run() {
   }
 }
 
-// One round of work. Whether it got anything done, so that another may.
+// One round of work. Returns whether it made progress, so that another round may follow.
 bool QueueEngine::_step() {
   const std::optional<std::uint64_t> orders =
-      _ordersWhileSounding();  // before the look at the route
+      _ordersWhileSounding();  // before the route's state is read
   const std::optional<AudioRoute::State> state = _route->stateFor(*this);
   _collectReturned();
   bool hasMoved = _endHeardItems(state);
@@ -65,8 +65,8 @@ void QueueEngine::_collectReturned() {
   }
 }
 
-// An item ends when it has been heard: the output's latency after its last frame was taken. An
-// output that is closed before that drops the frames, and the item is played again.
+// An item ends when it has been heard, which is the output's latency after its last frame was
+// taken. If the output is closed earlier, it drops the frames and the item is played again.
 bool QueueEngine::_endHeardItems(const std::optional<AudioRoute::State>& state) {
   bool hasMoved = false;
   if (state && state->opening == _opening) _latencyFrames = state->latencyFrames;
@@ -93,19 +93,19 @@ bool QueueEngine::_endHeardItems(const std::optional<AudioRoute::State>& state) 
 
 bool QueueEngine::_isHeard(const Ending& ending,
                            const std::optional<AudioRoute::State>& state) const {
-  // The count of taken frames goes on in the next opening and no longer shows what was heard.
+  // In a later opening the count of taken frames does not show what was heard in this one.
   if (state && state->opening != ending.opening) return _latencyFrames == 0;
   return _line.framesTaken() >= ending.takenAt + _latencyFrames;
 }
 
-// How many orders the control side had given, if the queue was to be heard by then.
+// The current number of orders, or nothing if the queue is not sounding.
 std::optional<std::uint64_t> QueueEngine::_ordersWhileSounding() const {
   const Lock lock(_mutex);
   if (!_isSounding()) return std::nullopt;
   return _orders;
 }
 
-// Whether something is wrong with the output.
+// Returns whether the output has a fault.
 bool QueueEngine::_watch(std::optional<std::uint64_t> orders,
                          const std::optional<AudioRoute::State>& state) {
   if (!orders) {
@@ -120,7 +120,7 @@ bool QueueEngine::_watch(std::optional<std::uint64_t> orders,
 std::optional<std::string> QueueEngine::_faultOf(const std::optional<AudioRoute::State>& state) {
   if (!state) return _route->whyClosed();
   if (state->loss) return state->loss;
-  if (_line.hasMisfit()) return "The sound output takes other channels than it announced.";
+  if (_line.hasMisfit()) return "The sound output changed its number of channels while open.";
   const Clock::time_point now = Clock::now();
   const std::uint64_t taken = _line.framesTaken();
   const bool hasMoved = taken != _watchedFrames || state->opening != _opening;
@@ -139,8 +139,8 @@ void QueueEngine::_fail(const std::string& reason, std::uint64_t orders, std::ui
   std::size_t dropped = 0;
   {
     const Lock lock(_mutex);
-    // Stopped meanwhile, and maybe started again on an output that has been opened since: what was
-    // seen is out of date.
+    // The queue was stopped, and perhaps restarted on a new opening: the observation is out of
+    // date.
     if (!_isSounding() || _orders != orders) return;
     dropped = _items.size();
     _status = QueuePlayer::Status::failed;
@@ -152,8 +152,7 @@ void QueueEngine::_fail(const std::string& reason, std::uint64_t orders, std::ui
   TQUtils::log("ERROR: The play queue has failed: %@ Sound files dropped: %lu.", reason, dropped);
 }
 
-// One line for each phrase: from when the queue begins to sound until its items have run out or it
-// is stopped.
+// Logs one line per phrase: from when the queue begins to sound until it runs empty or is stopped.
 void QueueEngine::_reportGaps(bool isSounding, const std::optional<AudioRoute::State>& state) {
   if (state) _gapCount = state->gapCount;
   if (isSounding) {
@@ -166,7 +165,7 @@ void QueueEngine::_reportGaps(bool isSounding, const std::optional<AudioRoute::S
   TQUtils::log("ERROR: The sound had gaps: the output ran out of it %lu times.", gaps);
 }
 
-// One line for each gap, or run of gaps that come faster than the worker looks.
+// Logs one line per gap, or per group of gaps within one polling interval.
 void QueueEngine::_reportUnderruns() {
   const std::uint64_t frames = _line.underrunFrames();
   if (frames == _reportedUnderrun) return;
@@ -175,14 +174,13 @@ void QueueEngine::_reportUnderruns() {
   _reportedUnderrun = frames;
 }
 
-// An output that was closed and opened again may have another format, and may have dropped frames
-// that it had taken. What was sent is then made again: a recording that was half played starts
-// again.
+// A reopened output may have another format and may have dropped frames that it had taken. Sent
+// blocks are then made again; a recording that was half played restarts.
 void QueueEngine::_followOpening(const AudioRoute::State& state) {
   if (_opening == state.opening) return;
   if (_format) {
     const std::optional<AudioFormat> format = _route->formatForClip(*_format, state.opening);
-    if (!format) return;  // closed meanwhile
+    if (!format) return;  // closed in between
     const Lock lock(_mutex);
     if (format != _format || _latencyFrames > 0) _startOver();
     _format = format;
@@ -202,7 +200,7 @@ bool QueueEngine::_decodeBlock() {
   if (!_decoder && !_openNext()) {
     _line.giveBack(block);
     const Lock lock(_mutex);
-    return _sentItems < _items.size();  // behind one that was left out
+    return _sentItems < _items.size();  // after one that was left out
   }
   _decoder->fill(*block);
   _sendBlock(block);
@@ -224,7 +222,7 @@ bool QueueEngine::_openNext() {
     return false;
   }
   const std::optional<AudioFormat> format = _route->formatForClip(decoder->clipFormat(), _opening);
-  if (!format) return false;  // closed meanwhile
+  if (!format) return false;  // closed in between
   if (!decoder->convertTo(*format, cause)) {
     _skip(*item, cause);
     return false;
@@ -238,7 +236,7 @@ bool QueueEngine::_openNext() {
 void QueueEngine::_skip(const FilePlayerItem& item, const std::string& cause) {
   {
     const Lock lock(_mutex);
-    if (_decoderGeneration != _generation) return;  // dropped meanwhile
+    if (_decoderGeneration != _generation) return;  // dropped in between
     _items[_sentItems]->leaveQueue(ItemFate::leftOut(cause));
     _items.erase(_items.begin() + static_cast<long>(_sentItems));
     _setItemsChanged(/*isCurrentItemOther=*/_sentItems == 0);

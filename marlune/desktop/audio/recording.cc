@@ -14,7 +14,7 @@ constexpr sf_count_t kMaxFileBytes = sf_count_t{1} << 30;
 constexpr int kMinSampleRate = 4'000;
 constexpr int kMaxSampleRate = 384'000;
 constexpr int kMaxChannels = 8;
-constexpr sf_count_t kMaxFramesPerByte = 16;  // more than any encoding of an AIFF file packs
+constexpr sf_count_t kMaxFramesPerByte = 16;  // more than any AIFF encoding achieves
 
 constexpr float kLoudest = 1e6f;  // full scale is 1
 
@@ -25,7 +25,7 @@ std::optional<std::string> faultOf(const SF_INFO& info, sf_count_t fileBytes) {
   if (info.channels < 1 || info.channels > kMaxChannels) {
     return "it has " + std::to_string(info.channels) + " channels";
   }
-  if (info.frames <= 0) return "it holds no sound";
+  if (info.frames <= 0) return "it contains no sound";
   if (info.frames / kMaxFramesPerByte > fileBytes) return "it claims more sound than it can hold";
   return std::nullopt;
 }
@@ -46,7 +46,7 @@ std::unique_ptr<Recording> Recording::open(const std::string& path, std::string&
 std::optional<std::string> Recording::_openSound() {
   if (_file->size() == 0) return "it is empty";
   if (_file->size() > kMaxFileBytes) return "it is larger than 1 GiB";
-  // Checked here so that nothing else ever reaches the library's readers of other formats.
+  // Checked here so that libsndfile's readers for other formats never see the data.
   if (!isAiff(*_file)) return "it is not an AIFF file";
   const std::optional<AiffHeader> header = AiffHeader::read(*_file);
   if (header && _openPlain(*header)) return std::nullopt;
@@ -58,8 +58,8 @@ std::optional<std::string> Recording::_openSound() {
   return std::nullopt;
 }
 
-// Most recordings: read without the library, which makes them floats or takes its time over the
-// header. Anything unusual is left to it.
+// Most recordings are plain 16-bit AIFF and need no library: it reads the header slowly, field by
+// field. Returns false for anything unusual.
 bool Recording::_openPlain(const AiffHeader& header) {
   const auto frameBytes = static_cast<std::uint64_t>(header.channels) * sizeof(short);
   const bool isPlain = header.bits == 16 && header.sampleBytes == sizeof(short) &&
@@ -67,7 +67,7 @@ bool Recording::_openPlain(const AiffHeader& header) {
                        header.sampleRate <= kMaxSampleRate;
   if (!isPlain || header.heldBytes < frameBytes) return false;
   const std::uint64_t held = header.heldBytes / frameBytes;
-  // The library goes by the bytes where the header claims fewer frames.
+  // The library counts the bytes if the header claims fewer frames.
   if (header.claimedFrames < header.claimedBytes / frameBytes) return false;
   _format = {header.sampleRate, header.channels};
   _frameCount = _plainFramesLeft = static_cast<std::int64_t>(held);
@@ -102,8 +102,8 @@ std::size_t Recording::read(float* frames, std::size_t count) {
   const sf_count_t done = sf_readf_float(_sound.get(), frames, static_cast<sf_count_t>(count));
   if (done <= 0) return 0;
   const auto samples = static_cast<std::size_t>(done) * static_cast<std::size_t>(_format.channels);
-  // A float encoding can hold anything, and one "not a number" would silence a resampler for good,
-  // as would numbers whose sum is infinite.
+  // Float encodings can contain any value. A NaN, or values whose sum is infinite, would silence a
+  // resampler permanently.
   std::transform(frames, frames + samples, frames, [](float value) {
     return std::isfinite(value) ? std::clamp(value, -kLoudest, kLoudest) : 0.0f;
   });

@@ -16,27 +16,28 @@
 
 namespace marlune {
 
-// An .aif or .aifc file open for reading, from its first frame on. What a header claims is checked
-// before anything is allocated by it: a corrupt file is refused or plays what it holds.
+// An .aif or .aifc file, open for reading from its first frame. Header values are checked before
+// they determine an allocation: a corrupt file is refused, or plays as far as its data goes.
 class Recording {
  public:
-  // Null when the file cannot be played, and then `cause` says why, as a clause.
+  // Returns null and sets `cause`, a clause, if the file cannot be played.
   static std::unique_ptr<Recording> open(const std::string& path, std::string& cause);
 
   const AudioFormat& format() const { return _format; }
   std::int64_t frameCount() const { return _frameCount; }
   double seconds() const { return static_cast<double>(_frameCount) / _format.sampleRate; }
 
-  // How many frames the header announces beyond those that the file holds: it has been cut off.
+  // Frames that the header promises but the file lacks; more than 0 if the file is truncated.
   std::int64_t missingFrames() const { return _missingFrames; }
 
-  // Whether the samples have 16 bits and can be read as they are.
+  // Whether the file has 16-bit samples that need no conversion.
   bool hasShorts() const { return _sound == nullptr; }
   // REQUIRES: hasShorts(). Otherwise like the read below.
   std::size_t read(short* frames, std::size_t count);
 
   // Reads up to `count` frames into `frames` (interleaved, in the recording's own format) and
-  // returns how many there were; fewer only at the end, or where a truncated file breaks off.
+  // returns the number read. It is smaller only at the end of the file, or where a truncated file
+  // stops.
   std::size_t read(float* frames, std::size_t count);
 
  private:
@@ -50,14 +51,14 @@ class Recording {
   bool _openPlain(const AiffHeader& header);
   std::size_t _readPlain(float* frames, std::size_t count);
 
-  std::unique_ptr<BufferedFile> _file;      // before _sound, which reads from it until it is closed
-  std::unique_ptr<SNDFILE, Closer> _sound;  // none for plain samples of 16 bits
+  std::unique_ptr<BufferedFile> _file;      // declared before _sound, which uses it
+  std::unique_ptr<SNDFILE, Closer> _sound;  // null for plain 16-bit samples
   AudioFormat _format;
   std::int64_t _frameCount = 0;
   std::int64_t _missingFrames = 0;
   std::int64_t _plainFramesLeft = 0;
-  std::vector<short> _plain;  // between the file and floats
-  bool _isSwapped = false;    // plain samples are in the other byte order than the machine's
+  std::vector<short> _plain;  // samples on their way to floats
+  bool _isSwapped = false;    // the file's byte order is not the machine's
 };
 
 }  // namespace marlune

@@ -51,7 +51,7 @@ std::size_t RenderLine::_render(Sample* frames, std::size_t count, int channels,
   const std::uint64_t before = _framesTaken.load(std::memory_order_relaxed);
   const bool isRunning = _isRunning.load() && _opening.load() == opening;
   std::size_t done = 0;
-  // A block is returned as soon as its last frame is out, so that its recording ends then.
+  // Returns a block as soon as its last frame is taken, so that its recording ends at that point.
   while (_haveBlock() && isRunning && _fits(channels)) {
     const std::size_t some = std::min(count - done, _current->frames - _position);
     copySamples(*_current, _position * samples, some * samples, frames + done * samples);
@@ -71,17 +71,17 @@ std::size_t RenderLine::_render(Sample* frames, std::size_t count, int channels,
 template std::size_t RenderLine::_render(float*, std::size_t, int, std::uint64_t) noexcept;
 template std::size_t RenderLine::_render(short*, std::size_t, int, std::uint64_t) noexcept;
 
-// Silence where a recording that is still to come should have followed at once.
+// Counts silence where the next recording should have followed at once.
 void RenderLine::_countUnderrun(std::size_t done, std::size_t count) noexcept {
   const std::uint32_t generation = _generation.load();
-  if (done == 0 && generation != _soundGeneration) _isInSound = false;  // that sound was cut off
+  if (done == 0 && generation != _soundGeneration) _isInSound = false;  // cut off on purpose
   _soundGeneration = generation;
   const bool isOwed = _owed.load() > 0;
   if (done < count && _isInSound && isOwed) _underrunFrames.fetch_add(count - done);
   _isInSound = (done > 0 || _isInSound) && (done == count || isOwed);
 }
 
-// Whether _current is a block that is wanted, unwanted ones having been returned.
+// Whether _current is a valid block; obsolete ones are returned first.
 bool RenderLine::_haveBlock() noexcept {
   const std::uint32_t generation = _generation.load();
   for (;;) {

@@ -19,7 +19,7 @@ SdlLibrary::SdlLibrary(LoadedLibrary& library) {
   library.find("SDL_CloseAudioDevice", closeAudioDevice);
   library.find("SDL_PauseAudioDevice", pauseAudioDevice);
   library.find("SDL_GetAudioDeviceStatus", getAudioDeviceStatus);
-  // Else the library takes Ctrl-C for itself.
+  // Otherwise SDL handles Ctrl-C itself.
   if (library.fault().empty()) setHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
 }
 

@@ -9,10 +9,10 @@
 
 namespace marlune {
 
-// The few functions of SDL that are used, loaded when they are first wanted: the library brings
-// some thirty others along, which a program that only renders should not wait for.
+// The SDL functions in use, loaded on demand: SDL pulls in some thirty other libraries, which would
+// delay programs that only render.
 struct SdlLibrary {
-  // Without any function, to be filled with stand-ins.
+  // Without functions, for tests that fill in stand-ins.
   SdlLibrary() = default;
 
   decltype(&SDL_SetHint) setHint = nullptr;
@@ -24,7 +24,7 @@ struct SdlLibrary {
   decltype(&SDL_PauseAudioDevice) pauseAudioDevice = nullptr;
   decltype(&SDL_GetAudioDeviceStatus) getAudioDeviceStatus = nullptr;
 
-  // Loads it once for the process. Null when that failed, and then `cause` says why.
+  // Loads the library once per process. Returns null and sets `cause` if that fails.
   static const SdlLibrary* shared(std::string& cause);
 
  private:

@@ -16,15 +16,15 @@ constexpr int kWantedRate = 48'000;
 constexpr int kWantedChannels = 2;
 constexpr int kBufferFrames = 1'024;
 constexpr double kPatienceSeconds = 2;
-// The buffer that is filled, the one that is played, and about as much again in a sound server.
+// The buffer being filled, the one being played, and about as much again in a sound server.
 constexpr std::size_t kBuffersUntilHeard = 4;
-// The device has at most this many buffers of sound left when a callback has returned.
+// After a callback returns, the device holds at most this many buffers of sound.
 constexpr int kBuffersAhead = 2;
 
 }  // namespace
 
-// A device from its opening to its closing. Shared by the output and the thread that opens and
-// closes it, since either can be the last to use it.
+// One device, from opening to closing. Shared by the output and the device thread, because either
+// can be the last to use it.
 class SdlOutput::Device {
  public:
   Device(Loader load, AudioSource& source, std::shared_ptr<std::atomic<std::uint64_t>> gaps)
@@ -32,20 +32,20 @@ class SdlOutput::Device {
     gate.setSource(&source);
   }
 
-  // The device thread.
+  // Device thread.
   void openFor(DeviceHandover& caller) {
     if (!caller.isGivenUp()) _open();
     if (!caller.offer()) close();
   }
 
-  // The device thread.
+  // Device thread.
   void close() {
     if (_id == 0) return;
     _sdl->closeAudioDevice(std::exchange(_id, 0));
     _sdl->quitSubSystem(SDL_INIT_AUDIO);
   }
 
-  // The rest is for whoever has accepted the device.
+  // Only for the side that has accepted the device.
   bool isOpen() const { return _id != 0; }
   const std::string& error() const { return _error; }
   const AudioFormat& format() const { return _format; }
@@ -94,7 +94,7 @@ class SdlOutput::Device {
     device.gate.render(reinterpret_cast<float*>(bytes), frames, channels);
   }
 
-  // The callback's thread.
+  // Callback thread.
   void _countIfLate(std::size_t frames) {
     const Clock::time_point now = Clock::now();
     const std::chrono::duration<double> buffer(static_cast<double>(frames) / _format.sampleRate);
@@ -104,12 +104,12 @@ class SdlOutput::Device {
 
   const Loader _load;
   const std::shared_ptr<std::atomic<std::uint64_t>> _gaps;
-  // Written while it is opened, read after that.
+  // Written during opening, read-only afterwards.
   const SdlLibrary* _sdl = nullptr;
   SDL_AudioDeviceID _id = 0;
   AudioFormat _format;
   std::string _error;
-  // The callback's own.
+  // Used by the callback only.
   std::optional<Clock::time_point> _lastCallback;
 };
 
@@ -142,7 +142,7 @@ AudioFormat SdlOutput::formatForClip(const AudioFormat& clip) {
 
 std::size_t SdlOutput::latencyFrames() const { return kBuffersUntilHeard * kBufferFrames; }
 
-// Polled: SDL reports a removal on another thread, and not every kind of loss.
+// Polls: SDL reports a removal on another thread, and does not report every kind of loss.
 std::optional<std::string> SdlOutput::loss() const {
   if (!_device || !_device->isStopped()) return std::nullopt;
   return "The sound device is gone.";

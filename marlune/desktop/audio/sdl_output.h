@@ -15,16 +15,16 @@ namespace marlune {
 
 struct SdlLibrary;
 
-// The default sound device, by way of SDL, at the rate and with the channels that the device
-// prefers. Has no role. Opening waits a moment for a device that does not answer, then gives up;
-// closing never waits.
+// The default sound device through SDL, with the rate and channels that the device prefers. Ignores
+// the role. Opening waits `patienceSeconds` for a device that does not answer, then fails. Closing
+// never waits.
 class SdlOutput : public AudioOutput {
  public:
-  // Finds the library's functions, or returns null and sets `cause`. Called by another thread.
+  // Returns the library's functions, or returns null and sets `cause`. Called on another thread.
   using Loader = std::function<const SdlLibrary*(std::string& cause)>;
 
   SdlOutput();
-  // `patienceSeconds`: how long an opening waits for the device.
+  // `patienceSeconds`: how long open waits for the device.
   SdlOutput(Loader load, double patienceSeconds)
       : _load(std::move(load)), _patienceSeconds(patienceSeconds) {}
   ~SdlOutput() override { close(); }
@@ -35,7 +35,7 @@ class SdlOutput : public AudioOutput {
   std::size_t latencyFrames() const override;
   std::optional<std::string> loss() const override;
   std::optional<double> stallLimitSeconds() const override { return 2.0; }
-  // Counts the callbacks that came so late that the device must have run out of sound.
+  // Counts callbacks that came so late that the device must have run out of sound.
   std::uint64_t gapCount() const override { return _gaps->load(); }
 
  private:
@@ -43,7 +43,7 @@ class SdlOutput : public AudioOutput {
 
   const Loader _load;
   const double _patienceSeconds;
-  // Shared with the device, whose callback can outlive this output for a moment.
+  // Shared with the device, whose callback can outlive this output briefly.
   const std::shared_ptr<std::atomic<std::uint64_t>> _gaps =
       std::make_shared<std::atomic<std::uint64_t>>(0);
   std::shared_ptr<Device> _device;  // null while closed

@@ -7,8 +7,8 @@
 
 namespace marlune {
 
-// A piece of decoded sound on its way from the worker to the callback and back, to be filled anew.
-// Never holds sound of two recordings.
+// A piece of decoded sound that travels from the worker to the callback and back for reuse. Never
+// contains sound of two recordings.
 struct SoundBlock {
   static constexpr std::size_t kCapacityFrames = 2'048;
 
@@ -19,14 +19,14 @@ struct SoundBlock {
   bool hasShorts = false;
   std::size_t frames = 0;
   int channels = 0;
-  std::uint32_t generation = 0;     // of the queue's content; an older one is no longer wanted
+  std::uint32_t generation = 0;     // of the queue's contents; older blocks are obsolete
   bool endsItem = false;            // the last of its recording
-  std::uint64_t missingFrames = 0;  // of its recording, as far as it has been read
-  // Set by the callback, which returns a block as soon as its last frame is taken or it turns out
-  // to be unwanted.
+  std::uint64_t missingFrames = 0;  // of its recording, as far as known
+  // Set by the callback, which returns a block as soon as its last frame is taken or it is
+  // obsolete.
   bool isTaken = false;
-  std::uint64_t takenAt = 0;       // frames that the output had taken by then, silence included
-  std::uint64_t takenOpening = 0;  // the output's opening that took it
+  std::uint64_t takenAt = 0;       // frames the output had taken by then, silence included
+  std::uint64_t takenOpening = 0;  // the opening of the output that took it
 };
 
 }  // namespace marlune

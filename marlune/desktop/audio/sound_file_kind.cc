@@ -42,7 +42,7 @@ std::string wavHeader(std::uint32_t rate, std::uint32_t channels, std::uint32_t 
 
 std::string aiffHeader(std::uint32_t rate, std::uint32_t channels, std::uint32_t dataBytes) {
   constexpr std::uint32_t kRestOfHeader = 46;
-  // The rate is a floating-point number of 80 bits: exponent, then mantissa with its leading 1.
+  // The rate is an 80-bit floating-point number: exponent, then mantissa with its leading 1.
   constexpr unsigned kExponentOfOne = 16'383;
   const auto width = static_cast<unsigned>(std::bit_width(rate));
   HeaderBytes header(/*isBigEndian=*/true);

@@ -10,14 +10,14 @@
 
 namespace marlune {
 
-// The kinds of sound file that can be written.
+// The sound file formats that can be written.
 enum class SoundFileKind { wav, aiff };
 
-// The kind that a file's ending stands for (.wav; .aif or .aiff). Nothing for any other ending.
+// The format for a file name's extension (.wav; .aif or .aiff). Nothing for any other extension.
 std::optional<SoundFileKind> soundFileKindOf(std::string_view path);
 
-// The bytes in front of `dataBytes` bytes of 16-bit samples: little-endian ones in a .wav file,
-// big-endian ones in an .aif file. The length of the header depends on the kind alone, and is even.
+// The header for `dataBytes` bytes of 16-bit samples: little-endian in a .wav file, big-endian in
+// an .aif file. Its length depends only on the format and is even.
 std::string soundFileHeader(SoundFileKind kind, const AudioFormat& format, std::uint32_t dataBytes);
 
 }  // namespace marlune

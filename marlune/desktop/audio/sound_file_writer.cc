@@ -22,7 +22,7 @@ namespace marlune {
 namespace {
 
 constexpr std::size_t kBufferSamples = std::size_t{64} * 1024;
-// Of a file whose end is not known; what is read as "to the end of the stream".
+// For a file of unknown length; readers take it as "to the end of the stream".
 constexpr std::uint32_t kUnknownBytes = 0x7FFF'F000;
 constexpr std::uint64_t kMaxFileBytes = 0xFFFF'FF00;  // sizes have 32 bits
 
@@ -37,7 +37,7 @@ std::unique_ptr<SoundFileWriter> SoundFileWriter::create(const std::string& path
 }
 
 std::string SoundFileWriter::targetOf(std::string path) {
-  constexpr int kMaxLinks = 40;  // as the system has it
+  constexpr int kMaxLinks = 40;  // the system's own limit
   std::error_code error;
   for (int i = 0; i < kMaxLinks; ++i) {
     const std::filesystem::path link = std::filesystem::read_symlink(path, error);
@@ -66,7 +66,7 @@ bool SoundFileWriter::_open() {
     _descriptor = openFile(_target.c_str(), O_WRONLY | O_NOCTTY);
     return _descriptor >= 0 || _fail(errno);
   }
-  // Renaming asks only for the folder's permission.
+  // Renaming needs only write permission on the folder, so check the file itself.
   if (::access(_target.c_str(), W_OK) != 0) return _fail(errno);
   const mode_t mode = status.st_mode & 0777;
   if (!_createDraft(mode)) return false;
@@ -77,7 +77,7 @@ bool SoundFileWriter::_createDraft(unsigned mode) {
   const std::string path = _target + ".partial";
   constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL;
   _descriptor = openFile(path.c_str(), kFlags, mode);
-  // What an earlier run left there is unlinked, not emptied: it may have another name.
+  // A draft left by an earlier run is unlinked, not truncated: it may have another hard link.
   if (_descriptor < 0 && errno == EEXIST && ::unlink(path.c_str()) == 0) {
     _descriptor = openFile(path.c_str(), kFlags, mode);
   }
@@ -124,7 +124,7 @@ bool SoundFileWriter::flush() {
   }
   const bool isWritten = _writeBuffer(size);
   if (_isDirect || (isFirst && isWritten)) return isWritten;
-  // Also after a failure: what was written until then can be heard.
+  // Also after a failure, so that what was written can be played.
   return _correctHeader() && isWritten;
 }
 
@@ -143,7 +143,7 @@ bool SoundFileWriter::_writeBuffer(std::uint64_t size) {
   return true;
 }
 
-// In place, so that a full disk does not matter.
+// Overwrites in place, so a full disk does not matter.
 bool SoundFileWriter::_correctHeader() {
   if (_fileBytes < _headerBytes) {
     ::unlink(_draftPath.c_str());

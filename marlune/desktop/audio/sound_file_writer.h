@@ -12,19 +12,19 @@
 
 namespace marlune {
 
-// A sound file of 16 bits in the making. Until commit() it is a draft, NAME.partial beside NAME:
-// what NAME held before stays. The header is brought up to date with every write, so the draft is
-// a valid sound file at any time. Symbolic links are followed first.
+// Writes a 16-bit sound file. Until commit() the file is a draft, NAME.partial next to NAME, and
+// NAME keeps its former contents. Every write updates the header, so the draft is a valid sound
+// file at any time. Symbolic links are resolved first.
 //
-// A target that exists and is no regular file (a device, a FIFO) is written directly, from front to
-// back: its header claims the greatest length, as readers of pipes expect.
+// A target that exists and is not a regular file (a device, a FIFO) is written directly and
+// sequentially. Its header claims the maximum length, as readers of pipes expect.
 class SoundFileWriter {
  public:
-  // Makes the draft, or opens what is written directly; waits for the reader of a FIFO. Null when
-  // that fails, and then `cause` says why, as a clause.
+  // Creates the draft, or opens a target that is written directly; waits for the reader of a FIFO.
+  // Returns null and sets `cause`, a clause, if that fails.
   static std::unique_ptr<SoundFileWriter> create(const std::string& path, SoundFileKind kind,
                                                  std::string& cause);
-  // `path` with the symbolic links at its end followed, as far as they lead.
+  // `path` with the symbolic links at its end resolved as far as possible.
   static std::string targetOf(std::string path);
   static std::string draftPathFor(const std::string& path) { return targetOf(path) + ".partial"; }
 
@@ -32,25 +32,25 @@ class SoundFileWriter {
   SoundFileWriter(const SoundFileWriter&) = delete;
   SoundFileWriter& operator=(const SoundFileWriter&) = delete;
 
-  // Once, before any sample.
+  // Call it once, before any sample.
   void start(const AudioFormat& format);
   bool isStarted() const { return _format.channels != 0; }
 
-  // Where the samples of the next frames go, in the machine's byte order, and for how many frames
-  // there is room (at least one). Then, add() takes `count` of them.
+  // Where to store the samples of the next frames, in the machine's byte order, and how many frames
+  // fit (at least one). add() then accepts `count` of them.
   short* room() { return _buffer.get() + _used; }
   std::size_t roomFrames() const;
   bool add(std::size_t count);
 
-  // Writes what is in the buffer. This and add() return false when something since the creation
-  // could not be written, and then cause() says why, as a clause.
+  // Writes the buffer. Like add(), returns false if anything since the creation could not be
+  // written; cause() then has the reason, as a clause.
   bool flush();
-  // Renames the draft; writing can go on behind what the file holds. Does nothing the second time,
-  // or for what is written directly. False when that fails; cause() then says why.
+  // Renames the draft; later writes append to the file. Does nothing when called again, or for a
+  // target that is written directly. Returns false on failure; cause() then has the reason.
   bool commit();
   const std::string& cause() const { return _cause; }
 
-  // Where the draft lies; empty when there is none (any more).
+  // The path of the draft; empty if there is none, or none any more.
   const std::string& draftPath() const { return _draftPath; }
 
  private:
@@ -72,9 +72,9 @@ class SoundFileWriter {
   std::string _cause;
   AudioFormat _format;
   std::unique_ptr<short[]> _buffer;
-  std::size_t _used = 0;  // samples in the buffer; before the first write the header's room, too
+  std::size_t _used = 0;  // samples in the buffer, plus room for the header before the first write
   std::uint64_t _headerBytes = 0;
-  std::uint64_t _fileBytes = 0;  // written
+  std::uint64_t _fileBytes = 0;  // bytes written
 };
 
 }  // namespace marlune

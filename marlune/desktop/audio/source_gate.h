@@ -9,11 +9,11 @@
 
 namespace marlune {
 
-// The place where a callback that nobody can stop meets a source that comes and goes. The
-// callback never waits; whoever changes the source waits out the call that is under way.
+// Connects a callback that cannot be stopped to a source that can be replaced. The callback never
+// waits; setSource waits for a call in progress.
 class SourceGate {
  public:
-  // From the return on, the source that was there before is not called any more. Null: silence.
+  // The previous source is not called after this returns. Null: silence.
   void setSource(AudioSource* source) {
     _source.store(source);
     while (_isRendering.load()) std::this_thread::yield();
@@ -29,7 +29,7 @@ class SourceGate {
  private:
   template <auto Render, typename Sample>
   std::size_t _render(Sample* frames, std::size_t count, int channels) noexcept {
-    _isRendering.store(true);  // before the look at _source: see setSource
+    _isRendering.store(true);  // before _source is read: see setSource
     AudioSource* const source = _source.load();
     std::size_t sounding = 0;
     if (source) {

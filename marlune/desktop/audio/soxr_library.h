@@ -9,15 +9,14 @@
 
 namespace marlune {
 
-// The few functions of the resampler that are used, loaded when they are first wanted: recordings
-// that have the output's rate need none of them.
+// The resampler functions in use, loaded on demand: recordings at the output's rate need none.
 struct SoxrLibrary {
   decltype(&soxr_quality_spec) qualitySpec = nullptr;
   decltype(&soxr_create) create = nullptr;
   decltype(&soxr_process) process = nullptr;
   decltype(&soxr_delete) destroy = nullptr;
 
-  // Loads it once for the process. Null when that failed, and then `cause` says why.
+  // Loads the library once per process. Returns null and sets `cause` if that fails.
   static const SoxrLibrary* shared(std::string& cause);
 
  private:

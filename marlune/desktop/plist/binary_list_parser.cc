@@ -13,10 +13,10 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 8;
 constexpr std::size_t kTrailerBytes = 32;
-constexpr std::size_t kCostOfLongValue = 80;  // its place among the long values
-constexpr std::size_t kMostUtf8OfUnit = 3;    // bytes of UTF-8 that two bytes of UTF-16 become
+constexpr std::size_t kCostOfLongValue = 80;  // its entry among the long values
+constexpr std::size_t kMostUtf8OfUnit = 3;    // bytes of UTF-8 for two bytes of UTF-16
 
-// The high half of an object's first byte.
+// The high four bits of an object's first byte.
 enum Kind : unsigned {
   kSimple = 0x0,
   kInteger = 0x1,
@@ -150,7 +150,7 @@ Value BinaryListParser::_simpleValue(std::size_t offset) const {
 }
 
 Value BinaryListParser::_container(std::size_t offset, std::size_t object) {
-  if (_isOpen[object]) fail("expected a tree, found an object that holds itself");
+  if (_isOpen[object]) fail("expected a tree, found an object that contains itself");
   if (_levels == kMostPropertyListLevels) {
     fail("expected at most " + std::to_string(kMostPropertyListLevels) +
          " levels of dictionaries and arrays, found more");
@@ -258,7 +258,7 @@ std::string BinaryListParser::_utf8FromWide(std::string_view wide) const {
   return text;
 }
 
-// 1, 2 and 4 bytes hold a number without a sign, 8 and 16 one with a sign.
+// Integers of 1, 2 and 4 bytes are unsigned, those of 8 and 16 signed.
 std::int64_t BinaryListParser::_integer(std::size_t offset) const {
   const unsigned exponent = _byte(offset) & 0xf;
   if (exponent > 4) fail("expected an integer of at most 16 bytes, found more");
@@ -292,8 +292,8 @@ Value BinaryListParser::_date(std::size_t offset) const {
   return Value::date(*date);
 }
 
-// The low half of an object's first byte counts its items; 15 says that an integer follows which
-// does.
+// The low four bits of an object's first byte are the item count; 15 means that an integer with the
+// count follows.
 BinaryListParser::Content BinaryListParser::_content(std::size_t offset,
                                                      std::size_t bytesAnItem) const {
   Content content{offset + 1, _byte(offset) & 0xfu};

@@ -16,22 +16,21 @@
 namespace marlune {
 
 // Reads the binary form: "bplist00", objects that refer to each other by number, a table of their
-// offsets, and a trailer of 32 bytes. Nothing in it is believed: every offset, count and reference
-// is held against the file. A container that several others refer to is copied for each; the
-// copies count against the memory that the file may take. Texts and bytes are shared, since nobody
-// changes them. A lone surrogate reads as U+FFFD. Objects that only archives hold (UIDs, sets, the
-// null object) are refused. One parser, one list.
+// offsets, and a 32-byte trailer. Every offset, count and reference is checked against the file. A
+// container with several referrers is copied for each; the copies count against the file's memory
+// budget. Texts and bytes are immutable and shared. A lone surrogate reads as U+FFFD. Objects that
+// occur only in archives (UIDs, sets, the null object) are refused. Use one parser for one list.
 class BinaryListParser {
  public:
   static bool looksBinary(std::string_view bytes) { return bytes.starts_with("bplist"); }
 
   explicit BinaryListParser(std::string_view bytes);
 
-  // The list's value. Throws PropertyListError, whose message tells the byte.
+  // The list's value. Throws PropertyListError, whose message names the byte.
   Value parse();
 
  private:
-  // Where the bytes of an object's content stand, and how many items it counts.
+  // The position of an object's content and the number of its items.
   struct Content {
     std::size_t offset;
     std::size_t count;
@@ -62,17 +61,17 @@ class BinaryListParser {
   unsigned char _byte(std::size_t offset) const;
 
   std::string_view _bytes;
-  std::string_view _objects;  // from the file's start to the table of offsets
+  std::string_view _objects;  // from the start of the file to the offset table
   std::size_t _offsetSize = 0, _referenceSize = 0;
   std::size_t _objectCount = 0, _rootObject = 0, _tableOffset = 0;
 
   MemoryBudget _budget;
   TextPool _pool;
-  // Long texts and all bytes, by object: what the pool does not share is made once, too.
+  // Long texts and all bytes, by object. The pool does not share these, so they are shared here.
   std::unordered_map<std::size_t, Value> _longValues;
-  std::vector<bool> _isOpen;  // objects that the one being read stands in
+  std::vector<bool> _isOpen;  // objects that enclose the one being read
   std::size_t _levels = 0;
-  std::size_t _place = 0;  // the byte that a failure is about
+  std::size_t _place = 0;  // the byte that an error refers to
 };
 
 }  // namespace marlune

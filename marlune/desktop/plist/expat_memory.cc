@@ -11,7 +11,7 @@ namespace marlune {
 
 namespace {
 
-// The library's hooks have no argument of ours to find it by.
+// Expat's memory functions have no user argument.
 thread_local MemoryBudget* budgetInUse = nullptr;
 
 bool isGranted(std::size_t bytes) { return !budgetInUse || budgetInUse->tryTake(bytes); }
@@ -20,8 +20,8 @@ void giveBack(std::size_t bytes) {
   if (budgetInUse) budgetInUse->giveBack(bytes);
 }
 
-// The allocator may give a little more than was asked for. What was taken must be what is given
-// back later, so it is the block's own size; a budget that cannot bear the rest is at its end.
+// The allocator may return a larger block than requested. Uses the block's real size, so that
+// freeing it returns the same amount. If the budget cannot cover the excess, it is exhausted.
 void* counted(void* block) {
   if (block && !isGranted(malloc_usable_size(block))) {
     std::free(block);
@@ -37,7 +37,7 @@ void release(void* block) {
   std::free(block);
 }
 
-// Always a new block: one that was not granted must leave the old one as it was.
+// Always allocates a new block: if the request is refused, the old block must stay unchanged.
 void* reallocate(void* block, std::size_t bytes) {
   void* larger = allocate(bytes);
   if (!larger || !block) return larger;

@@ -7,10 +7,10 @@
 
 namespace marlune {
 
-// Bounds the XML library's own memory: it remembers every attribute name, and an element of a
-// million attributes would take many times its length before any handler is called. A parser made
-// with the suite takes from the budget whose scope stands on the calling thread; when that is used
-// up the library gets no memory and says so.
+// Bounds the memory that Expat uses. Expat stores every attribute name, so an element with a
+// million attributes would use many times its length before any handler is called. A parser created
+// with this suite takes from the budget of the current scope on the calling thread; when the budget
+// is exhausted, Expat gets no memory and reports that.
 class ExpatMemory {
  public:
   ExpatMemory() = delete;
@@ -19,7 +19,7 @@ class ExpatMemory {
 
   class Scope {
    public:
-    explicit Scope(MemoryBudget& budget);  // which outlives it
+    explicit Scope(MemoryBudget& budget);  // must outlive the scope
     ~Scope();
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;

@@ -9,18 +9,18 @@
 
 namespace marlune {
 
-// What reading one file may take, its own bytes included: 26 times its size and 16 MiB, and never
-// more than 656 MiB. The parsers announce what they are about to make, and stop here instead of
-// making more.
+// The memory that reading one file may take, including the file's own bytes: 26 times its size plus
+// 16 MiB, and at most 656 MiB. The parsers charge every allocation in advance and stop when the
+// budget is exhausted.
 //
-// The factor is that of the densest lists in which no container stands twice, so that it refuses
-// none of them: a reference of one byte becomes a Value of 24. A list with more is one whose
-// objects share each other, so that each is copied again and again.
+// The factor covers the densest possible list in which no container is shared, so no such list is
+// refused: a reference of one byte becomes a Value of 24. Only lists that share containers, each of
+// which is copied for every referrer, can exceed it.
 class MemoryBudget {
  public:
   explicit MemoryBudget(std::size_t bytes) : _left(bytes) {}
 
-  // What reading a file of this size may take beside the file's own bytes.
+  // The memory that reading a file of this size may take in addition to the file's bytes.
   static MemoryBudget besideFile(std::size_t fileBytes) {
     return MemoryBudget(std::min(kTimesTheFile * fileBytes + kFixedBytes, kMostBytes - fileBytes));
   }
@@ -31,7 +31,7 @@ class MemoryBudget {
     }
   }
 
-  // For what comes and goes, and where nothing may be thrown. Whether there was enough.
+  // For temporary memory, and for code that must not throw. Returns whether there was enough.
   bool tryTake(std::size_t bytes) noexcept {
     if (bytes > _left) {
       _hasRefused = true;
@@ -42,11 +42,11 @@ class MemoryBudget {
   }
   void giveBack(std::size_t bytes) noexcept { _left += bytes; }
 
-  // Whether there was not enough once. The system may run out of memory while it is false.
+  // Whether tryTake ever returned false. Distinguishes this bound from the system's out of memory.
   bool hasRefused() const { return _hasRefused; }
 
-  // Room for `count` elements or characters in a vector or string that grows step by step. Counts
-  // what it holds at each moment: the former room, too, while its content is moved.
+  // Reserves room for `count` elements or characters in a vector or string that grows step by step.
+  // Charges the peak usage, which includes the old buffer while its content is moved.
   template <typename Sequence>
   void makeRoom(Sequence& sequence, std::size_t count) {
     constexpr std::size_t kElement = sizeof(typename Sequence::value_type);
@@ -55,12 +55,12 @@ class MemoryBudget {
     const std::size_t room = std::max(count, former + former / 2);
     take(room * kElement);
     sequence.reserve(room);
-    take((sequence.capacity() - room) * kElement);  // a string doubles its room at least
+    take((sequence.capacity() - room) * kElement);  // a string at least doubles its capacity
     giveBack(former * kElement);
   }
 
-  // What the parts of a tree cost, the allocator's overhead included. A number costs no more than
-  // the Value that holds it.
+  // The cost of the parts of a tree, including the allocator's overhead. A number costs only the
+  // Value that holds it.
   static constexpr std::size_t costOfArray(std::size_t elements) {
     return kContainer + (elements > 0 ? kBlock + elements * sizeof(Value) : 0);
   }
@@ -74,11 +74,11 @@ class MemoryBudget {
   }
 
  private:
-  static constexpr std::size_t kContainer = 64;     // the object and its count of holders
-  static constexpr std::size_t kBlock = 16;         // the allocator's share of another block
-  static constexpr std::size_t kIndexedEntry = 60;  // a node and its share of the table
+  static constexpr std::size_t kContainer = 64;     // the object and its reference count
+  static constexpr std::size_t kBlock = 16;         // the allocator's overhead per block
+  static constexpr std::size_t kIndexedEntry = 60;  // a node and its share of the hash table
 
-  // What is left of the bound after the file itself, and slack for what is not announced.
+  // The rest of the bound after the file itself, and slack for uncounted allocations.
   static constexpr std::size_t kTimesTheFile = 25;
   static constexpr std::size_t kFixedBytes = std::size_t{12} << 20;
   static constexpr std::size_t kMostBytes = std::size_t{652} << 20;

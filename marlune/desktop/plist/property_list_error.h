@@ -6,13 +6,13 @@
 
 namespace marlune {
 
-// Why a list cannot be read: "expected this, found that". Thrown inside the parsers only; whoever
-// catches it knows the place and puts it in front.
+// Why a list cannot be read: "expected this, found that". Thrown only inside the parsers; the code
+// that catches it adds the position in front.
 struct PropertyListError {
   std::string message;
 };
 
-// `text` from a file as a message shows it: in quotes, on one line, cut when it is long.
+// `text` from a file for use in a message: quoted, on one line, truncated if long.
 std::string quotedExcerpt(std::string_view text);
 
 // `text` with every control character replaced by a question mark.

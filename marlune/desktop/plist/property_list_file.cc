@@ -13,7 +13,7 @@ namespace marlune {
 namespace {
 
 bool looksLikeXml(std::string_view bytes) {
-  // UTF-16 is recognised by its byte order mark; everything else has "<" as its first character.
+  // UTF-16 is recognised by its byte order mark; in any other encoding "<" is the first character.
   if (bytes.starts_with("\xfe\xff") || bytes.starts_with("\xff\xfe")) return true;
   if (bytes.starts_with("\xef\xbb\xbf")) bytes.remove_prefix(3);
   const std::size_t first = bytes.find_first_not_of(" \t\r\n");

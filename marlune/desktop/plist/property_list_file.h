@@ -8,21 +8,20 @@
 
 namespace marlune {
 
-// Reads property lists from files, in the XML and the binary form. Holds no state.
+// Reads property lists from files, in the XML and the binary form. Stateless.
 //
-// A file of more than 64 MiB, one that is no regular file and one in the old-style text form are
-// refused; so are more than 256 levels of nesting, a key that stands twice in one dictionary, and
-// a list that would take more memory than 26 times its file and 16 MiB, or than 656 MiB: one whose
-// objects hold each other again and again. An error begins with the
-// file's name and goes on with the place: "line 7, column 12" (both from 1, in characters) or
-// "byte 96" (from 0).
+// Refuses a file of more than 64 MiB, one that is not a regular file, the old-style text form, more
+// than 256 levels of nesting, a duplicate key in a dictionary, and a list that would take more
+// memory than 26 times its file plus 16 MiB, or more than 656 MiB, which happens only if its
+// objects refer to each other many times. An error starts with the file's name and the position:
+// "line 7, column 12" (both from 1, in characters) or "byte 96" (from 0).
 //
 // Threads: any, at any time.
 class PropertyListFile : public PropertyListReader {
  public:
   Result readFile(const std::string& path) const noexcept override;
 
-  // The list that `bytes` hold. `name` is what errors begin with; none when it is empty.
+  // The list in `bytes`. Errors start with `name`, unless it is empty.
   Result readBytes(std::string_view bytes, std::string_view name) const noexcept;
 };
 

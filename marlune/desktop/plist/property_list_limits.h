@@ -5,11 +5,11 @@
 
 namespace marlune {
 
-// How many dictionaries and arrays may stand inside each other. Everything that walks a list
-// recurs over its levels; this leaves each of them 2 KiB on a thread with a 512 KiB stack.
+// The maximum nesting of dictionaries and arrays. All code that walks a list recurses per level;
+// this leaves 2 KiB per level on a thread with a 512 KiB stack.
 inline constexpr std::size_t kMostPropertyListLevels = 256;
 
-// The longest file that is read.
+// The maximum size of a file.
 inline constexpr std::size_t kMostPropertyListBytes = std::size_t{64} << 20;
 
 }  // namespace marlune

@@ -17,7 +17,7 @@ namespace {
 
 class OpenFile {
  public:
-  // Not blocking: opening a FIFO that nobody writes to would wait for ever otherwise.
+  // Non-blocking: otherwise opening a FIFO without a writer would wait forever.
   explicit OpenFile(const char* path)
       : _descriptor(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY)) {
     if (_descriptor < 0) _fail();
@@ -34,7 +34,7 @@ class OpenFile {
     while (filled < bytes.size()) {
       const ssize_t got = ::read(_descriptor, bytes.data() + filled, bytes.size() - filled);
       if (got < 0 && errno != EINTR) _fail();
-      if (got == 0) break;  // it has become shorter meanwhile
+      if (got == 0) break;  // the file was truncated in between
       if (got > 0) filled += static_cast<std::size_t>(got);
     }
     bytes.resize(filled);

@@ -5,8 +5,8 @@
 
 namespace marlune {
 
-// The bytes of the file at `path`, which must be a regular file of at most 64 MiB: a directory, a
-// FIFO or a device would hang the read or fill the memory. Throws PropertyListError otherwise.
+// The bytes of the file at `path`. Throws PropertyListError unless it is a regular file of at most
+// 64 MiB: a directory, a FIFO or a device would block the read or exhaust memory.
 std::string contentOfRegularFile(const std::string& path);
 
 }  // namespace marlune

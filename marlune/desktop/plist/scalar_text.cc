@@ -32,7 +32,7 @@ std::string_view trimmed(std::string_view text) {
   throw PropertyListError{"expected " + std::string(expected) + ", found " + quotedExcerpt(found)};
 }
 
-// Takes the sign off the front of `text`; whether it is a minus.
+// Removes a sign from the front of `text`. Returns whether it was a minus.
 bool takeSign(std::string_view& text) {
   if (text.empty() || (text.front() != '-' && text.front() != '+')) return false;
   const bool isNegative = text.front() == '-';
@@ -40,7 +40,8 @@ bool takeSign(std::string_view& text) {
   return isNegative;
 }
 
-// Exactly `digits` digits and then `after` off the front of `text` (no `after`: nothing more).
+// Removes exactly `digits` digits and then `after` from the front of `text`. With `after` 0, the
+// text must end after the digits.
 std::optional<int> takeNumber(std::string_view& text, std::size_t digits, char after = 0) {
   const std::size_t length = digits + (after ? 1 : 0);
   if (text.size() < length || (after && text[digits] != after)) return std::nullopt;
@@ -53,7 +54,8 @@ std::optional<int> takeNumber(std::string_view& text, std::size_t digits, char a
   return number;
 }
 
-// ".25" off the front of `text` as milliseconds, further digits dropped; 0 without a fraction.
+// Removes a fraction such as ".25" from the front of `text` and returns it in milliseconds; further
+// digits are dropped. 0 if there is no fraction.
 std::optional<int> takeMilliseconds(std::string_view& text) {
   if (text.empty() || text.front() != '.') return 0;
   text.remove_prefix(1);
@@ -136,7 +138,7 @@ double dateFromText(std::string_view text) {
 }
 
 std::optional<double> dateInRange(double secondsSince2001) {
-  constexpr double kFirst = -63113904000, kLast = 252423993600;  // the years 1 and 10000 begin
+  constexpr double kFirst = -63113904000, kLast = 252423993600;  // start of the years 1 and 10000
   if (!(secondsSince2001 >= kFirst && secondsSince2001 < kLast - 1)) return std::nullopt;
   return std::round(secondsSince2001 * 1000) / 1000;
 }

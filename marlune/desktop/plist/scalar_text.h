@@ -8,26 +8,28 @@
 
 #include "marlune/platform/value.h"
 
-// Numbers, dates and bytes as the XML form spells them. What is read may stand between blanks. The
-// reading functions throw PropertyListError, saying what was expected and what was found.
+// Conversion of numbers, dates and bytes from and to their XML form. Blanks around the text are
+// ignored. The reading functions throw PropertyListError with what was expected and what was found.
 namespace marlune {
 
-// Decimal or, after "0x", hexadecimal, with an optional sign; in the range of 64 bits.
+// Decimal, or hexadecimal after "0x", with an optional sign; 64 bits.
 std::int64_t integerFromText(std::string_view text);
 
-// Decimal with an optional exponent, or "nan", "inf", "infinity" in any case, signed or not.
+// Decimal with an optional exponent, or "nan", "inf", "infinity" in any case, with an optional
+// sign.
 double realFromText(std::string_view text);
 std::string textFromReal(double number);
 
-// "2014-03-03T10:07:05Z", with an optional fraction of which the milliseconds are kept. In seconds
-// since the start of 2001. Years run from 1 to 9999.
+// "2014-03-03T10:07:05Z", with an optional fraction, kept to the millisecond. In seconds since the
+// start of 2001. Years 1 to 9999.
 double dateFromText(std::string_view text);
 std::string textFromDate(double secondsSince2001);
 
-// The date in whole milliseconds, as any form of list holds it; nothing outside those years.
+// The date rounded to milliseconds, the resolution of every form of list; nothing outside those
+// years.
 std::optional<double> dateInRange(double secondsSince2001);
 
-// Base64, blanks anywhere in it.
+// Base64; blanks are allowed anywhere.
 std::string bytesFromBase64(std::string_view text);
 std::string base64FromBytes(std::string_view bytes);
 

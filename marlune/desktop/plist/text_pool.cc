@@ -7,7 +7,8 @@ namespace marlune {
 
 namespace {
 
-// A file made so that its texts collide loses sharing, not time.
+// If a file is crafted so that its texts collide, they are no longer shared, but reading stays
+// fast.
 constexpr std::size_t kMostProbes = 24;
 
 }  // namespace
@@ -29,7 +30,8 @@ std::shared_ptr<const std::string> TextPool::_made(std::string_view text) {
   return std::make_shared<const std::string>(text);
 }
 
-// The slot that holds `text` or where it may go; nullptr when too many others stand there.
+// The slot that contains `text` or is free for it; nullptr if too many other texts occupy its probe
+// sequence.
 TextPool::Slot* TextPool::_slotFor(std::string_view text, std::size_t hash) {
   const std::size_t mask = _slots.size() - 1;
   for (std::size_t probe = 0; probe < kMostProbes; ++probe) {

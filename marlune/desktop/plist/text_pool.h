@@ -11,13 +11,13 @@
 
 namespace marlune {
 
-// The texts of one file, equal short ones made once: a grammar of 2,000 rules holds "_lhs" 2,000
-// times. Lives as long as the parse; the texts live on with the values that share them.
+// Shares equal short texts of one file: a grammar of 2,000 rules contains "_lhs" 2,000 times. The
+// pool lives as long as the parse; the texts live on with the values that share them.
 class TextPool {
  public:
   static constexpr std::size_t kLongestShared = 32;  // bytes
 
-  // `budget` pays for the texts and outlives the pool.
+  // `budget` is charged for the texts and must outlive the pool.
   explicit TextPool(MemoryBudget& budget) : _budget(budget) {}
 
   // A text equal to `text`, shared with earlier ones if it is short. Never null.
@@ -25,7 +25,7 @@ class TextPool {
 
  private:
   struct Slot {
-    std::shared_ptr<const std::string> text;  // null: the slot is free
+    std::shared_ptr<const std::string> text;  // null if the slot is free
     std::size_t hash = 0;
   };
 
@@ -34,7 +34,7 @@ class TextPool {
   Slot* _slotFor(std::string_view text, std::size_t hash);
 
   MemoryBudget& _budget;
-  std::vector<Slot> _slots = std::vector<Slot>(64);  // a power of two, at most 3/4 of it in use
+  std::vector<Slot> _slots = std::vector<Slot>(64);  // size is a power of two, at most 3/4 in use
   std::size_t _used = 0;
 };
 

@@ -13,11 +13,11 @@ namespace marlune {
 
 namespace {
 
-// What the XML library may hold. It needs some KiB for a list; more is for a long comment, which it
-// keeps until it ends.
+// Memory limit for Expat. A list needs a few KiB; a long comment needs more, because Expat keeps it
+// until it ends.
 constexpr std::size_t kMostLibraryBytes = std::size_t{8} << 20;
 
-// The library copies each piece that it is given.
+// Expat copies each piece it is given.
 constexpr std::size_t kPieceBytes = std::size_t{256} << 10;
 
 bool isBlank(std::string_view text) {
@@ -57,8 +57,8 @@ Value XmlListParser::parse() {
   return std::move(_values.front());
 }
 
-// Runs a handler's work. No exception may cross the C frames of the XML library: the first failure
-// is kept with its place and stops the parse. Handlers can still be called once after that.
+// Runs a handler's work. Exceptions must not cross Expat's C frames: the first failure is stored
+// with its position and stops the parse. Expat may still call handlers once after that.
 template <typename Work>
 void XmlListParser::_guarded(const Work& work) noexcept {
   if (!_error.empty()) return;
@@ -69,7 +69,7 @@ void XmlListParser::_guarded(const Work& work) noexcept {
       _error = _placed(error.message);
     }
   } catch (const std::bad_alloc&) {
-    _error = "out of memory";  // short enough to need none
+    _error = "out of memory";  // short enough not to allocate
   }
   if (!_error.empty()) XML_StopParser(_parser.get(), /*resumable=*/XML_FALSE);
 }
@@ -90,7 +90,7 @@ void XmlListParser::_installHandlers() {
     auto* parser = static_cast<XmlListParser*>(self);
     parser->_guarded([&] { parser->_text({text, static_cast<std::size_t>(length)}); });
   });
-  // Entities would let a small file grow without bound, or name another file.
+  // Entities could make a small file grow without bound, or refer to another file.
   XML_SetEntityDeclHandler(
       _parser.get(), [](void* self, const XML_Char* name, int, const XML_Char*, int,
                         const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
@@ -98,8 +98,8 @@ void XmlListParser::_installHandlers() {
         parser->_guarded(
             [&] { parser->_failFinding("the declaration of an entity " + quotedExcerpt(name)); });
       });
-  // With a document type that is not looked at, an unknown entity is no error to the XML library:
-  // it would quietly be left out of the text.
+  // If the document type is not read, Expat does not report an unknown entity as an error and would
+  // silently drop it from the text.
   XML_SetSkippedEntityHandler(_parser.get(), [](void* self, const XML_Char* name, int) {
     auto* parser = static_cast<XmlListParser*>(self);
     parser->_guarded([&] { parser->_failFinding("the unknown entity " + quotedExcerpt(name)); });
@@ -293,7 +293,7 @@ void XmlListParser::_failFinding(std::string_view found) const {
 }
 
 std::string XmlListParser::_placed(std::string_view message) const {
-  // The XML library counts columns from 0.
+  // Expat counts columns from 0.
   return "line " + std::to_string(XML_GetCurrentLineNumber(_parser.get())) + ", column " +
          std::to_string(XML_GetCurrentColumnNumber(_parser.get()) + 1) + ": " +
          std::string(message);
@@ -306,7 +306,7 @@ std::string XmlListParser::_brokenXml() const {
     case XML_ERROR_NO_MEMORY:
       return _placed(_libraryBudget.hasRefused()
                          ? "the XML library ran out of the memory that a list may take"
-                         : "out of memory");
+                         : "ran out of memory parsing the XML");
     case XML_ERROR_NO_ELEMENTS:
     case XML_ERROR_UNCLOSED_TOKEN:
     case XML_ERROR_UNCLOSED_CDATA_SECTION:

@@ -15,21 +15,22 @@
 
 namespace marlune {
 
-// Reads the XML form. Opens nothing: the document type may name a file, which is not looked at,
-// and entities may not be declared. A key may stand once in a dictionary. One parser, one list.
+// Reads the XML form. Opens no other file: a document type may name one, but it is not read, and
+// entity declarations are refused. Duplicate keys in a dictionary are refused. Use one parser for
+// one list.
 //
-// Values wait on one flat stack until their container ends and is made in its final size: nothing
-// is moved twice, and a list that breaks off deep inside leaves no deep value to tear down.
+// Values stay on one flat stack until their container ends and is created at its final size.
+// Nothing is moved twice, and a list that breaks off deep inside leaves no deep value to destroy.
 class XmlListParser {
  public:
   explicit XmlListParser(std::string_view bytes);
 
-  // The list's value. Throws PropertyListError, whose message tells line and column.
+  // The list's value. Throws PropertyListError, whose message names line and column.
   Value parse();
 
  private:
   enum class Element : unsigned char {
-    none,  // also an element that no list holds
+    none,  // also an element unknown in property lists
     plist,
     dictionary,
     array,
@@ -42,7 +43,7 @@ class XmlListParser {
     data,
     date,
   };
-  // An open container; its content so far is everything on the stacks from here on.
+  // An open container. Its content so far is everything on the stacks from these positions.
   struct Frame {
     Element element;
     std::size_t firstValue;
@@ -79,16 +80,16 @@ class XmlListParser {
 
   std::string_view _bytes;
   MemoryBudget _budget;
-  MemoryBudget _libraryBudget;  // a part of it
+  MemoryBudget _libraryBudget;  // part of the file's budget
   std::unique_ptr<XML_ParserStruct, FreeParser> _parser;
   TextPool _pool;
   std::vector<Frame> _frames;
   std::vector<Value> _values;
   std::vector<Dictionary::Key> _keys;
-  Element _leaf = Element::none;  // the open element that holds text
+  Element _leaf = Element::none;  // the open element that contains text
   std::string _leafText;
   bool _isComplete = false;
-  std::string _error;  // the first failure of a handler, with its place
+  std::string _error;  // the first failure of a handler, with its position
 };
 
 }  // namespace marlune

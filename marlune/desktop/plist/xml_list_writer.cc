@@ -16,7 +16,7 @@ constexpr std::string_view kStart =
     "<plist version=\"1.0\">\n";
 constexpr std::string_view kReplacement = "\xef\xbf\xbd";
 
-// The length of the UTF-8 character that `text` begins with, if XML can hold it; else 0.
+// The length of the first UTF-8 character of `text`, or 0 if XML cannot represent it.
 std::size_t lengthOfCharacter(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned first = byte(0);
@@ -86,7 +86,7 @@ class Writer {
     return _writeLine("</array>", level);
   }
 
-  // Whether a container may stand at `level`; the root is at 0.
+  // Whether a container is allowed at `level`; the root is at 0.
   static bool _mayHold(std::size_t level) { return level < kMostPropertyListLevels; }
 
   bool _writeLine(std::string_view line, std::size_t level) {
@@ -132,7 +132,7 @@ class Writer {
       case '&':
         return "&amp;";
       default:
-        return "&#13;";  // as it stands, the reader would take it for a line feed
+        return "&#13;";  // XML parsers read a literal CR as a line feed
     }
   }
 };

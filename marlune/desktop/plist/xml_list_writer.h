@@ -8,10 +8,10 @@
 
 namespace marlune {
 
-// `value` as an XML property list, indented with tabs. Reading it gives an equal value, except
-// that characters XML has no way to write (most control characters, bytes that are not UTF-8)
-// are written as U+FFFD. Nothing when the value is absent, nests deeper than a list may or holds
-// a date outside the years 1 to 9999.
+// `value` as an XML property list, indented with tabs. Reading it gives an equal value, except that
+// what XML cannot represent (most control characters, bytes that are not UTF-8) is written as
+// U+FFFD. Returns nothing if the value is absent, nests too deeply, or contains a date outside the
+// years 1 to 9999.
 std::optional<std::string> writePropertyListXml(const Value& value);
 
 }  // namespace marlune

@@ -14,7 +14,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kLongestDomain = 200;  // a file name has 255 bytes
+constexpr std::size_t kLongestDomain = 200;  // file names are limited to 255 bytes
 
 bool canBeFileName(std::string_view domain) {
   return !domain.empty() && domain.size() <= kLongestDomain && domain.front() != '.' &&
@@ -22,7 +22,7 @@ bool canBeFileName(std::string_view domain) {
          domain.find('\0') == std::string_view::npos && domain.find("..") == std::string_view::npos;
 }
 
-// REQUIRES: `value` is no ring.
+// REQUIRES: `value` does not contain itself.
 Value deepCopyOf(const Value& value) {
   if (const auto& dictionary = value.asDictionary()) {
     auto copy = std::make_shared<Dictionary>();
@@ -111,7 +111,7 @@ bool FilePreferences::synchronize(std::string_view domain) {
       lock.lock();
       if (stored) {
         found->stored = stored;
-        // What was set meanwhile is still to be written.
+        // Changes set since then are still to be written.
         std::erase_if(found->changes, [&](const auto& each) {
           const auto written = changes.find(each.first);
           return written != changes.end() && written->second.turn == each.second.turn;
@@ -124,7 +124,7 @@ bool FilePreferences::synchronize(std::string_view domain) {
   return stored != nullptr;
 }
 
-// What the file holds once the changes are in it; nullptr when it could not be read or changed.
+// What the file contains after the changes; nullptr if it could not be read or changed.
 std::shared_ptr<const Dictionary> FilePreferences::_storedAfter(
     const PreferencesFile& file, const std::shared_ptr<const Dictionary>& lastKnown,
     const Changes& changes, Lines& lines) const {
@@ -168,7 +168,7 @@ FilePreferences::Domain* FilePreferences::_domainNamed(std::string_view name, Li
   return &_domains.emplace(std::string(name), std::move(domain)).first->second;
 }
 
-// Without any lock: a system log may well ask for a preference.
+// Without any lock: a system log may read a preference.
 void FilePreferences::_write(const Lines& lines) {
   for (const std::string& line : lines) TQUtils::systemLog("%@", line);
 }

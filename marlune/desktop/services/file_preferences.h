@@ -15,41 +15,41 @@
 
 namespace marlune {
 
-// Preferences that are kept as files, "<folder>/<domain>.plist". A domain is read at its first
-// use and at every synchronize; synchronize writes this object's own changes into what the file
-// then holds. A file that is no list of preferences counts as empty; before it is replaced it is
-// kept under another name, with a line in the system log. So does every other fault write a line.
+// Preferences stored in files, "<folder>/<domain>.plist". A domain is read at its first use and at
+// every synchronize, which merges this object's own changes into the file. A file that is not a
+// list of preferences counts as empty; before it is replaced, it is kept under another name and a
+// line is logged. Every other fault is logged, too.
 //
-// Values are copied in and out: what a caller does to a container is not seen by another.
+// Values are copied in and out, so changing a container does not affect the stored value.
 //
-// Threads: any, at any time; the file is never waited for while the values are locked.
+// Threads: any, at any time. No lock on the values is held during file access.
 class FilePreferences : public Preferences {
  public:
-  // The folder is made when it is first written to. An empty folder is none: values live as long
-  // as this object, and synchronize fails. An own domain that cannot be a file's name (empty, with
-  // a "/", a "..", a leading "." or over 200 bytes) has no values; nor has any other such domain.
+  // The folder is created when it is first written to. With an empty folder, values live as long as
+  // this object, and synchronize fails. A domain that cannot be a file name (empty, with a "/", a
+  // "..", a leading "." or over 200 bytes) has no values; that includes `ownDomain`.
   FilePreferences(std::string folder, std::string ownDomain);
-  ~FilePreferences() override;  // writes what was not synchronized yet
+  ~FilePreferences() override;  // writes changes not synchronized yet
 
-  // "$XDG_CONFIG_HOME/marlune", or ".config/marlune" in the user's home when that variable does
-  // not name an absolute path. Empty when there is no home either.
+  // "$XDG_CONFIG_HOME/marlune", or ".config/marlune" in the user's home if that variable is not an
+  // absolute path. Empty if there is no home either.
   static std::string defaultFolder();
 
-  // A value that no property list can hold, since it nests too deeply or in a ring, is refused
-  // with a line.
+  // Refuses, with a log line, a value that cannot be stored: one that nests too deeply or contains
+  // itself.
   Value valueForKey(std::string_view key, std::string_view domain) const override;
   void setValueForKey(const Value& value, std::string_view key, std::string_view domain) override;
   bool synchronize(std::string_view domain) override;
 
  private:
   struct Change {
-    Value value;  // absent: the key is removed
+    Value value;  // absent: remove the key
     std::uint64_t turn;
   };
   using Changes = std::map<std::string, Change, std::less<>>;
   struct Domain {
     PreferencesFile file;
-    std::shared_ptr<const Dictionary> stored;  // what the file held; never null, never changed
+    std::shared_ptr<const Dictionary> stored;  // contents of the file; never null, never modified
     Changes changes;
   };
   using Lines = std::vector<std::string>;
@@ -63,8 +63,8 @@ class FilePreferences : public Preferences {
 
   const std::string _folder;
   const std::string _ownDomain;
-  std::mutex _synchronizing;  // one synchronize at a time; taken before the next one
-  mutable std::mutex _mutex;  // for all below
+  std::mutex _synchronizing;  // allows one synchronize at a time; locked before _mutex
+  mutable std::mutex _mutex;  // guards all below
   mutable std::map<std::string, Domain, std::less<>> _domains;
   std::uint64_t _turns = 0;
 };

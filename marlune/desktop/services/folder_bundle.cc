@@ -40,8 +40,8 @@ void visitEntries(const std::string& folder, const Visit& visit) {
 
 }  // namespace
 
-// Not through std::filesystem, which makes a path of each entry and takes it to pieces: of a folder
-// with a voice in it that takes longer than the search for a phrase.
+// Does not use std::filesystem, which builds a path for each entry and parses it again: in a
+// voice's folder that takes longer than decomposing a phrase.
 std::vector<std::string> FolderBundle::pathsForResourcesOfType(std::string_view type,
                                                                std::string_view directory) const {
   const std::string extension = "." + std::string(type);
@@ -75,8 +75,8 @@ std::optional<std::string> FolderBundle::pathForResource(std::string_view name,
   return _pathOfEquivalent(folder, file);
 }
 
-// The folder is searched, since a file system may hold a name in a form that is neither composed
-// nor decomposed throughout.
+// Searches the folder, because a name on disk may be in a form that is neither fully composed nor
+// fully decomposed.
 std::optional<std::string> FolderBundle::_pathOfEquivalent(const std::string& folder,
                                                            std::string_view file) {
   const std::string composed = inNormalFormC(file);

@@ -7,24 +7,24 @@
 
 namespace marlune {
 
-// A folder as a resource bundle: its resources are the regular files (or links to such) in it and
-// in its sub-folders. Reads the folder anew at every call; keeps nothing open.
+// A folder as a resource bundle. Its resources are the regular files, and links to them, in the
+// folder and its sub-folders. Every call reads the folder again; nothing stays open.
 //
-// A name may be on the disk in any of Unicode's equivalent forms, as other systems write them: it
-// is reported in normal form C, once, and found by each of its forms.
+// A name on disk may have any of Unicode's equivalent forms, as other systems write them. It is
+// reported once, in normal form C, and found by any of its forms.
 //
 // Threads: any, at any time.
 class FolderBundle : public ResourceBundle {
  public:
   explicit FolderBundle(std::string folder) : _folder(std::move(folder)) {}
 
-  // Sorted by name, byte by byte. Where a name on the disk is in another form than C, the path
-  // names no file: pathForResource gives the one to open.
+  // Sorted by name, byte by byte. If a name on disk is not in form C, the path does not exist;
+  // pathForResource returns the one to open.
   std::vector<std::string> pathsForResourcesOfType(std::string_view type,
                                                    std::string_view directory) const override;
 
-  // The file of exactly this name, or else one of an equivalent name.
-  // A name that would leave the directory (one with a "/") names no resource.
+  // The file with exactly this name, or else one with an equivalent name. A name that would leave
+  // the directory (one with a "/") is never found.
   std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
                                              std::string_view directory) const override;
 

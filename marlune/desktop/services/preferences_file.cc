@@ -29,7 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::steady_clock;
 
-// A change takes milliseconds. Who holds the lock longer hangs, and must not take us along.
+// A change takes milliseconds. If a process holds the lock longer, it hangs; do not hang with it.
 constexpr std::chrono::seconds kLockPatience{2};
 constexpr std::chrono::milliseconds kLockPause{5};
 
@@ -54,8 +54,8 @@ class Descriptor {
   int _descriptor;
 };
 
-// Closing the descriptor lets go of the lock. The file stays: taking it away would let two
-// processes hold the locks of two files of one name.
+// Closing the descriptor releases the lock. The lock file is not deleted: otherwise two processes
+// could each lock a different file of that name.
 void lock(const Descriptor& file, const std::string& path) {
   const auto end = steady_clock::now() + kLockPatience;
   while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
@@ -67,7 +67,7 @@ void lock(const Descriptor& file, const std::string& path) {
   }
 }
 
-// The file that `path` stands for: where a link points to, if it does.
+// The file that `path` refers to, with symbolic links resolved.
 std::string resolved(const std::string& path) {
   std::error_code error;
   const fs::path target = fs::canonical(path, error);
@@ -85,7 +85,8 @@ void writeWhole(const std::string& path, std::string_view bytes, mode_t mode) {
   if (::fsync(file) != 0) fail("write", path);
 }
 
-// Makes the renaming itself outlast a power cut. Not every file system can; nothing is lost then.
+// Makes the rename itself survive a power cut. Ignores failure: some file systems cannot do it, and
+// nothing is lost then.
 void syncFolderOf(const std::string& path) {
   const std::string folder = fs::path(path).parent_path();
   const Descriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
@@ -136,7 +137,7 @@ std::shared_ptr<Dictionary> PreferencesFile::update(const std::function<void(Dic
   return content.values;
 }
 
-// Gives the file a second name, so that replacing it leaves it there; that name.
+// Hard-links the file to a second name, so that replacing it does not delete it. Returns that name.
 std::string PreferencesFile::_keepAside() const {
   constexpr int kMostNames = 1000;
   for (int n = 1; n <= kMostNames; ++n) {

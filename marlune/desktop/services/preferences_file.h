@@ -11,26 +11,26 @@
 
 namespace marlune {
 
-// One domain of preferences on the disk: the property list "<domain>.plist" in a folder, with a
-// dictionary at its root. Processes take turns in changing it, through a lock file beside it; who
-// reads without the lock sees the file before a change or after it, never in between.
+// One domain of preferences on disk: the property list "<domain>.plist" in a folder, with a
+// dictionary at its root. Processes serialise their changes with a lock file next to it. A reader
+// without the lock sees the file either before or after a change.
 class PreferencesFile {
  public:
   PreferencesFile(std::string folder, std::string_view domain);
 
-  // The file as it stands. A file that is not there reads as an empty dictionary. nullptr when it
-  // cannot be read, or, `isDamaged`, could be read and is no list of preferences.
+  // The current contents. A missing file reads as an empty dictionary. nullptr if the file cannot
+  // be read, or if it can but is not a list of preferences (`isDamaged`).
   struct Content {
     std::shared_ptr<Dictionary> values;
     bool isDamaged = false;
-    std::string problem;  // then why: a sentence
+    std::string problem;  // set if `values` is null: a sentence
   };
   Content read() const;
 
-  // Reads the file, lets `change` alter it, and puts it in the file's place. A damaged file is
-  // first kept beside it, as "<domain>.plist.damaged-<n>", with a sentence in `lines`; `lastKnown`
-  // stands in for it. Answers what the file holds now. Throws std::runtime_error when the file
-  // could not be changed; then it is as it was.
+  // Reads the file, applies `change` and replaces the file. A damaged file is first kept as
+  // "<domain>.plist.damaged-<n>", a sentence is added to `lines`, and `lastKnown` is used instead
+  // of its contents. Returns the new contents. Throws std::runtime_error, with the file unchanged,
+  // if that fails.
   std::shared_ptr<Dictionary> update(const std::function<void(Dictionary&)>& change,
                                      const Dictionary& lastKnown,
                                      std::vector<std::string>& lines) const;

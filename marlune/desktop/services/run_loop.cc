@@ -11,11 +11,11 @@
 namespace marlune {
 namespace {
 
-// As good as for ever, and still far from where time points overflow.
+// Practically forever, and far from overflowing a time point.
 constexpr double kLongestWaitSeconds = 1e9;
 
 std::chrono::steady_clock::duration durationOf(double seconds) {
-  if (!(seconds > 0)) seconds = 0;  // a delay that is no number is none
+  if (!(seconds > 0)) seconds = 0;  // NaN counts as no delay
   return std::chrono::duration_cast<std::chrono::steady_clock::duration>(
       std::chrono::duration<double>(std::min(seconds, kLongestWaitSeconds)));
 }
@@ -113,7 +113,7 @@ void RunLoop::_runWaited(Lock& lock, Wait& wait) {
   lock.lock();
   wait.error = std::move(error);
   wait.state = Wait::State::done;
-  wait.changed.notify_one();  // under the lock: the waiting thread takes `wait` with it
+  wait.changed.notify_one();  // under the lock: the waiting thread destroys `wait` when it returns
 }
 
 bool RunLoop::_isDue() const {
@@ -161,7 +161,7 @@ void RunLoop::stop() {
 
 void RunLoop::end() {
   if (_isInChild()) return;
-  std::map<Turn, Entry> dropped;  // ends after the lock: what the work holds may call back
+  std::map<Turn, Entry> dropped;  // destroyed after unlocking: captures may call back
   const Lock lock(_mutex);
   _hasEnded = true;
   dropped.swap(_entries);
@@ -187,13 +187,14 @@ int RunLoop::fileDescriptor() {
   return _timer;
 }
 
-// The timer's descriptor turns readable once the first turn has come and stays so until the timer
-// is set anew, which makes it all that polling needs: what is due now is set for a time gone by.
+// The timer's descriptor becomes readable when the first turn is due and stays so until the timer
+// is set again, so it is the only descriptor to poll. Work that is already due sets a time in the
+// past.
 void RunLoop::_armTimer() {
   const auto first = _entries.empty() ? Clock::time_point::max() : _entries.begin()->first.first;
   if (_timer < 0 || first == _timerSet) return;
   _timerSet = first;
-  itimerspec setting{};  // zero: not set
+  itimerspec setting{};  // zero: disarmed
   if (!_entries.empty()) {
     const auto sinceStart = first.time_since_epoch();  // of the monotonic clock
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceStart);

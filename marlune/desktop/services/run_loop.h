@@ -22,17 +22,16 @@
 
 namespace marlune {
 
-// The main thread of a program without one of its own: the thread that makes the loop. It runs
-// what is posted while it is in run(), or whenever an app with a loop of its own calls
-// runPending(). Such an app either polls fileDescriptor() beside its other descriptors or asks
-// secondsUntilNext() how long it may sleep.
+// The main thread for a program that has none of its own: the thread that creates the loop. Posted
+// work runs inside run(), or when an app with its own loop calls runPending(). Such an app either
+// polls fileDescriptor() with its other descriptors, or sleeps for at most secondsUntilNext().
 //
-// Work that throws: what runAndWait was given throws in the thread that waits; what was posted
-// throws out of runPending() or run(), and the work behind it stays in the loop.
+// Exceptions: work passed to runAndWait throws in the waiting thread. Posted work throws out of
+// runPending() or run(); the work after it stays in the loop.
 //
-// In a child that fork() made, the loop has ended: nothing runs, and no thread is the main thread.
+// In a child created by fork() the loop has ended: nothing runs, and no thread is the main thread.
 //
-// Threads: any, at any time, except what is marked "main thread". No lock is held while work runs.
+// Threads: any, at any time, except where "main thread" is stated. No lock is held while work runs.
 class RunLoop : public MainThread {
  public:
   RunLoop();
@@ -45,41 +44,40 @@ class RunLoop : public MainThread {
   void post(std::function<void()> work) override { postAfter(0, std::move(work)); }
   void postAfter(double seconds, std::function<void()> work) override;
 
-  // Runs what is due now, in order, and returns how many that was. What it posts meanwhile waits
+  // Runs the work that is due, in order, and returns its number. Work posted in the meantime waits
   // for the next call. Main thread.
   std::size_t runPending();
 
-  // How long until there is something to run: 0 when there is now, nothing when no work is left.
+  // Seconds until there is work to run: 0 if there is some now, nothing if no work is left.
   std::optional<double> secondsUntilNext() const;
 
-  // Sleeps until there is something to run, stop() was called or `seconds` have passed. Whether
-  // there is something to run. Main thread.
+  // Sleeps until there is work to run, stop() is called or `seconds` have passed. Returns whether
+  // there is work to run. Main thread.
   bool waitFor(double seconds);
 
-  // Runs work as it comes until stop(), which may come from the work itself, from any thread, or
-  // before. One stop ends one run. Main thread.
+  // Runs work as it arrives until stop() is called, by the work itself, by any thread, or
+  // beforehand. One stop ends one run. Main thread.
   void run();
   void stop();
 
-  // Ends the loop for good: pending work is dropped, waiting threads are released with false, and
-  // so is all later work, except that runAndWait on the main thread still runs at once.
+  // Ends the loop permanently. Pending and later work is dropped, and threads that wait for work
+  // get false; only runAndWait on the main thread still runs its work at once.
   void end();
 
-  // Readable (poll, epoll, select) while there is something to run. Owned by the loop, not to be
-  // read from. Made at the first call; -1 when the system refuses. Main thread.
+  // Readable (poll, epoll, select) while there is work to run. Owned by the loop; do not read from
+  // it. Created by the first call; -1 if the system refuses. Main thread.
   int fileDescriptor();
 
-  // While this stands, no work of `worker` is waited for: what it waits for now is given up
-  // without running, and what it would wait for later is refused at once (runAndWait returns
-  // false). This is how the owner of a worker that waits for the main thread joins it from the
-  // main thread; both are decided under the lock under which work is taken to be run, so there is
-  // no moment in between.
+  // While one exists, `worker` cannot wait for work on the main thread: work it waits for now is
+  // dropped without running, and later attempts are refused at once (runAndWait returns false). Use
+  // it to join, from the main thread, a worker that waits for the main thread. Both decisions are
+  // made under the lock that guards taking work, so there is no race.
   //
   //     const RunLoop::Refusal refusal(loop, worker.get_id());
   //     worker.join();
   //
-  // It must end after the join and before the system gives the id to another thread that matters.
-  // Work of the worker that is running already cannot be given up, so it must not be what joins.
+  // It must end after the join and before the system can reuse the thread's id. Work of the worker
+  // that is already running cannot be dropped, so that work must not be the caller of join.
   class Refusal {
    public:
     Refusal(RunLoop& loop, std::thread::id worker);
@@ -105,31 +103,31 @@ class RunLoop : public MainThread {
     std::exception_ptr error;
     std::condition_variable changed;
   };
-  // Work to be run: either its own or that of a waiting thread.
+  // Work to run: posted work, or that of a waiting thread.
   struct Entry {
     std::function<void()> work;
     Wait* wait = nullptr;
   };
-  // When it is due, and the place in the order of posting.
+  // The time it is due, and its place in the order of posting.
   using Turn = std::pair<Clock::time_point, std::uint64_t>;
 
   bool _isInChild() const;
 
-  // These five with the lock held.
+  // These five require the lock.
   void _enqueue(double seconds, Entry entry);
   bool _isDue() const;
   void _giveUp(Wait& wait);
   void _armTimer();
   void _runWaited(Lock& lock, Wait& wait);
 
-  bool _runNext(const Turn& limit);  // what is first, if its turn is before `limit`
+  bool _runNext(const Turn& limit);  // the first entry, if its turn is before `limit`
   bool _takeStop();
   void _refuseWaitsFrom(std::thread::id worker);
   void _acceptWaitsFrom(std::thread::id worker);
 
   const pid_t _process = ::getpid();
   const std::thread::id _thread = std::this_thread::get_id();
-  mutable std::mutex _mutex;  // for all below
+  mutable std::mutex _mutex;  // guards all below
   std::condition_variable _wake;
   std::condition_variable _waitsLeft;
   std::map<Turn, Entry> _entries;

@@ -17,7 +17,7 @@ constexpr auto kOptions = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8P
 // The longest canonical decomposition of one character has four code points.
 constexpr std::size_t kLongestDecomposition = 8;
 
-// Text without a code point from U+0300 on is in normal form C: no byte of it reaches 0xCC.
+// Text without code points from U+0300 on is in normal form C: all of its bytes are below 0xCC.
 bool isPlainlyComposed(std::string_view text) {
   return std::none_of(text.begin(), text.end(),
                       [](char c) { return static_cast<unsigned char>(c) >= 0xCC; });
@@ -29,10 +29,10 @@ utf8proc_propval_t combiningClass(utf8proc_int32_t codePoint) {
 
 bool isMark(utf8proc_int32_t codePoint) { return combiningClass(codePoint) != 0; }
 
-// Every character taken apart, its marks in the order of the text. Nothing for invalid UTF-8.
+// Every character decomposed, with its marks in the order of the text. Nothing for invalid UTF-8.
 std::optional<CodePoints> decomposed(std::string_view text) {
   CodePoints points;
-  points.reserve(text.size() + 1);  // and room for the terminator that re-encoding writes
+  points.reserve(text.size() + 1);  // includes room for the terminator that re-encoding writes
   auto* next = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
   for (auto left = static_cast<utf8proc_ssize_t>(text.size()); left > 0;) {
     utf8proc_int32_t point = 0;
@@ -50,7 +50,7 @@ std::optional<CodePoints> decomposed(std::string_view text) {
   return points;
 }
 
-// The library's own sort is quadratic in the length of a run of marks.
+// utf8proc's own sort takes quadratic time in the length of a run of marks.
 void sortMarks(CodePoints& points) {
   for (auto begin = points.begin(); begin != points.end();) {
     begin = std::find_if(begin, points.end(), isMark);

@@ -6,9 +6,9 @@
 
 namespace marlune {
 
-// UTF-8 text in Unicode's normal form C (NFC): a letter and its marks are one character wherever
-// there is such a character. Text that is not valid UTF-8 is returned unchanged. Takes
-// O(n log n) time for any text, a long run of marks included. Threads: any, at any time.
+// UTF-8 text in Unicode normal form C (NFC): a letter and its marks form one character if such a
+// character exists. Text that is not valid UTF-8 is returned unchanged. Takes O(n log n) time for
+// any text, including long runs of marks. Threads: any, at any time.
 std::string inNormalFormC(std::string_view text);
 
 }  // namespace marlune
