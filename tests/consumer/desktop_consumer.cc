@@ -1,5 +1,5 @@
-// Uses the desktop's property lists, whose reader needs a library of its own. Succeeds when the
-// file that does not exist is refused with a reason.
+// Uses the property-list reader, which needs another library. Succeeds if a missing file is refused
+// with a reason.
 #include "marlune/desktop/plist/property_list_file.h"
 
 int main() {

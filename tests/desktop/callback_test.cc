@@ -1,5 +1,5 @@
-// What the output's callback may do: this program counts every allocation, release and lock of the
-// thread that is inside it.
+// Checks what the output's callback does: this program counts every allocation, release and lock on
+// the thread that is inside it.
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -66,7 +66,7 @@ int pthread_cond_signal(pthread_cond_t* condition) noexcept {
 namespace marlune {
 namespace {
 
-// A clock whose callback is watched.
+// A clock that counts what happens inside its callback.
 class WatchedOutput : public AudioOutput, private AudioSource {
  public:
   std::optional<std::string> open(AudioSource& source, const std::string& role) override {
@@ -91,7 +91,7 @@ class WatchedOutput : public AudioOutput, private AudioSource {
 
 TEST(CallbackTest, AllocatesReleasesAndLocksNothingOverAWholeRun) {
   isInCallback = true;
-  void* volatile memory = std::malloc(1);  // a compiler that sees it is not used leaves both out
+  void* volatile memory = std::malloc(1);  // volatile keeps the allocation
   std::free(memory);
   std::mutex().lock();
   isInCallback = false;

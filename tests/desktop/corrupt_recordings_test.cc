@@ -1,5 +1,5 @@
-// Recordings that are damaged in seeded ways: each is refused or played, and takes no more memory
-// than its size calls for. Meant for the sanitizers as well.
+// Recordings with seeded damage: each is refused or played, and uses memory in proportion to its
+// size. Also meant for the sanitizers.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -23,7 +23,7 @@ using Random = std::mt19937;
 std::size_t anyOf(Random& random, std::size_t count) { return random() % count; }
 
 void flipBytes(Bytes& bytes, Random& random) {
-  // Most of them in the header, where they do harm.
+  // Mostly in the header, where damage has the most effect.
   const std::size_t reach = anyOf(random, 4) == 0 ? bytes.size() : 64;
   for (std::size_t i = 1 + anyOf(random, 8); i > 0; --i) {
     bytes[anyOf(random, reach)] = static_cast<char>(random());
@@ -32,7 +32,7 @@ void flipBytes(Bytes& bytes, Random& random) {
 
 void truncate(Bytes& bytes, Random& random) { bytes.resize(anyOf(random, bytes.size())); }
 
-// Puts an extreme number where a size, a count or a rate is.
+// Writes an extreme number over a size, a count or a rate.
 void lie(Bytes& bytes, Random& random) {
   constexpr std::size_t kFields[] = {4, 16, 20, 22, 26, 28, 30, 42, 46, 50};
   constexpr std::uint32_t kNumbers[] = {0,           1,           0x7FFF'FFFF, 0x8000'0000,
@@ -43,7 +43,7 @@ void lie(Bytes& bytes, Random& random) {
   }
 }
 
-// How many frames it plays; nothing when it is refused, and then it must have been said why.
+// The number of frames played; nothing if the recording is refused, which requires a reason.
 std::optional<std::size_t> framesPlayedOf(const std::string& path) {
   std::string cause;
   const std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(path, cause);
@@ -79,7 +79,7 @@ TEST(CorruptRecordingsTest, AreRefusedOrPlayWhatTheyHold) {
     kDamages[i / std::size(kOriginals) % std::size(kDamages)](bytes, random);
     const auto frames = framesPlayedOf(folder.writeBytes("damaged.aif", bytes));
     ++(frames ? played : refused);
-    // At worst a byte is four frames of a compressed kind at a twelfth of the output's rate.
+    // At worst a byte is four compressed frames at a twelfth of the output's rate.
     EXPECT_LE(frames.value_or(0), bytes.size() * 4 * 12);
   }
   EXPECT_GT(played, 50);

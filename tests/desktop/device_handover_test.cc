@@ -1,4 +1,4 @@
-// A device that answers at about the moment at which the caller loses patience.
+// A device whose opening completes at about the time the caller gives up.
 
 #include "marlune/desktop/audio/device_handover.h"
 
@@ -21,8 +21,8 @@ namespace {
 
 using Microseconds = std::chrono::microseconds;
 
-// Stands in for SDL: the opening takes as long as the test says, and a device calls back until it
-// is closed.
+// Replaces SDL: an opening takes as long as the test sets, and an open device runs its callback
+// until it is closed.
 class StandInSdl {
  public:
   StandInSdl() {
@@ -39,7 +39,7 @@ class StandInSdl {
     library.getAudioDeviceStatus = [](SDL_AudioDeviceID) { return SDL_AUDIO_PLAYING; };
     _current = this;
   }
-  // Closing does not wait: the last one may still be on its way here.
+  // Closing does not wait, so the last close may still be pending.
   ~StandInSdl() { PatientThread::forDevices().waitUntilIdle(600); }
 
   std::size_t openDevices() const {
@@ -47,7 +47,7 @@ class StandInSdl {
     return _devices.size();
   }
 
-  // As the device's thread does for all that are open.
+  // What the device thread does for all open devices.
   void callBack() const {
     const std::lock_guard lock(_mutex);
     std::array<float, 64> frames;
@@ -88,18 +88,18 @@ TEST(DeviceHandoverTest, ADeviceThatAnswersAsPatienceEndsBelongsToExactlyOneSide
   StandInSdl sdl;
   const auto load = [&](std::string&) { return &sdl.library; };
   SilentSource source;
-  std::mt19937 random(8);  // NOLINT(bugprone-random-generator-seed): the same in every run
+  std::mt19937 random(8);  // NOLINT(bugprone-random-generator-seed): reproducible
   std::array<int, 2> outcomes = {};
   for (int round = 0; round < 3'000; ++round) {
     sdl.openingTakes = Microseconds(200 + static_cast<int>(random() % 250));
     SdlOutput output(load, std::chrono::duration<double>(kPatience).count());
     const bool isOpen = !output.open(source, "");
     ++outcomes[isOpen];
-    // An opening that waits its turn behind the first, for as long as that takes.
+    // A second opening waits for the first, however long that takes.
     sdl.openingTakes = Microseconds(0);
     SdlOutput next(load, 600);
     ASSERT_EQ(next.open(source, ""), std::nullopt);
-    sdl.callBack();  // into a freed object, if one was left open that nobody owns
+    sdl.callBack();  // would use a freed object if a device without an owner were left open
     ASSERT_EQ(sdl.openDevices(), isOpen ? 2U : 1U) << "round " << round;
   }
   RecordProperty("answered", outcomes[1]);

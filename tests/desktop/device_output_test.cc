@@ -1,5 +1,4 @@
-// The sound device, by way of the driver that has none behind it: what is heard is not looked at
-// here, nor when.
+// The sound device with SDL's dummy driver: checks neither what is heard nor when.
 
 #include "marlune/desktop/audio/device_output.h"
 

@@ -1,4 +1,4 @@
-// The queue engine held to what every queue player keeps.
+// Runs the contract of all queue players against the queue engine.
 
 #include "support/engine_rig.h"
 #include "support/queue_player_contract.h"

@@ -17,7 +17,7 @@ TEST_F(EngineScheduleTest, EachItemIsHeardToItsEndOrDroppedWithALineOrStillQueue
   EXPECT_EQ(counts.lost, 0u) << "items are in no queue, or have a fate that they cannot have";
   EXPECT_EQ(counts.strange, 0u) << "frames belong to no recording";
   EXPECT_EQ(counts.unanswered, 0u) << "waits for the main thread were given up";
-  // The schedule is one that gets somewhere.
+  // The schedule actually plays recordings.
   EXPECT_GT(counts.heardWhole, 50u);
   EXPECT_GT(counts.failed, 50u);
   EXPECT_GT(counts.removed, 50u);

@@ -17,7 +17,7 @@ using Samples = std::vector<short>;
 
 class FileOutputTest : public PlatformFixture {
  protected:
-  // Plays the recordings to the file through a queue of their own.
+  // Plays the recordings to the file through a new queue.
   static void play(const std::shared_ptr<AudioRoute>& route,
                    const std::vector<std::string>& paths) {
     DesktopAudioSession session(route);
@@ -38,7 +38,7 @@ class FileOutputTest : public PlatformFixture {
 };
 
 TEST_F(FileOutputTest, TakesTheFormatOfTheFirstRecordingAndKeepsEverySample) {
-  // Every value that a sample of 16 bits can have.
+  // Every possible 16-bit sample.
   Samples all;
   for (int value = -32'768; value <= 32'767; ++value) all.push_back(static_cast<short>(value));
   const AudioFormat stereo = {22'050, 2};
@@ -63,7 +63,7 @@ TEST_F(FileOutputTest, TheFileKeepsWhatItHeldUntilTheRenderingIsWhole) {
   const std::string draft = path + ".partial";
   folder.writeBytes("x.wav", {'o', 'l', 'd'});
   ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
-  // What lies in the draft's place may have another name: it must not be emptied.
+  // The file in the draft's place may have another hard link: it must not be truncated.
   std::filesystem::create_hard_link(clip, draft);
   std::filesystem::create_symlink("x.wav", folder.path("link.wav"));
 
@@ -127,7 +127,7 @@ TEST_F(FileOutputTest, FinerSamplesAreRoundedAndLouderOnesClipped) {
 }
 
 TEST_F(FileOutputTest, ALongRecordingIsWrittenWhole) {
-  const Samples samples = countingSamples(2'000'000, 0);  // many times the read-ahead
+  const Samples samples = countingSamples(2'000'000, 0);  // many times longer than the read-ahead
   play(routeTo(folder.path("x.wav")), {folder.write("long.aif", samples, {22'050, 1})});
   EXPECT_EQ(readSound(folder.path("x.wav")).samples, samples);
 }
@@ -148,8 +148,8 @@ TEST_F(FileOutputTest, SaysWhyItCannotBeWritten) {
   }
 }
 
-// A sine cut over files of several formats: the largest step between neighbouring samples, and the
-// largest bend, stay what a sine of that pitch has.
+// A sine cut into files of several formats. The largest step between neighbouring samples and the
+// largest change of slope stay those of a sine of that pitch.
 TEST_F(FileOutputTest, ASineCutOverFilesOfSeveralFormatsJoinsWithoutAStep) {
   const AudioFormat kFormats[] = {{44'100, 1}, {22'050, 1}, {48'000, 2}, {22'050, 2}, {48'000, 1}};
   constexpr double kHertz = 440;
@@ -159,7 +159,7 @@ TEST_F(FileOutputTest, ASineCutOverFilesOfSeveralFormatsJoinsWithoutAStep) {
     std::size_t atTarget = 0;
     for (int clip = 0; clip < 25; ++clip) {
       const AudioFormat format = kFormats[clip % 5];
-      // 17 ms and a bit: each cut falls on another phase, at a whole frame of every rate.
+      // A little over 17 ms: each cut falls at another phase, on a whole frame at every rate.
       const auto frames = static_cast<std::size_t>(format.sampleRate / 150 * (3 + clip % 4));
       const double start = static_cast<double>(atTarget) / target.sampleRate;
       atTarget += static_cast<std::size_t>(target.sampleRate / 150 * (3 + clip % 4));

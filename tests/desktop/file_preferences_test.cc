@@ -26,7 +26,7 @@ class TemporaryFolder {
   std::string path() const { return _path; }
   std::string path(std::string_view name) const { return _path / name; }
 
-  // The names in it, hidden ones left out unless they begin with `hidden`.
+  // The names in the folder, without hidden ones unless they begin with `hidden`.
   std::vector<std::string> names(std::string_view hidden = "..") const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(_path)) {
@@ -44,7 +44,7 @@ class TemporaryFolder {
   }();
 };
 
-// What every implementation of Preferences has to do, the fake of the tests included.
+// The contract of every implementation of Preferences, including the tests' fake.
 class FreshFake {
  public:
   FakePreferences preferences;
@@ -147,7 +147,7 @@ TEST_F(FilePreferencesTest, ADamagedFileIsKeptBeforeItIsReplaced) {
   const auto preferences = opened();
   for (const std::string content : {"<plist><dict>", "<plist><true/></plist>"}) {
     write(content);
-    EXPECT_FALSE(preferences->synchronize(""));  // nothing to write: nothing is touched
+    EXPECT_FALSE(preferences->synchronize(""));  // no changes, so the file is not touched
     preferences->setValueForKey(Value::boolean(true), "a", "");
     EXPECT_TRUE(preferences->synchronize(""));
     EXPECT_TRUE(stored("a").booleanValue());
@@ -173,7 +173,7 @@ TEST_F(FilePreferencesTest, WhatCannotBeReadOrWrittenStaysAsItIs) {
                             ": expected a regular file, found a directory"));
   EXPECT_TRUE(preferences->valueForKey("a", "").booleanValue());
   fs::remove(path());
-  EXPECT_TRUE(preferences->synchronize(""));  // the change was not forgotten
+  EXPECT_TRUE(preferences->synchronize(""));  // the change was kept
   EXPECT_TRUE(stored("a").booleanValue());
 }
 
@@ -236,7 +236,7 @@ TEST_F(FilePreferencesTest, ContainersAreCopiedInAndOut) {
   preferences->valueForKey("list", "").asArray()->elements().clear();
   EXPECT_EQ(preferences->valueForKey("list", "").asArray()->count(), 1u);
 
-  mine->elements().push_back(Value::array(mine));  // a ring
+  mine->elements().push_back(Value::array(mine));  // contains itself
   preferences->setValueForKey(Value::array(mine), "ring", "");
   EXPECT_TRUE(preferences->valueForKey("ring", "").isAbsent());
   mine->elements().clear();
@@ -263,7 +263,7 @@ TEST_F(FilePreferencesTest, ManyWritersLoseNothing) {
   constexpr int kWriters = 4, kKeys = 20;
   const auto shared = opened();
   const auto work = [&](int writer) {
-    const auto own = opened();  // stands for a process: only the lock file joins it to the others
+    const auto own = opened();  // acts as a separate process
     for (int i = 0; i < kKeys; ++i) {
       const std::string key = std::to_string(writer) + '.' + std::to_string(i);
       FilePreferences& preferences = writer % 2 == 0 ? *own : *shared;

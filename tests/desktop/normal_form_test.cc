@@ -32,7 +32,7 @@ TEST(NormalFormTest, LettersAndMarksAreComposed) {
   }
 }
 
-// 2 MB: where each mark is moved past all before it, this takes hours.
+// 2 MB: a sort that moves each mark past all earlier ones takes hours.
 TEST(NormalFormTest, ALongRunOfMarksTakesNoLongerThanOtherText) {
   std::string text = "x", above, below;
   for (int i = 0; i < 500'000; ++i) {

@@ -1,4 +1,4 @@
-// What the queue logs of the gaps that an output counts.
+// What the queue logs about the gaps that an output counts.
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// The player on the queue engine, with a main thread that runs only when the test says so.
+// The player on the queue engine, with a main thread that runs only when the test runs it.
 
 #include <gtest/gtest.h>
 
@@ -42,7 +42,7 @@ class PlayerOnEngineTest : public PlatformFixture {
     player = Player::initWithDirectory("", std::make_shared<FolderBundle>(folder.path(".")));
   }
 
-  // Lets every notification end that is under way.
+  // Lets pending notifications finish.
   void TearDown() override {
     player.reset();
     PlayerTestAccess::resetClass();
@@ -64,8 +64,8 @@ class PlayerOnEngineTest : public PlatformFixture {
     while (settled.wait_for(std::chrono::seconds(0)) != std::future_status::ready) runMainThread();
   }
 
-  // Turns the crank, and not the main thread, until `frames` frames of sound have come out. Ends
-  // early when the output is closed.
+  // Cranks the output, without running the main thread, until `frames` frames of sound have come
+  // out. Ends early if the output is closed.
   std::vector<short> hear(std::size_t frames) {
     std::vector<short> heard;
     std::vector<float> some(100);

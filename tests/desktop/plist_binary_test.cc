@@ -17,7 +17,7 @@ using std::string_literals::operator""s;
 
 Result read(std::string_view bytes) { return PropertyListFile().readBytes(bytes, ""); }
 
-// The list whose only object is `object`, which stands at byte 8.
+// Reads a list whose only object is `object`, at byte 8.
 Result readObject(std::string object) {
   BinaryList list;
   return read(list.file(list.add(std::move(object))));
@@ -153,8 +153,8 @@ TEST(PlistBinaryTest, ExponentialSharingIsRefused) {
             std::string::npos);
 }
 
-// Of each file the one with the most memory a byte that a program would write: every container
-// stands once, and what is equal is one object.
+// The files that use the most memory per byte among those a program would write: no container is
+// shared, and equal values are one object.
 TEST(PlistBinaryTest, DenseListsThatShareNoContainerAreRead) {
   const struct {
     std::string why, file;

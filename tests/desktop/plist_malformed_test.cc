@@ -35,7 +35,7 @@ std::string binaryList() {
 }
 
 TEST(PlistMalformedTest, EveryTruncationIsRefused) {
-  // Only the line feed behind the root may be missing.
+  // Only the line feed after the root may be missing.
   for (std::size_t length = 0; length + 1 < kList.size(); ++length) {
     const auto result = PropertyListFile().readBytes(kList.substr(0, length), "");
     ASSERT_TRUE(result.root.isAbsent() && !result.error.empty()) << length;

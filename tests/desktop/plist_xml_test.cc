@@ -21,7 +21,7 @@ constexpr std::string_view kUsualStart =
 
 Result read(std::string_view bytes) { return PropertyListFile().readBytes(bytes, ""); }
 
-// The list that holds `content`, which begins on line 3, column 22.
+// Reads a list that contains `content`, which begins on line 3, column 22.
 Result readContent(std::string_view content) {
   return read(std::string(kUsualStart) + "<plist version=\"1.0\">" + std::string(content) +
               "</plist>\n");
@@ -197,7 +197,7 @@ TEST(PlistXmlTest, NestsToItsBoundOnASmallStackAndRefusesMore) {
   });
 }
 
-// A file of 64 MiB would have to be made to reach the bound: XML says each container at its length.
+// Reaching the bound would take a file of 64 MiB, because XML spells out every container.
 TEST(PlistXmlTest, NothingButEmptyContainersIsRead) {
   for (const std::string_view element : {"<dict/>", "<array/>", "<true/>"}) {
     EXPECT_EQ(read("<plist><array>" + repeated(element, 500'000) + "</array></plist>").error, "");
@@ -206,8 +206,8 @@ TEST(PlistXmlTest, NothingButEmptyContainersIsRead) {
 
 TEST(PlistXmlTest, RefusesMoreAttributesThanAnElementHas) {
   std::string attributes = "<plist";
-  // Short names, so that what the XML library keeps of each is many times its text, in the
-  // allocators of the sanitizers too.
+  // Short names, so that Expat's copy of each is many times its text, also with the sanitizers'
+  // allocators.
   constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
   for (std::size_t i = 0; i < 1'000'000; ++i) {
     attributes += ' ';

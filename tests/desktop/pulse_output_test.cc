@@ -1,5 +1,5 @@
-// The output on a real PulseAudio server with a null sink. What can depend on the machine's load
-// is only bounded here.
+// The output on a real PulseAudio server with a null sink. Anything that depends on the machine's
+// load is only bounded.
 
 #include "marlune/desktop/audio/pulse_output.h"
 
@@ -70,7 +70,7 @@ class PulseOutputTest : public PlatformFixture {
   int _recordings = 0;
 };
 
-// A source of sound that counts what is taken and can be held up.
+// A source of sound that counts what is taken and can be blocked.
 class HeldSource : public AudioSource {
  public:
   std::size_t render(float* frames, std::size_t count, int channels) noexcept override {
@@ -96,7 +96,7 @@ TEST_F(PulseOutputTest, PlaysTheConcatenationToItsLastSampleWithTheRoleOnTheStre
   EXPECT_NE(inputs.find("media.role = \"announce\""), std::string::npos) << inputs;
   EXPECT_EQ(std::getenv("PULSE_PROP"), nullptr);
   EXPECT_TRUE(playsOut(*queue));
-  EXPECT_TRUE(session.setActive(false).succeeded);  // drops what has not been heard
+  EXPECT_TRUE(session.setActive(false).succeeded);  // drops sound that has not been heard
   const std::vector<short> recorded = recording.samplesAfter(kOneSecond);
   const std::vector<short> end(sound.end() - 16, sound.end());
   EXPECT_EQ(brokenWindows(end, recorded, end.size()), 0U) << "the end is cut off";

@@ -1,4 +1,4 @@
-// The queue engine on an output cranked by hand.
+// The queue engine on a CrankedOutput.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace {
 constexpr AudioFormat kMono = {22'050, 1};
 using Samples = std::vector<short>;
 
-// Holds the queue's worker up when it writes its first line, as it does for a broken recording.
+// Blocks the queue's worker when it logs its first line, as it does for a broken recording.
 class HoldingLog : public SystemLog {
  public:
   explicit HoldingLog(std::shared_ptr<SystemLog> next) : _next(std::move(next)) {
@@ -54,7 +54,7 @@ class QueueEngineTest : public PlatformFixture {
 
   RecordingFolder folder;
   EngineRig rig;
-  Samples recorded;  // all that was, in order
+  Samples recorded;  // everything taken so far, in order
   std::shared_ptr<DesktopQueuePlayer> queue = rig.makeQueue();
 };
 
@@ -130,7 +130,7 @@ TEST_F(QueueEngineTest, UnplayableRecordingsAreLeftOutWithoutAGap) {
   const std::string good = record(100);
   const std::vector<char> bytes = readBytes(good);
   std::vector<char> fast = bytes;
-  fast[28] = 0x40, fast[29] = 0x1D;  // the sample rate's exponent
+  fast[28] = 0x40, fast[29] = 0x1D;  // exponent of the sample rate
   std::filesystem::create_directory(folder.path("folder.aif"));
   const struct {
     std::string path;
@@ -161,7 +161,7 @@ TEST_F(QueueEngineTest, UnplayableRecordingsAreLeftOutWithoutAGap) {
 
 TEST_F(QueueEngineTest, ATruncatedRecordingPlaysWhatItHolds) {
   std::vector<char> bytes = readBytes(record(100));
-  bytes.resize(bytes.size() - 61);  // 30 samples and a half
+  bytes.resize(bytes.size() - 61);  // 30.5 samples
   rig.append(*queue, folder.writeBytes("short.aif", bytes));
   recorded.resize(69);
   rig.append(*queue, record(10));
@@ -246,7 +246,7 @@ TEST_F(QueueEngineTest, AnOutputOfAnotherFormatIsFollowed) {
   EXPECT_EQ(rig.crank(*queue, 10), expected) << "the recording starts again";
 }
 
-// The output takes frames before the worker can find out that it was opened anew.
+// The output takes frames before the worker can notice that it was reopened.
 TEST_F(QueueEngineTest, SoundMadeForAnotherFormatIsMadeAgainAndNeverCountsAsHeard) {
   for (const AudioFormat former : {AudioFormat{22'050, 2}, AudioFormat{44'100, 1}}) {
     SCOPED_TRACE(former.channels);
@@ -273,7 +273,7 @@ TEST_F(QueueEngineTest, SoundMadeForAnotherFormatIsMadeAgainAndNeverCountsAsHear
   }
 }
 
-// Closing an output drops what it has taken and not made heard.
+// Closing an output drops frames that were taken but not yet heard.
 TEST_F(QueueEngineTest, WhatAClosedOutputHadTakenAndNotMadeHeardIsPlayedAgain) {
   rig.output->setLatencyFrames(30);
   const struct {

@@ -23,7 +23,7 @@ bool isReadable(int descriptor, int milliseconds) {
   return poll(&polled, 1, milliseconds) == 1;
 }
 
-// Until a thread's runAndWait has reached the loop.
+// Waits until a thread's runAndWait has reached the loop.
 void waitForWork(RunLoop& loop) { ASSERT_TRUE(loop.waitFor(60)); }
 
 TEST(RunLoopTest, RunsWorkInTheOrderInWhichItFallsDue) {
@@ -37,7 +37,7 @@ TEST(RunLoopTest, RunsWorkInTheOrderInWhichItFallsDue) {
   loop.postAfter(0.02, [&] { order += 'd'; });
   loop.postAfter(0.01, [&] { order += 'c'; });
   loop.post([&] { order += 'a'; });
-  loop.postAfter(-1, [&] { order += 'b'; });  // no earlier than what was posted before
+  loop.postAfter(-1, [&] { order += 'b'; });  // not earlier than work posted before
   EXPECT_EQ(loop.secondsUntilNext(), 0.0);
   while (order.size() < 4) {
     EXPECT_TRUE(loop.waitFor(60));
@@ -63,7 +63,7 @@ TEST(RunLoopTest, RunsUntilStoppedAndNoFurther) {
   RunLoop loop;
   int runs = 0;
   loop.stop();
-  loop.run();  // a stop that came first counts
+  loop.run();  // a stop before run counts
   loop.post([&] {
     ++runs;
     loop.stop();
@@ -117,7 +117,7 @@ TEST(RunLoopTest, ThrowsWhereTheWorkCameFrom) {
 
 TEST(RunLoopTest, ItsDescriptorIsReadableWhileThereIsSomethingToRun) {
   RunLoop loop;
-  loop.post([] {});  // before there is a descriptor
+  loop.post([] {});  // before the descriptor exists
   const int descriptor = loop.fileDescriptor();
   ASSERT_GE(descriptor, 0);
   EXPECT_TRUE(isReadable(descriptor, 0));

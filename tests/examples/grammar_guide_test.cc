@@ -16,7 +16,7 @@
 namespace marlune {
 namespace {
 
-// A fenced block of the guide: its kind, its lines, and where it begins.
+// A fenced block of the guide: its kind, its lines and its position.
 struct Block {
   std::string kind;
   std::string text;
@@ -40,9 +40,9 @@ std::vector<Block> blocksOf(const std::string& path) {
   return blocks;
 }
 
-// Runs the examples of the guide in their order: a grammar ("plist", the value of Main or a whole
-// file), phrases for it ("rewrite"), and all that it logged since it was loaded ("messages", the
-// error that stopped it included).
+// Runs the guide's examples in order: a grammar ("plist", the value of Main or a whole file),
+// phrases for it ("rewrite"), and everything it has logged since it was loaded ("messages",
+// including the error that stopped the load).
 class GrammarGuideTest : public PlatformFixture {
  protected:
   void SetUp() override {

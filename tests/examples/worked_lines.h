@@ -10,7 +10,7 @@
 
 namespace marlune {
 
-// A phrase and what becomes of it, written "words => words" on one line.
+// A phrase and its expected result, written "words => words" on one line.
 struct WorkedLine {
   std::string phrase;
   std::string result;
@@ -25,7 +25,7 @@ inline WorkedLine workedLine(const std::string& line) {
           result == std::string::npos ? "" : line.substr(result)};
 }
 
-// The lines of a file, without empty ones and those that begin with "#".
+// The lines of a file, without empty lines and those that begin with "#".
 inline std::vector<WorkedLine> workedLinesIn(const std::string& path) {
   std::vector<WorkedLine> lines;
   std::ifstream file(path);

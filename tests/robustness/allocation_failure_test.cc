@@ -28,8 +28,8 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// Something of all that takes memory: inserts, contexts, repetitions, references, a choice, a rule
-// that repeats, one that writes lines.
+// Uses every feature that allocates: inserts, contexts, repetitions, references, a conditional
+// rule, a rule that repeats, and one that logs.
 constexpr std::string_view kGrammar = R"(
 {
   Main = {
@@ -51,7 +51,7 @@ constexpr std::string_view kGrammar = R"(
 )";
 const Words kPhrase = {"run", "five", "six", "km", "x"};
 
-// Takes lines without memory of its own, since SystemLog must not throw.
+// Accepts lines without allocating, because SystemLog must not throw.
 class DiscardingLog : public SystemLog {
  public:
   void write(std::string_view) noexcept override {}
@@ -74,8 +74,9 @@ class AllocationFailureTest : public testing::Test {
     return folder.write(name, list.file(root));
   }
 
-  // Has the first, the second, ... allocation of `attempt` fail until none does; an attempt must
-  // end by std::bad_alloc or by itself, and `check` holds after each. How many there were.
+  // Runs `attempt` repeatedly with its first, second, ... allocation failing, until none fails. An
+  // attempt must end by std::bad_alloc or normally, and `check` must hold after each. Returns the
+  // number of allocations.
   static std::size_t sweep(const std::function<void(std::size_t)>& prepare,
                            const std::function<void()>& attempt,
                            const std::function<void()>& check) {
@@ -127,7 +128,7 @@ TEST_F(AllocationFailureTest, AGrammarLoadsAfterALoadThatFailed) {
   }
 }
 
-// The reader never throws, whichever library it is that gets no memory.
+// The reader never throws, whichever library runs out of memory.
 TEST_F(AllocationFailureTest, AListIsReadOrRefusedInOneSentence) {
   const PropertyListFile reader;
   for (const bool isBinary : {false, true}) {
@@ -148,7 +149,7 @@ TEST_F(AllocationFailureTest, AListIsReadOrRefusedInOneSentence) {
   }
 }
 
-// With a parser of its own each time: what a trace looks at is made when it is first asked for.
+// Uses a new parser each time: what a trace needs is built on first use.
 TEST_F(AllocationFailureTest, APhraseIsRewrittenAfterOneThatWasNot) {
   const std::string path = grammarFile("phrase");
   const Words expected = rewritten(*Parser::initWithPlistAtPath(path, "Main"));
@@ -172,7 +173,7 @@ TEST_F(AllocationFailureTest, APhraseIsRewrittenAfterOneThatWasNot) {
 TEST_F(AllocationFailureTest, AParserKeepsItsGrammarWhenItCannotSwitch) {
   const auto parser = Parser::initWithPlistAtPath(grammarFile("switched"), "Main");
   const Words expected = rewritten(*parser);
-  const Words other = {"run", "five", "six", "kilometers", "x"};  // by the shared rule alone
+  const Words other = {"run", "five", "six", "kilometers", "x"};  // uses only the shared rule
   bool isSwitched = false;
   const auto prepare = [&](std::size_t) { parser->setGrammar("Main"); };
   const auto attempt = [&] {
@@ -211,8 +212,8 @@ TEST_F(AllocationFailureTest, ADecomposerAnswersAfterAFailureAndRemembersNothing
             10u);
 }
 
-// Asks the decomposer for the very phrase that it is asked for, which is then remembered, and gives
-// another answer.
+// Asks the decomposer for the same phrase it is asked for, which stores an answer, and returns a
+// different one.
 class AskingDelegate : public DecomposerOverrides {
  public:
   Decomposition decompositionOf(Decomposer& decomposer, std::string_view key, bool) override {
@@ -247,8 +248,8 @@ class AskingDelegate : public DecomposerOverrides {
   bool _isAsking = false;
 };
 
-// Whatever was remembered before the failure counts; from there on all is as the plain recursion
-// has it.
+// Answers stored before the failure count; after it, the results equal those of the plain
+// recursion.
 TEST_F(AllocationFailureTest, AnAnswerThatAnotherSupersedesIsWholeOrNotThere) {
   const Words files = {"a", "b", "c"}, phrase = {"c", "a", "b", "c"};
   const auto bundle = std::make_shared<FakeResourceBundle>(files);
@@ -282,7 +283,7 @@ TEST_F(AllocationFailureTest, AnAnswerThatAnotherSupersedesIsWholeOrNotThere) {
   EXPECT_EQ(answers, (std::set<Words>{{"c", "a", "b", "c"}, {"c", "other", "c"}}));
 }
 
-// Many keys, so that the dictionary is hashed: on the way the hash table and the entries both grow.
+// Many keys, so that the dictionary is hashed: both the hash table and the entries grow.
 TEST_F(AllocationFailureTest, ADictionaryHoldsEachKeyOnceAfterOneThatWasNotSet) {
   const std::size_t kKeys = 70;
   Dictionary dictionary;

@@ -11,8 +11,8 @@ thread_local std::size_t left = 0;
 
 }  // namespace
 
-// The linker makes every malloc of the program's own objects, what the XML library asks for by way
-// of them included, a call of the first, and the first's own a call of the second.
+// The linker redirects every call of malloc from the program's own objects, including calls through
+// Expat's memory functions, to __wrap_malloc, and __real_malloc to malloc.
 extern "C" void* __real_malloc(std::size_t size);
 extern "C" void* __wrap_malloc(std::size_t size) {
   if (isArmed && left-- == 0) {
@@ -23,7 +23,7 @@ extern "C" void* __wrap_malloc(std::size_t size) {
   return __real_malloc(size);
 }
 
-// Every other allocation comes through here; the other forms call this one.
+// Every other allocation passes through here; the other forms call this one.
 void* operator new(std::size_t size) {
   if (void* const memory = __wrap_malloc(size)) return memory;
   throw std::bad_alloc();

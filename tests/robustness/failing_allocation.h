@@ -5,9 +5,9 @@
 
 namespace marlune {
 
-// While one stands, the allocation of its number on this thread, counted from 0, fails: operator
-// new throws std::bad_alloc, malloc returns nullptr. Linking its source replaces operator new;
-// malloc needs the linker's option --wrap=malloc.
+// While one exists, the allocation with this number on this thread, counted from 0, fails: operator
+// new throws std::bad_alloc, malloc returns nullptr. Linking the source replaces operator new;
+// malloc needs the linker option --wrap=malloc.
 class FailingAllocation {
  public:
   explicit FailingAllocation(std::size_t number);
@@ -15,7 +15,7 @@ class FailingAllocation {
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-  // Whether it came to that.
+  // Whether that allocation was reached.
   bool hasFailed() const;
 };
 

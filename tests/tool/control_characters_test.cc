@@ -11,7 +11,7 @@ namespace {
 using testing::HasSubstr;
 using Arguments = std::vector<std::string>;
 
-// Its rule, named with a line feed, never settles; its word holds control characters.
+// The rule, whose name contains a line feed, never settles; its word contains control characters.
 constexpr const char* kGrammar = R"(<?xml version="1.0"?><plist version="1.0"><dict>
   <key>Main</key><dict>
     <key>A&#10;B</key><dict>
@@ -33,7 +33,7 @@ constexpr const char* kGrammar = R"(<?xml version="1.0"?><plist version="1.0"><d
   </dict>
 </dict></plist>)";
 
-// U+00A0 is no control character, and a backslash stays one.
+// U+00A0 is not a control character; backslashes are not escaped.
 constexpr const char* kShown = "a\\u{0A}b\\u{09}\\u{7F}\\u{9B}\\n\xC2\xA0";
 
 class ControlCharactersTest : public testing::Test {

@@ -13,7 +13,8 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// A folder of empty recordings, enough for what never plays, and an overrides file when asked for.
+// A folder of empty recordings, which is enough if nothing is played, and an optional overrides
+// file.
 class DecomposeCommandTest : public testing::Test {
  protected:
   DecomposeCommandTest() {
@@ -93,7 +94,7 @@ TEST_F(DecomposeCommandTest, AsksTheOverridesFirst) {
       "<key>parts</key><dict><key>flib</key><array><string>finish</string></array></dict></dict>");
   const ToolRun run =
       decompose({"--overrides", overrides}, "at go\nat go at\nflib at\ngo go\nflib\n");
-  // The first answer for a key is final: "at go" comes back as a part of the second phrase.
+  // The first answer for a key is kept: "at go" comes back as a part of the second phrase.
   EXPECT_EQ(run.out, "go at\ngo at at\nfinish at\n\nfinish\n");
   EXPECT_EQ(run.err,
             "marlune: line 4: \"go go\": the overrides name recordings that do not exist: "

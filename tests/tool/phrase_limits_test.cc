@@ -30,7 +30,7 @@ TEST(PhraseLimitsTest, ALineThatIsTooLongFailsAlone) {
   EXPECT_EQ(run.status, 1);
 }
 
-// The rule makes 101 words of one; the phrase may have 10,000 slots.
+// The rule turns one word into 101; a phrase may have 10,000 slots.
 TEST(PhraseLimitsTest, APhraseThatARuleMakesTooLongFailsAlone) {
   std::string many;
   for (int i = 0; i < 101; ++i) many += "<string>b</string>";
@@ -68,7 +68,7 @@ TEST(PhraseLimitsTest, APhraseThatMemoryDoesNotSufficeForFailsAlone) {
 }
 #endif
 
-// The reason quotes the phrase and the words that are missing.
+// The reason quotes the phrase and the missing words.
 TEST(PhraseLimitsTest, AMessageAboutALongPhraseIsShort) {
   std::string words;
   for (int i = 0; i < 600; ++i) words += "w" + std::to_string(i) + " ";

@@ -186,7 +186,7 @@ TEST_F(RewriteCommandTest, TellsWhyARuleDoesOrDoesNotFire) {
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.name) + " " + c.rule + " " + c.phrase);
     const ToolRun run = rewrite({"--name", c.name, "--why", c.rule, c.phrase});
-    // What the load and the rewriting itself log stands around it.
+    // Log lines of loading and rewriting surround it.
     EXPECT_THAT(run.err, HasSubstr(c.why));
     EXPECT_EQ(run.out, rewrite({"--name", c.name, c.phrase}).out);
     EXPECT_EQ(run.status, 0);

@@ -17,7 +17,7 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr int kHeaderOfWav = 44;  // bytes in front of the samples
+constexpr int kHeaderOfWav = 44;  // bytes before the samples
 
 class SayCommandTest : public testing::Test {
  protected:
@@ -103,7 +103,7 @@ TEST_F(SayCommandTest, LeavesARecordingOfAnotherRateOutWhereNoResamplerCanBeLoad
   sounds = folder.path();
   std::string go = TemporaryDirectory::contentOf(std::string(MARLUNE_VOICE_FOLDER) + "/go.aif");
   folder.write("slow.aif", go);
-  go.replace(go.find("\x40\x0D\xAC\x44"), 2, "\x40\x0E");  // the exponent of 22,050
+  go.replace(go.find("\x40\x0D\xAC\x44"), 2, "\x40\x0E");  // exponent of 22,050
   folder.write("fast.aif", go);
   EXPECT_EQ(say({"slow fast"}).err, "");
   const std::size_t withBoth = samples().size();
@@ -114,8 +114,9 @@ TEST_F(SayCommandTest, LeavesARecordingOfAnotherRateOutWhereNoResamplerCanBeLoad
   EXPECT_THAT(run.err, HasSubstr("fast.aif\" cannot be played and is left out: it cannot be "
                                  "resampled: " +
                                  folder.path("libsoxr.so.0")));
-  EXPECT_EQ(samples().size(), withBoth * 2 / 3);  // a half of its length is gone
-  EXPECT_THAT(run.err, HasSubstr("marlune: \"slow fast\": it was not played completely: \"fast.aif\": "));
+  EXPECT_EQ(samples().size(), withBoth * 2 / 3);  // half of its length is missing
+  EXPECT_THAT(run.err,
+              HasSubstr("marlune: \"slow fast\": it was not played completely: \"fast.aif\": "));
   EXPECT_EQ(run.status, 1);
 }
 

@@ -10,9 +10,8 @@ namespace {
 
 using testing::HasSubstr;
 
-// A sound server of the test's own dies while the first line is heard, is not there for the second
-// and is back for the third. It runs
-// in a new folder, with "err" there as standard error; "$@" is the tool.
+// A private sound server dies while the first line plays, is absent for the second and back for the
+// third. The script runs in a new folder, with standard error in "err"; "$@" is the tool.
 constexpr const char* kScript = R"(
   trap '' PIPE
   trap 'kill $server $tool 2>/dev/null' EXIT

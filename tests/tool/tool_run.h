@@ -15,7 +15,7 @@ inline ToolRun runTool(const std::vector<std::string>& arguments, const std::str
   return runProgram(MARLUNE_TOOL_PATH, arguments, input);
 }
 
-// Runs `marlune` from a shell's script, in which "$@" is the program with these arguments.
+// Runs `marlune` from a shell script in which "$@" is the program with these arguments.
 inline ToolRun runToolIn(const std::string& script, const std::vector<std::string>& arguments,
                          const std::string& input = "") {
   std::vector<std::string> all{"-c", script, "sh", MARLUNE_TOOL_PATH};

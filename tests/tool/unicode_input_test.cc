@@ -10,7 +10,7 @@ namespace {
 
 using testing::EndsWith;
 
-// "über" as one letter and as "u" with a mark.
+// "über" with a composed letter, and as "u" with a combining mark.
 constexpr const char* kComposed =
     "\xC3\xBC"
     "ber";
@@ -41,7 +41,7 @@ class UnicodeInputTest : public testing::Test {
 
 TEST_F(UnicodeInputTest, APhraseMayComeInEitherNormalForm) {
   EXPECT_EQ(decompose({decomposed}).out, composed + "\n");
-  // A word that is not UTF-8 leaves the others' form alone.
+  // A word that is not UTF-8 does not affect the others.
   EXPECT_EQ(decompose({}, decomposed + " go\n\xFF " + decomposed + "\n").out, composed + " go\n\n");
 }
 
