@@ -1,9 +1,9 @@
-// An app with a main loop of its own announces each kilometre of a simulated run:
+// An app with its own main loop announces each kilometre of a simulated run:
 //
 //     client GRAMMAR VOICE [OUTPUT [TRACE...]]
 //
-// Without an output it plays on the sound device. TRACE is a preference that switches lines on,
-// such as TQUtilsApplicationTraceDefault. The exit status is 0 when all was said.
+// Without OUTPUT it plays on the sound device. Each TRACE is a preference that switches on log
+// lines, such as TQUtilsApplicationTraceDefault. The exit status is 0 if everything was said.
 #include <poll.h>
 
 #include <algorithm>
@@ -29,7 +29,7 @@ using namespace marlune;
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::milliseconds;
 
-// Where the library's lines go. They come from any thread, so each is written by one call.
+// Receives the library's log lines. They come from any thread, so each is written by a single call.
 class AppLog : public SystemLog {
  public:
   void write(std::string_view message) noexcept override {
@@ -39,7 +39,7 @@ class AppLog : public SystemLog {
   std::atomic<bool> hasErrors = false;
 };
 
-// Preferences that end with the app. The library looks up here which traces are wanted.
+// Preferences that last as long as the app. The library reads from here which traces are on.
 class AppPreferences : public Preferences {
  public:
   Value valueForKey(std::string_view key, std::string_view domain) const override {
@@ -52,7 +52,7 @@ class AppPreferences : public Preferences {
     _values[{std::string(domain), std::string(key)}] = value;
     _noteChange();
   }
-  bool synchronize(std::string_view) override { return true; }  // nobody else reads them
+  bool synchronize(std::string_view) override { return true; }  // never written to disk
 
  private:
   mutable std::mutex _mutex;
@@ -64,13 +64,14 @@ constexpr int kSecondsAKilometer = 327;
 
 std::vector<std::string> announcementOf(int kilometer) {
   const int time = kilometer * kSecondsAKilometer;
-  const std::string seconds = std::to_string(100 + time % 60).substr(1);  // two digits
+  const std::string seconds = std::to_string(100 + time % 60).substr(1);  // padded to two digits
   return {"run", std::to_string(kilometer), "km", "in", std::to_string(time / 60) + ":" + seconds};
 }
 
-// Whether all could be said. `pace` is what a kilometre takes here, where time runs faster.
+// Returns whether everything could be said. `pace` is the duration of a kilometre in this
+// simulation.
 bool announceRun(const std::string& grammar, const std::string& folder, Milliseconds pace) {
-  const auto loop = std::make_shared<RunLoop>();  // its thread is this one
+  const auto loop = std::make_shared<RunLoop>();  // created on the main thread
   Platform::shared().mainThread = loop;
   const auto voice = std::make_shared<FolderBundle>(folder);
   const auto parser = Parser::initWithPlistAtPath(grammar, "Workout");
@@ -81,7 +82,7 @@ bool announceRun(const std::string& grammar, const std::string& folder, Millisec
   pollfd library = {loop->fileDescriptor(), POLLIN, 0};
   if (library.fd < 0) throw std::runtime_error("the library's work cannot be waited for");
 
-  // Waits for the library's work or for the next kilometre, until all has been heard.
+  // Waits for the library's work or for the next kilometre, until everything has been heard.
   bool isAllSaid = true;
   int kilometer = 0;
   for (auto next = Clock::now() + pace; kilometer < kKilometers || player->isPlaying();) {
@@ -109,11 +110,11 @@ int main(int argc, char** argv) try {
   for (int i = 4; i < argc; ++i) preferences->setValueForKey(Value::boolean(true), argv[i], "");
   Platform::shared().systemLog = log;
   Platform::shared().preferences = preferences;
-  installDesktopServices();  // what the app has not put there itself
+  installDesktopServices();  // fills in the services that the app has not set
   installDesktopAudio(argc == 3 ? makeDeviceOutput() : std::make_shared<FileOutput>(argv[3]));
   const bool isAllSaid = announceRun(argv[1], argv[2], Milliseconds(argc == 3 ? 6000 : 50));
   return isAllSaid && !log->hasErrors ? 0 : 1;
-} catch (const std::runtime_error& error) {  // a GrammarError is one
+} catch (const std::runtime_error& error) {  // includes GrammarError
   std::cerr << "client: " << error.what() << '\n';
   return 1;
 }
