@@ -1,8 +1,8 @@
-# GoogleTest: what the system has installed or, where the tests are compiled for another machine,
-# the sources that the system has, compiled for that one.
+# GoogleTest: the installed one or, when cross-compiling, built from the system's copy of the
+# sources.
 
 set(MARLUNE_GTEST_SOURCE /usr/src/googletest CACHE PATH
-  "GoogleTest's sources, compiled with the tests of a build for another machine")
+  "GoogleTest's sources, used when cross-compiling the tests")
 
 if(CMAKE_CROSSCOMPILING)
   set(INSTALL_GTEST OFF)

@@ -1,13 +1,14 @@
-# What `cmake --install` puts down: libraries, headers, the CMake package, pkg-config files, the
-# tool with its manual page and its completion. Components: runtime (the core), desktop, development,
+# What `cmake --install` installs: libraries, headers, the CMake package, pkg-config files, and the
+# tool with its manual page and completion. Components: runtime (the core), desktop, development,
 # tool.
 
 include(CMakePackageConfigHelpers)
 
 set(MARLUNE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/marlune)
 
-# marlune_install_library(target export-set component): the library and its CMake targets, in a file
-# of its own, so that an app without the desktop never needs to find what the desktop needs.
+# marlune_install_library(target export-set component): installs a library and its CMake targets.
+# The targets have their own file, so that apps without the desktop do not have to find its
+# dependencies.
 function(marlune_install_library target export component)
   if(BUILD_SHARED_LIBS)
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -25,8 +26,8 @@ function(marlune_install_headers)
     COMPONENT development FILES_MATCHING PATTERN "*.h")
 endfunction()
 
-# Relative to the file's own folder, so that the installation may be moved, or go to another prefix
-# than the one that was configured. Folders that were given as absolute stay so.
+# Relative to the file's own folder, so that the installation can be moved or installed to another
+# prefix than the configured one. Absolute folders stay absolute.
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
   set(MARLUNE_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
 else()
@@ -54,12 +55,12 @@ marlune_install_headers(${source}/platform ${source}/util ${source}/grammar ${so
 marlune_install_pkgconfig(marlune.pc)
 
 if(MARLUNE_DESKTOP)
-  # What a static marlune::desktop makes its user link, beside expat: names of pkg-config, whose
-  # imported targets are these in capitals.
+  # The libraries, besides Expat, that a user of a static marlune::desktop must link: pkg-config
+  # names, whose imported targets have the same names in capitals.
   set(MARLUNE_DESKTOP_PKGCONFIG sndfile libutf8proc)
   list(JOIN MARLUNE_DESKTOP_PKGCONFIG " " MARLUNE_DESKTOP_PKGCONFIG)
-  # Not "Requires.private" for a static library: `pkg-config --static` would go on to what the
-  # system's own libraries need for static linking, which is seldom installed.
+  # Not "Requires.private" for a static library: `pkg-config --static` would also require what the
+  # system's libraries need for static linking, which is seldom installed.
   set(MARLUNE_DESKTOP_REQUIRES "marlune = ${PROJECT_VERSION}")
   if(NOT BUILD_SHARED_LIBS)
     string(APPEND MARLUNE_DESKTOP_REQUIRES ", expat ${MARLUNE_DESKTOP_PKGCONFIG}")
@@ -70,8 +71,7 @@ if(MARLUNE_DESKTOP)
 endif()
 
 if(TARGET marlune_tool)
-  # Only where there is something of ours to find: the room that CMake keeps for it in the build's
-  # program makes the loader look for every library in the current folder first.
+  # Set it for shared builds only: CMake's RPATH padding makes the loader search the current folder.
   if(BUILD_SHARED_LIBS)
     file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
     set_target_properties(marlune_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")

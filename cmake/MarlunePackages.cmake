@@ -1,8 +1,8 @@
-# Debian packages, one a component of the installation: `cpack -G DEB`, or scripts/package.
+# Debian packages, one per install component: `cpack -G DEB`, or scripts/package.
 #
-# The two libraries come in packages of their own, named after their SONAMEs as Debian does it:
-# what uses the core alone then needs nothing but the C++ library, and versions that programs cannot
-# be exchanged under can be installed side by side.
+# The two libraries have separate packages, named after their SONAMEs as is usual in Debian. Users
+# of the core then depend only on the C++ library, and incompatible versions can be installed side
+# by side.
 
 set(MARLUNE_MAINTAINER "The Marlune authors <marlune@example.org>" CACHE STRING
   "Who answers for the Debian packages, with the address")
@@ -22,8 +22,9 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${MARLUNE_DEBIAN_REVISION})
 set(CPACK_DEBIAN_PACKAGE_SOURCE marlune)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# Each package's own libraries tell dpkg-shlibdeps which packages it needs, and tell others that
-# they come from this package; ours in another package are not known to it yet.
+# Lets dpkg-shlibdeps find the packages that each package's own libraries need, and record the
+# libraries this package provides. Dependencies between our packages are listed explicitly, because
+# it does not know them yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/marlune ${PROJECT_BINARY_DIR}/marlune/desktop)
@@ -36,7 +37,7 @@ set(core libmarlune${soversion})
 set(desktop libmarlune-desktop${soversion})
 
 # marlune_package(component package SECTION ... DEPENDS "..." RECOMMENDS "..." DESCRIPTION "...")
-# The description's first line is the one that lists show.
+# The first line of DESCRIPTION is the short description.
 macro(marlune_package component package)
   cmake_parse_arguments(PACKAGE "" "SECTION;DEPENDS;RECOMMENDS;DESCRIPTION" "" ${ARGN})
   string(TOUPPER ${component} name)
@@ -52,29 +53,28 @@ endmacro()
 
 marlune_package(runtime ${core} SECTION libs DESCRIPTION
 "speaks phrases from recordings, the core library
-A phrase is rewritten by a grammar into the words that were recorded,
-decomposed into the fewest recordings that say it, and played as one sound
-without gaps.
+A grammar rewrites a phrase into words that were recorded, a decomposer finds
+the fewest recordings that say it, and a player plays them without gaps.
 
-This package holds the core. It needs no more than the C++ library: what it
-asks of the system, the program that uses it gives, or the desktop library.")
+This package contains the core. It needs only the C++ library: the program
+that uses it, or the desktop library, provides the services it needs from the
+system.")
 
-# Nothing links the resampler and the sound device's libraries, which are loaded when needed.
-# What renders into files does without a device.
+# The resampler and the sound device's libraries are loaded on demand, so nothing links them. The
+# latter are only recommended: rendering to files works without them.
 marlune_package(desktop ${desktop} SECTION libs DEPENDS "${core} ${exactly}, libsoxr0"
   RECOMMENDS "libpulse0, libsdl2-2.0-0" DESCRIPTION
 "speaks phrases from recordings, the desktop library
 Binds the core library to a Linux desktop: property lists, preferences, a run
 loop, recordings read from files, sound on a device or rendered into a file.")
 
-# What the CMake package looks for, and the headers of the libraries that ours show.
+# What the CMake package looks for, and the headers of the libraries that our headers include.
 set(needed "libexpat1-dev, libsndfile1-dev, libutf8proc-dev, pkgconf | pkg-config")
 marlune_package(development libmarlune-dev SECTION libdevel
   DEPENDS "${core} ${exactly}, ${desktop} ${exactly}, ${needed}" DESCRIPTION
 "speaks phrases from recordings, headers
-What a program is compiled with that speaks phrases from recordings: the
-headers of the core and of the desktop library, and their CMake package and
-pkg-config files.")
+For compiling programs that speak phrases from recordings: the headers of the
+core and of the desktop library, and their CMake package and pkg-config files.")
 
 marlune_package(tool marlune SECTION sound DEPENDS "${core} ${exactly}, ${desktop} ${exactly}"
   DESCRIPTION
@@ -82,8 +82,8 @@ marlune_package(tool marlune SECTION sound DEPENDS "${core} ${exactly}, ${deskto
 For authors of voices and of grammars: shows how a grammar rewrites a phrase
 and why, which recordings say it, and plays it or renders it into a file.")
 
-# The loader's cache is brought up to date once, after all packages: by a trigger. CPack makes
-# scripts that do it for each package, unless it is told of others; a name without a file is none.
+# A trigger updates the loader's cache once, after all packages. By default CPack adds scripts that
+# do it for each package; naming scripts that do not exist suppresses them.
 foreach(name IN ITEMS RUNTIME DESKTOP)
   set(CPACK_DEBIAN_${name}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/packages/triggers
     ${PROJECT_BINARY_DIR}/none/postinst ${PROJECT_BINARY_DIR}/none/postrm)
@@ -97,7 +97,7 @@ if(NOT changelog MATCHES "^marlune \\(${PROJECT_VERSION}-${MARLUNE_DEBIAN_REVISI
     "${MARLUNE_DEBIAN_REVISION}, which is what is packaged.")
 endif()
 
-# Without name and time in it, as the same file must come out each time.
+# Without name and time, so that the output is reproducible.
 function(marlune_compress source target)
   execute_process(COMMAND gzip -9nc ${source} OUTPUT_FILE ${target} COMMAND_ERROR_IS_FATAL ANY)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})

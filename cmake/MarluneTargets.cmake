@@ -1,12 +1,12 @@
-# How every target of this project is compiled, and the shorthand for the targets that repeat.
+# Compile options for all targets of this project, and functions that define the common kinds of
+# target.
 
 find_program(MARLUNE_CCACHE ccache)
 if(MARLUNE_CCACHE AND PROJECT_IS_TOP_LEVEL)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${MARLUNE_CCACHE})
 endif()
 
-# What a program that was linked can go on with: as the CMake package has it, a minor version
-# promises nothing about the next.
+# Major and minor version, because ABI compatibility is not promised across minor versions.
 set(MARLUNE_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 
 # Warnings, sanitizers and the include root.
@@ -16,8 +16,8 @@ function(marlune_target_defaults target)
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # Where g++ 12 optimises, it sees overlapping copies in every "text" + std::string, and reads of
-    # the pointer that a variant does not hold where it destroys one.
+    # When optimising, g++ 12 reports false positives: overlapping copies in "text" + std::string,
+    # and reads of an inactive pointer when a variant is destroyed.
     target_compile_options(${target} PRIVATE -Wno-restrict -Wno-maybe-uninitialized)
   endif()
   target_compile_features(${target} PUBLIC cxx_std_20)
@@ -28,7 +28,7 @@ function(marlune_target_defaults target)
   endif()
 endfunction()
 
-# A library that may be shared gives out the project's namespace and nothing else.
+# Exports only the project's namespace if the library is shared.
 function(marlune_limit_exports target)
   get_target_property(type ${target} TYPE)
   if(NOT type STREQUAL "SHARED_LIBRARY")
@@ -43,10 +43,10 @@ function(marlune_limit_exports target)
   set_target_properties(${target} PROPERTIES LINK_DEPENDS ${map})
 endfunction()
 
-# A release is to be small where its speed does not matter: the core is compiled for size, but for
-# the sources that work for every phrase. Of these the `warm` ones are compiled with less zeal: they
-# drive the `hot` ones. `internal` ones define nothing that a client calls, so that a shared library
-# need not name what they define.
+# In a release build the core is compiled for size, except the sources that process every phrase. Of
+# these, `hot` ones are fully optimised, and the `warm` ones that drive them somewhat less.
+# `internal` ones define nothing that clients call, so a shared library need not export their
+# symbols.
 function(marlune_shrink_release target)
   cmake_parse_arguments(SHRINK "" "" "HOT;WARM;INTERNAL" ${ARGN})
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
@@ -66,8 +66,8 @@ endfunction()
 # marlune_room(NAME SOURCES ... HOT ... WARM ... INTERNAL ... ROOMS next below...); HOT, WARM and
 # INTERNAL name some of the sources, see marlune_shrink_release.
 #
-# With the tests, each room is also linked with the rooms below it alone and no symbol left
-# undefined, so that a call upwards fails to link.
+# If tests are built, each room is also linked alone with the rooms below it and no undefined
+# symbols, so that an upward call fails to link.
 function(marlune_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;HOT;WARM;INTERNAL;ROOMS" ${ARGN})
   add_library(marlune_${name} OBJECT ${ROOM_SOURCES})
@@ -108,7 +108,7 @@ function(marlune_test name)
   add_executable(${name} ${TEST_SOURCES})
   marlune_target_defaults(${name})
   if(NOT MARLUNE_RTTI)
-    # Whoever derives from a class that was compiled without is compiled without, too.
+    # Classes derived from one compiled without RTTI must be compiled without it, too.
     target_compile_options(${name} PRIVATE -fno-rtti)
   endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)

@@ -217,7 +217,7 @@ TEST(PlistXmlTest, RefusesMoreAttributesThanAnElementHas) {
     attributes += "=''";
   }
   EXPECT_EQ(read(attributes + "><true/></plist>").error,
-            "line 1, column 1: ran out of memory parsing the XML");
+            "line 1, column 1: parsing the XML takes more memory than a list may");
 }
 
 class PlistFileTest : public testing::Test {

@@ -305,7 +305,7 @@ std::string XmlListParser::_brokenXml() const {
   switch (code) {
     case XML_ERROR_NO_MEMORY:
       return _placed(_libraryBudget.hasRefused()
-                         ? "the XML library ran out of the memory that a list may take"
+                         ? "parsing the XML takes more memory than a list may"
                          : "ran out of memory parsing the XML");
     case XML_ERROR_NO_ELEMENTS:
     case XML_ERROR_UNCLOSED_TOKEN:
