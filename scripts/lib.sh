@@ -1,7 +1,7 @@
-# What the scripts share. Sourced from the project's root folder, never run.
+# Functions shared by the scripts. Source it from the project's root folder.
 # shellcheck shell=bash disable=SC2034  # each script uses its own part
 
-# Packages by purpose, as Debian 12 names them.
+# Package names in Debian 12, by purpose.
 readonly build_packages=(g++ cmake ninja-build pkg-config libexpat1-dev libsndfile1-dev libsoxr-dev
                          libutf8proc-dev libpulse-dev libsdl2-dev libcli11-dev)
 readonly test_packages=(libgtest-dev libgmock-dev pulseaudio pulseaudio-utils)
@@ -13,14 +13,14 @@ readonly package_packages=(dpkg-dev file)
 readonly docs_packages=(doxygen)
 readonly check_packages=(clang-format clang-tidy mandoc)
 
-# One core fewer would leave the machine idle; more jobs than cores make it swap.
+# One job per core: fewer leave a core idle, more make the machine swap.
 jobs=$(nproc)
 readonly jobs
 
-# Says each argument on a line of its own.
+# Prints each argument on its own line.
 say() { printf '%s\n' "$@"; }
 
-# Ends the script with a sentence.
+# Ends the script with an error message.
 stop() {
   printf '%s: %s\n' "$0" "$*" >&2
   exit 1
@@ -39,25 +39,25 @@ apt_get() {
   "${command[@]}" </dev/null
 }
 
-# Installs those of the packages that are missing. The package lists are fetched only when what is
-# there does not lead to the packages: none yet, or too old.
+# Installs the missing ones of these packages. Fetches the package lists only if the current ones
+# are missing or too old to find the packages.
 need() {
   local missing=() package
   { command -v dpkg-query && command -v apt-get; } >/dev/null ||
-    stop "This is no Debian system; install what answers to these packages, then build with CMake: $*"
+    stop "This is not a Debian system; install the equivalents of these packages, then build with CMake: $*"
   for package in "$@"; do is_installed "$package" || missing+=("$package"); done
   [[ ${#missing[@]} == 0 ]] && return
   [[ $(id -u) == 0 ]] || command -v sudo >/dev/null ||
-    stop "Packages are missing and there is no sudo. As root: apt-get install ${missing[*]}"
+    stop "Packages are missing and sudo is not installed. As root: apt-get install ${missing[*]}"
   say "Installing ${missing[*]}"
   local install=(install --yes --no-install-recommends "${missing[@]}")
   apt_get "${install[@]}" >/dev/null 2>&1 && return
   say "Fetching the package lists first"
   { apt_get update && apt_get "${install[@]}"; } >/dev/null ||
-    stop "apt-get could not install ${missing[*]}; its message stands above."
+    stop "apt-get could not install ${missing[*]}; see its message above."
 }
 
-# Runs a command, and shows what it wrote only when it fails.
+# Runs a command and shows its output only if it fails.
 quietly() {
   local words status=0
   words=$(mktemp)
@@ -67,14 +67,14 @@ quietly() {
   return $status
 }
 
-# Configures a preset and builds it, or the given targets of it.
+# Configures a preset and builds it, or only the given targets.
 build() {
   local preset=$1 targets=()
   shift
   [[ $# -gt 0 ]] && targets=(--target "$@")
   say "Building ($preset)"
   quietly cmake --preset "$preset" ||
-    stop "CMake could not configure the build '$preset'; its message stands above."
+    stop "CMake could not configure the build '$preset'; see its message above."
   quietly cmake --build --preset "$preset" -j "$jobs" "${targets[@]}" ||
-    stop "The build '$preset' failed; the compiler's message stands above."
+    stop "The build '$preset' failed; see the compiler's message above."
 }
