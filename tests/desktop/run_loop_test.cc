@@ -194,6 +194,7 @@ TEST(RunLoopTest, InAChildTheLoopHasEnded) {
   waitForWork(*loop);
   const pid_t child = ::fork();
   if (child == 0) {
+    ::alarm(60);  // ends a child that waits for ever
     bool hasRun = false;
     const auto work = [&] { hasRun = true; };
     bool isEnded = !loop->isCurrent() && !loop->runAndWait(work);
