@@ -57,7 +57,7 @@ marlune_install_pkgconfig(marlune.pc)
 if(MARLUNE_DESKTOP)
   # The libraries, besides Expat, that a user of a static marlune::desktop must link: pkg-config
   # names, whose imported targets have the same names in capitals.
-  set(MARLUNE_DESKTOP_PKGCONFIG sndfile libutf8proc)
+  set(MARLUNE_DESKTOP_PKGCONFIG libutf8proc)
   list(JOIN MARLUNE_DESKTOP_PKGCONFIG " " MARLUNE_DESKTOP_PKGCONFIG)
   # Not "Requires.private" for a static library: `pkg-config --static` would also require what the
   # system's libraries need for static linking, which is seldom installed.

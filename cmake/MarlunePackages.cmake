@@ -60,16 +60,16 @@ This package contains the core. It needs only the C++ library: the program
 that uses it, or the desktop library, provides the services it needs from the
 system.")
 
-# The resampler and the sound device's libraries are loaded on demand, so nothing links them. The
-# latter are only recommended: rendering to files works without them.
-marlune_package(desktop ${desktop} SECTION libs DEPENDS "${core} ${exactly}, libsoxr0"
+# libsndfile, the resampler and the sound device's libraries are loaded on demand, so nothing links
+# them. The device's are only recommended: rendering to files works without them.
+marlune_package(desktop ${desktop} SECTION libs DEPENDS "${core} ${exactly}, libsndfile1, libsoxr0"
   RECOMMENDS "libpulse0, libsdl2-2.0-0" DESCRIPTION
 "speaks phrases from recordings, the desktop library
 Binds the core library to a Linux desktop: property lists, preferences, a run
 loop, recordings read from files, sound on a device or rendered into a file.")
 
-# What the CMake package looks for, and the headers of the libraries that our headers include.
-set(needed "libexpat1-dev, libsndfile1-dev, libutf8proc-dev, pkgconf | pkg-config")
+# What the CMake package looks for.
+set(needed "libexpat1-dev, libutf8proc-dev, pkgconf | pkg-config")
 marlune_package(development libmarlune-dev SECTION libdevel
   DEPENDS "${core} ${exactly}, ${desktop} ${exactly}, ${needed}" DESCRIPTION
 "speaks phrases from recordings, headers

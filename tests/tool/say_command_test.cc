@@ -120,6 +120,24 @@ TEST_F(SayCommandTest, LeavesARecordingOfAnotherRateOutWhereNoResamplerCanBeLoad
   EXPECT_EQ(run.status, 1);
 }
 
+TEST_F(SayCommandTest, NeedsTheSoundFileLibraryForUnusualRecordingsOnly) {
+  sounds = folder.path();
+  std::string go = TemporaryDirectory::contentOf(std::string(MARLUNE_VOICE_FOLDER) + "/go.aif");
+  folder.write("plain.aif", go);
+  go.replace(go.find("\x40\x0D\xAC\x44") - 1, 1, "\x08");  // bits a sample
+  folder.write("unusual.aif", go);
+  EXPECT_EQ(say({"unusual", "plain"}).err, "");
+  folder.write("libsndfile.so.1", "This is no library.");
+  ::setenv("LD_LIBRARY_PATH", folder.path().c_str(), /*overwrite=*/1);
+  const ToolRun run = say({"unusual", "plain"});
+  ::unsetenv("LD_LIBRARY_PATH");
+  EXPECT_THAT(run.err, testing::StartsWith("marlune: \"unusual\": unusual.aif cannot be played: "
+                                           "libsndfile cannot be loaded to read it: " +
+                                           folder.path("libsndfile.so.1")));
+  EXPECT_THAT(run.out, testing::StartsWith("\nplain | plain "));
+  EXPECT_EQ(run.status, 1);
+}
+
 TEST_F(SayCommandTest, AnOverrideMaySayNothing) {
   const std::string overrides = folder.write(
       "overrides.plist",

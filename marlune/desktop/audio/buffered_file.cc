@@ -21,8 +21,6 @@ constexpr std::size_t kFirstBytes = std::size_t{4} * 1024;
 // system calls.
 constexpr std::size_t kBufferBytes = std::size_t{32} * 1024;
 
-BufferedFile& fileFrom(void* user) { return *static_cast<BufferedFile*>(user); }
-
 }  // namespace
 
 std::unique_ptr<BufferedFile> BufferedFile::open(const std::string& path, std::string& cause) {
@@ -43,18 +41,18 @@ std::unique_ptr<BufferedFile> BufferedFile::open(const std::string& path, std::s
 
 BufferedFile::~BufferedFile() { ::close(_descriptor); }
 
-sf_count_t BufferedFile::read(void* bytes, sf_count_t count) {
+std::int64_t BufferedFile::read(void* bytes, std::int64_t count) {
   auto* target = static_cast<char*>(bytes);
-  sf_count_t done = 0;
+  std::int64_t done = 0;
   while (done < count) {
-    const sf_count_t offset = _position - _start;
-    const bool isBuffered = offset >= 0 && offset < static_cast<sf_count_t>(_buffer.size());
+    const std::int64_t offset = _position - _start;
+    const bool isBuffered = offset >= 0 && offset < static_cast<std::int64_t>(_buffer.size());
     if (!isBuffered) {
       if (!_fill()) break;
       continue;
     }
-    const sf_count_t some =
-        std::min(count - done, static_cast<sf_count_t>(_buffer.size()) - offset);
+    const std::int64_t some =
+        std::min(count - done, static_cast<std::int64_t>(_buffer.size()) - offset);
     std::memcpy(target + done, _buffer.data() + offset, static_cast<std::size_t>(some));
     done += some;
     _position += some;
@@ -72,21 +70,11 @@ bool BufferedFile::_fill() {
   return count > 0;
 }
 
-sf_count_t BufferedFile::seek(sf_count_t offset, int whence) {
-  const sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? _position : _size;
+std::int64_t BufferedFile::seek(std::int64_t offset, int whence) {
+  const std::int64_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? _position : _size;
   // A corrupt header can request any position, including one whose sum overflows.
   if (__builtin_add_overflow(base, offset, &offset) || offset < 0) return -1;
   return _position = offset;
-}
-
-SF_VIRTUAL_IO& BufferedFile::operations() {
-  static SF_VIRTUAL_IO operations = {
-      [](void* user) { return fileFrom(user).size(); },
-      [](sf_count_t offset, int whence, void* user) { return fileFrom(user).seek(offset, whence); },
-      [](void* bytes, sf_count_t count, void* user) { return fileFrom(user).read(bytes, count); },
-      [](const void*, sf_count_t, void*) { return sf_count_t{0}; },
-      [](void* user) { return fileFrom(user).position(); }};
-  return operations;
 }
 
 }  // namespace marlune

@@ -1,8 +1,6 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_BUFFERED_FILE_H_
 #define MARLUNE_DESKTOP_AUDIO_BUFFERED_FILE_H_
 
-#include <sndfile.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -10,8 +8,8 @@
 
 namespace marlune {
 
-// A regular file with one buffer, as virtual I/O for libsndfile. The library reads headers field by
-// field, with one or two system calls each; through the buffer a short recording takes one read.
+// A regular file with one buffer. Readers of sound files read headers field by field, with one or
+// two system calls each; through the buffer a short recording takes one read.
 class BufferedFile {
  public:
   // Opens the file for reading. Returns null and sets `cause` if that fails or if the path does not
@@ -22,23 +20,20 @@ class BufferedFile {
   BufferedFile(const BufferedFile&) = delete;
   BufferedFile& operator=(const BufferedFile&) = delete;
 
-  sf_count_t size() const { return _size; }  // in bytes
-  sf_count_t read(void* bytes, sf_count_t count);
-  sf_count_t seek(sf_count_t offset, int whence);
-  sf_count_t position() const { return _position; }
-
-  // The operations above as libsndfile's table; its user data is the BufferedFile.
-  static SF_VIRTUAL_IO& operations();
+  std::int64_t size() const { return _size; }  // in bytes
+  std::int64_t read(void* bytes, std::int64_t count);
+  std::int64_t seek(std::int64_t offset, int whence);
+  std::int64_t position() const { return _position; }
 
  private:
   explicit BufferedFile(int descriptor) : _descriptor(descriptor) {}
   bool _fill();
 
   int _descriptor;
-  sf_count_t _size = 0;
-  sf_count_t _position = 0;
+  std::int64_t _size = 0;
+  std::int64_t _position = 0;
   std::vector<char> _buffer;  // bytes of the file from _start
-  sf_count_t _start = 0;
+  std::int64_t _start = 0;
 };
 
 }  // namespace marlune

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "marlune/desktop/audio/sample_conversion.h"
+#include "marlune/desktop/audio/sndfile_reader.h"
 
 namespace marlune {
 
@@ -31,6 +32,9 @@ std::optional<std::string> faultOf(const SF_INFO& info, sf_count_t fileBytes) {
 }
 
 }  // namespace
+
+Recording::Recording() = default;
+Recording::~Recording() = default;
 
 std::unique_ptr<Recording> Recording::open(const std::string& path, std::string& cause) {
   std::unique_ptr<Recording> recording(new Recording);
@@ -78,9 +82,10 @@ bool Recording::_openPlain(const AiffHeader& header) {
 }
 
 std::optional<std::string> Recording::_openThroughLibrary() {
-  SF_INFO info = {};
-  _sound.reset(sf_open_virtual(&BufferedFile::operations(), SFM_READ, &info, _file.get()));
-  if (!_sound) return sf_strerror(nullptr);
+  std::string cause;
+  _sound = SndfileReader::open(*_file, cause);
+  if (!_sound) return cause;
+  const SF_INFO& info = _sound->info();
   if (auto fault = faultOf(info, _file->size())) return fault;
   _format = {info.samplerate, info.channels};
   _frameCount = info.frames;
@@ -99,15 +104,14 @@ std::size_t Recording::read(short* frames, std::size_t count) {
 
 std::size_t Recording::read(float* frames, std::size_t count) {
   if (hasShorts()) return _readPlain(frames, count);
-  const sf_count_t done = sf_readf_float(_sound.get(), frames, static_cast<sf_count_t>(count));
-  if (done <= 0) return 0;
-  const auto samples = static_cast<std::size_t>(done) * static_cast<std::size_t>(_format.channels);
+  const std::size_t done = _sound->read(frames, count);
+  const std::size_t samples = done * static_cast<std::size_t>(_format.channels);
   // Float encodings can contain any value. A NaN, or values whose sum is infinite, would silence a
   // resampler permanently.
   std::transform(frames, frames + samples, frames, [](float value) {
     return std::isfinite(value) ? std::clamp(value, -kLoudest, kLoudest) : 0.0f;
   });
-  return static_cast<std::size_t>(done);
+  return done;
 }
 
 std::size_t Recording::_readPlain(float* frames, std::size_t count) {

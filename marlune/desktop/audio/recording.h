@@ -1,8 +1,6 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_RECORDING_H_
 #define MARLUNE_DESKTOP_AUDIO_RECORDING_H_
 
-#include <sndfile.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -16,12 +14,16 @@
 
 namespace marlune {
 
+class SndfileReader;
+
 // An .aif or .aifc file, open for reading from its first frame. Header values are checked before
 // they determine an allocation: a corrupt file is refused, or plays as far as its data goes.
 class Recording {
  public:
   // Returns null and sets `cause`, a clause, if the file cannot be played.
   static std::unique_ptr<Recording> open(const std::string& path, std::string& cause);
+
+  ~Recording();
 
   const AudioFormat& format() const { return _format; }
   std::int64_t frameCount() const { return _frameCount; }
@@ -41,18 +43,14 @@ class Recording {
   std::size_t read(float* frames, std::size_t count);
 
  private:
-  struct Closer {
-    void operator()(SNDFILE* file) const { sf_close(file); }
-  };
-
-  Recording() = default;
+  Recording();
   std::optional<std::string> _openSound();
   std::optional<std::string> _openThroughLibrary();
   bool _openPlain(const AiffHeader& header);
   std::size_t _readPlain(float* frames, std::size_t count);
 
-  std::unique_ptr<BufferedFile> _file;      // declared before _sound, which uses it
-  std::unique_ptr<SNDFILE, Closer> _sound;  // null for plain 16-bit samples
+  std::unique_ptr<BufferedFile> _file;    // declared before _sound, which uses it
+  std::unique_ptr<SndfileReader> _sound;  // null for plain 16-bit samples
   AudioFormat _format;
   std::int64_t _frameCount = 0;
   std::int64_t _missingFrames = 0;
