@@ -14,6 +14,8 @@ namespace marlune {
 
 // Takes sound in real time, like a device that is never late, and passes it to a listener or drops
 // it. For machines without a sound device, and for measurements.
+//
+// Threads: as for AudioOutput; the listener is called on a thread of the output.
 class ClockOutput : public AudioOutput {
  public:
   // Receives `count` interleaved frames per period, of which the first `sounding` are sound. Called

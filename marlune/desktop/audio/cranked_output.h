@@ -14,8 +14,9 @@
 namespace marlune {
 
 // A manual output: it takes sound, and fails, only on request. For tests, and for programs that mix
-// the sound themselves. Call everything on the thread that opens it, except the queries of the
-// worker.
+// the sound themselves.
+//
+// Threads: as for AudioOutput; everything else on the thread that opens it.
 class CrankedOutput : public AudioOutput {
  public:
   explicit CrankedOutput(AudioFormat format) : _format(format) {}

@@ -12,6 +12,8 @@
 namespace marlune {
 
 // An audio session over a route. It is active while the route is open.
+//
+// Threads: the main thread only.
 class DesktopAudioSession : public AudioSession {
  public:
   // `duckingRole` is the role passed to a sound server when other programs are to be ducked. The

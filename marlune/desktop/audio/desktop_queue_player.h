@@ -23,6 +23,8 @@ namespace marlune {
 //
 // There is only one speed: rate 0 pauses; any other rate is stored and plays at normal speed. Of
 // several queues over one route, the last one started is audible.
+//
+// Threads: as for QueuePlayer; waitUntilSettled() also on other threads.
 class DesktopQueuePlayer : public QueuePlayer {
  public:
   static std::shared_ptr<DesktopQueuePlayer> overRoute(std::shared_ptr<AudioRoute> route);

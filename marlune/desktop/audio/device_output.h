@@ -22,6 +22,8 @@ struct DeviceOptions {
 //
 // Only a PulseAudio server receives the session's role. Libraries are loaded at the first opening.
 // In a build without sound devices every opening fails.
+//
+// Threads: any; for the output see AudioOutput.
 std::shared_ptr<AudioOutput> makeDeviceOutput(const DeviceOptions& options = {});
 
 }  // namespace marlune
