@@ -21,8 +21,8 @@ namespace marlune {
 // finish() renames the draft. A loss may also be detected by close, which writes the last of the
 // sound. See SoundFileWriter for links, and for devices and FIFOs as the target.
 //
-// Threads: as for AudioOutput; finish(), draftPath() and framesWritten() on the main thread, while no
-// sound is running.
+// Threads: as for AudioOutput; finish(), draftPath() and framesWritten() on the main thread, while
+// no sound is running.
 class FileOutput : public AudioOutput {
  public:
   explicit FileOutput(std::string path, std::optional<AudioFormat> format = std::nullopt)
