@@ -14,8 +14,8 @@ namespace marlune::tool {
 // Keeps the items that the player makes for one phrase, to check whether each was played.
 class QueuedItems {
  public:
-  // Installs itself as the platform's factory of player items. `takeRecording` returns the recording
-  // at a path if it is already open, else null. REQUIRES: this outlives the player.
+  // Installs itself as the platform's factory of player items. `takeRecording` returns the
+  // recording at a path if it is already open, else null. REQUIRES: this outlives the player.
   void install(std::function<std::unique_ptr<Recording>(const std::string& path)> takeRecording);
 
   void forget() { _items.clear(); }

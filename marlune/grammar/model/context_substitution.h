@@ -28,8 +28,9 @@ class ContextSubstitution {
   // Whether the phrase would have grown too long; the remaining occurrences were left unchanged.
   bool isFull() const { return _isFull; }
 
-  // The work done, in the steps of SequenceMatcher::steps: the matching, the slots of the phrase and
-  // those produced, one step per 16 bytes of the phrase's text and one per 16 expansions searched.
+  // The work done, in the steps of SequenceMatcher::steps: the matching, the slots of the phrase
+  // and those produced, one step per 16 bytes of the phrase's text and one per 16 expansions
+  // searched.
   std::uint64_t steps() const { return _steps; }
 
   // The steps of carrying one slot to the next pass, of producing one, and of matching. A look-up
