@@ -14,10 +14,10 @@ namespace {
 class Fields {
  public:
   Fields(BufferedFile& file, std::uint64_t offset) {
-    file.seek(static_cast<sf_count_t>(offset), SEEK_SET);
-    _count = file.read(_bytes.data(), static_cast<sf_count_t>(_bytes.size()));
+    file.seek(static_cast<std::int64_t>(offset), SEEK_SET);
+    _count = file.read(_bytes.data(), static_cast<std::int64_t>(_bytes.size()));
   }
-  bool has(sf_count_t count) const { return _count >= count; }
+  bool has(std::int64_t count) const { return _count >= count; }
   std::uint64_t number(std::size_t at, std::size_t count) const {
     std::uint64_t value = 0;
     for (std::size_t i = at; i < at + count; ++i) {
@@ -29,7 +29,7 @@ class Fields {
 
  private:
   std::array<char, 32> _bytes = {};
-  sf_count_t _count = 0;
+  std::int64_t _count = 0;
 };
 
 // A floating-point number of 80 bits as a whole number; 0 when it is none of 31 bits.
@@ -110,7 +110,7 @@ std::uint64_t AiffHeader::missingFrames(std::uint64_t heldFrames) const {
 
 bool isAiff(BufferedFile& file) {
   std::array<char, 12> header = {};
-  file.read(header.data(), static_cast<sf_count_t>(header.size()));
+  file.read(header.data(), static_cast<std::int64_t>(header.size()));
   file.seek(0, SEEK_SET);
   const std::string_view text(header.data(), header.size());
   return text.starts_with("FORM") && (text.ends_with("AIFF") || text.ends_with("AIFC"));
