@@ -1,7 +1,7 @@
-# What doxygen reads of a header: comments in front of something become "///", comments behind
-# something "///<" with their further lines, and a comment in front of the namespace is the file's.
-# The text stays as it is written: marks that doxygen or Markdown would take for theirs are escaped,
-# but not in `code`, "text" or an indented example, where both leave them alone.
+# Converts a header's comments for Doxygen: comments before a declaration become "///", comments
+# after it, with their continuation lines, become "///<", and a comment before the namespace
+# documents the file. Escapes characters that Doxygen or Markdown would interpret, except in `code`,
+# "text" and indented examples, which both leave alone.
 
 function escaped(text,  result, plain) {
   if (text ~ /^     /) return text

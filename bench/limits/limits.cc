@@ -130,8 +130,8 @@ void measureLoading() {
     counting.add(counted);
     ratio.add(loaded / counted);
   }
-  row("2,000 rules from XML, grammar ready, ms", "%.1f", loading.median() / 1000);
-  row("counting the same file's elements, ms", "%.1f", counting.median() / 1000);
+  row("loading 2,000 rules from XML, ms", "%.1f", loading.median() / 1000);
+  row("counting the elements of the same file, ms", "%.1f", counting.median() / 1000);
   row("loading as a multiple of counting", "%.2f", ratio.median());
 }
 
