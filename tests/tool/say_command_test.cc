@@ -94,8 +94,9 @@ TEST_F(SayCommandTest, ARecordingThatIsCutOffIsPlayedAndNotCountedAsSaid) {
 
   const ToolRun run = say({"go", "flib"});
   EXPECT_TRUE(samples() == all.substr(0, all.size() - 2'000));
-  EXPECT_THAT(run.err, HasSubstr("marlune: \"go\": it was not said whole: \"go.aif\": the file is "
-                                 "truncated: 1000 frames are missing\n"));
+  EXPECT_THAT(run.err,
+              HasSubstr("marlune: \"go\": it was not played completely: \"go.aif\": the file is "
+                        "truncated: 1000 frames are missing\n"));
   EXPECT_EQ(run.status, 1);
 }
 
@@ -176,8 +177,8 @@ TEST_F(SayCommandTest, TellsThatTheLastOfTheOutputCannotBeWritten) {
   const ToolRun run = say({"go"});
   ::setrlimit(RLIMIT_FSIZE, &former);
   EXPECT_EQ(run.err, "marlune: The sound file \"" + output +
-                         "\" cannot be written any further: File too large. What was written until "
-                         "then is \"" +
+                         "\" cannot be written any further: File too large. The part written so "
+                         "far is in \"" +
                          output + ".partial\".\n");
   EXPECT_EQ(run.status, 2);
   EXPECT_FALSE(std::filesystem::exists(output));
