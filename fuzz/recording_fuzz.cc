@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "marlune/desktop/audio/clip_decoder.h"
+#include "marlune/desktop/audio/recording/clip_decoder.h"
 
 namespace {
 

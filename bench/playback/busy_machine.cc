@@ -19,7 +19,7 @@
 #include <string>
 #include <thread>
 
-#include "marlune/desktop/audio/device_output.h"
+#include "marlune/desktop/audio/device/device_output.h"
 #include "support/engine_rig.h"
 #include "support/pulse_server.h"
 

@@ -37,7 +37,7 @@
 #include <thread>
 
 #include "fakes/fake_system_log.h"
-#include "marlune/desktop/audio/clock_output.h"
+#include "marlune/desktop/audio/output/clock_output.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/desktop/services/folder_bundle.h"
 #include "marlune/desktop/services/run_loop.h"

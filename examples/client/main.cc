@@ -16,8 +16,8 @@
 #include <stdexcept>
 
 #include "marlune/decompose/decomposer.h"
-#include "marlune/desktop/audio/device_output.h"
-#include "marlune/desktop/audio/file_output.h"
+#include "marlune/desktop/audio/device/device_output.h"
+#include "marlune/desktop/audio/output/file_output.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/desktop/services/folder_bundle.h"
 #include "marlune/desktop/services/run_loop.h"

@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "marlune/desktop/audio/audio_route.h"
 #include "marlune/desktop/audio/desktop_audio_session.h"
 #include "marlune/desktop/audio/desktop_queue_player.h"
-#include "marlune/desktop/audio/file_player_item.h"
+#include "marlune/desktop/audio/output/audio_route.h"
+#include "marlune/desktop/audio/queue/file_player_item.h"
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/services/file_preferences.h"
 #include "marlune/platform/platform.h"

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "marlune/desktop/audio/audio_output.h"
+#include "marlune/desktop/audio/output/audio_output.h"
 #include "marlune/desktop/services/run_loop.h"
 #include "marlune/platform/system_log.h"
 

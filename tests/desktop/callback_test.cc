@@ -9,9 +9,9 @@
 #include <cstdlib>
 #include <utility>
 
-#include "marlune/desktop/audio/audio_route.h"
-#include "marlune/desktop/audio/clock_output.h"
 #include "marlune/desktop/audio/desktop_audio_session.h"
+#include "marlune/desktop/audio/output/audio_route.h"
+#include "marlune/desktop/audio/output/clock_output.h"
 #include "support/engine_rig.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <random>
 
-#include "marlune/desktop/audio/clip_decoder.h"
+#include "marlune/desktop/audio/recording/clip_decoder.h"
 #include "support/recordings.h"
 
 namespace marlune {

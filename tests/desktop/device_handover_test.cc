@@ -1,6 +1,6 @@
 // A device whose opening completes at about the time the caller gives up.
 
-#include "marlune/desktop/audio/device_handover.h"
+#include "marlune/desktop/audio/device/device_handover.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +12,9 @@
 #include <random>
 #include <thread>
 
-#include "marlune/desktop/audio/patient_thread.h"
-#include "marlune/desktop/audio/sdl_library.h"
-#include "marlune/desktop/audio/sdl_output.h"
+#include "marlune/desktop/audio/device/patient_thread.h"
+#include "marlune/desktop/audio/device/sdl_library.h"
+#include "marlune/desktop/audio/device/sdl_output.h"
 
 namespace marlune {
 namespace {

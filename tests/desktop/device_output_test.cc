@@ -1,6 +1,6 @@
 // The sound device with SDL's dummy driver: checks neither what is heard nor when.
 
-#include "marlune/desktop/audio/device_output.h"
+#include "marlune/desktop/audio/device/device_output.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <future>
 #include <thread>
 
-#include "marlune/desktop/audio/patient_thread.h"
+#include "marlune/desktop/audio/device/patient_thread.h"
 #include "support/engine_rig.h"
 #include "support/platform_fixture.h"
 

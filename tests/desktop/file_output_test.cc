@@ -1,4 +1,4 @@
-#include "marlune/desktop/audio/file_output.h"
+#include "marlune/desktop/audio/output/file_output.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 // The output on a real PulseAudio server with a null sink. Anything that depends on the machine's
 // load is only bounded.
 
-#include "marlune/desktop/audio/pulse_output.h"
+#include "marlune/desktop/audio/device/pulse_output.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <memory>
 #include <semaphore>
 
-#include "marlune/desktop/audio/device_output.h"
+#include "marlune/desktop/audio/device/device_output.h"
 #include "support/engine_rig.h"
 #include "support/platform_fixture.h"
 #include "support/pulse_server.h"

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "marlune/desktop/audio/audio_route.h"
-#include "marlune/desktop/audio/cranked_output.h"
 #include "marlune/desktop/audio/desktop_audio_session.h"
 #include "marlune/desktop/audio/desktop_queue_player.h"
-#include "marlune/desktop/audio/file_player_item.h"
+#include "marlune/desktop/audio/output/audio_route.h"
+#include "marlune/desktop/audio/output/cranked_output.h"
+#include "marlune/desktop/audio/queue/file_player_item.h"
 #include "support/recordings.h"
 
 namespace marlune {

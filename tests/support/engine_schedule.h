@@ -16,8 +16,8 @@
 #include <vector>
 
 #include "fakes/fake_system_log.h"
-#include "marlune/desktop/audio/clock_output.h"
-#include "marlune/desktop/audio/file_output.h"
+#include "marlune/desktop/audio/output/clock_output.h"
+#include "marlune/desktop/audio/output/file_output.h"
 #include "marlune/desktop/services/run_loop.h"
 #include "support/engine_rig.h"
 #include "support/heard_recordings.h"

@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "marlune/desktop/audio/clip_decoder.h"
-#include "marlune/desktop/audio/sample_conversion.h"
+#include "marlune/desktop/audio/base/sample_conversion.h"
+#include "marlune/desktop/audio/recording/clip_decoder.h"
 
 namespace marlune {
 

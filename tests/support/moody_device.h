@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "marlune/desktop/audio/audio_output.h"
+#include "marlune/desktop/audio/output/audio_output.h"
 
 namespace marlune {
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "marlune/desktop/audio/audio_format.h"
+#include "marlune/desktop/audio/base/audio_format.h"
 
 namespace marlune {
 

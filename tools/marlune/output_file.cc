@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "marlune/desktop/audio/sound_file_writer.h"
+#include "marlune/desktop/audio/output/sound_file_writer.h"
 #include "tools/marlune/input_error.h"
 
 namespace marlune::tool {

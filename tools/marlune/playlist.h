@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "marlune/desktop/audio/recording.h"
+#include "marlune/desktop/audio/recording/recording.h"
 #include "marlune/platform/resource_bundle.h"
 #include "tools/marlune/phrase_input.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "marlune/desktop/audio/file_player_item.h"
+#include "marlune/desktop/audio/queue/file_player_item.h"
 
 namespace marlune::tool {
 

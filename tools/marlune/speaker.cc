@@ -3,8 +3,8 @@
 #include <chrono>
 #include <utility>
 
-#include "marlune/desktop/audio/device_output.h"
-#include "marlune/desktop/audio/file_player_item.h"
+#include "marlune/desktop/audio/device/device_output.h"
+#include "marlune/desktop/audio/queue/file_player_item.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/platform/platform.h"
 #include "marlune/playback/audio_session.h"

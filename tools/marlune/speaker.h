@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "marlune/desktop/audio/file_output.h"
+#include "marlune/desktop/audio/output/file_output.h"
 #include "marlune/desktop/services/run_loop.h"
 #include "marlune/playback/player.h"
 #include "tools/marlune/interruption.h"

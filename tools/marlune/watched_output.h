@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "marlune/desktop/audio/audio_output.h"
+#include "marlune/desktop/audio/output/audio_output.h"
 
 namespace marlune::tool {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "marlune/desktop/audio/audio_route.h"
+#include "marlune/desktop/audio/output/audio_route.h"
 #include "marlune/playback/audio_session.h"
 
 namespace marlune {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "marlune/desktop/audio/audio_route.h"
-#include "marlune/desktop/audio/queue_engine.h"
+#include "marlune/desktop/audio/output/audio_route.h"
+#include "marlune/desktop/audio/queue/queue_engine.h"
 #include "marlune/playback/queue_player.h"
 
 namespace marlune {

@@ -1,0 +1,75 @@
+#include "marlune/desktop/audio/output/file_output.h"
+
+#include <algorithm>
+
+namespace marlune {
+
+namespace {
+
+constexpr AudioFormat kFormatOfNothing = {44'100, 1};  // of a file that nothing was played to
+
+}  // namespace
+
+std::optional<std::string> FileOutput::open(AudioSource& source, const std::string&) {
+  if (_loss) return _loss;
+  if (!_writer) {
+    const std::optional<SoundFileKind> kind = soundFileKindOf(_path);
+    if (!kind) {
+      return "\"" + _path + "\" ends neither in .wav nor in .aif: no sound file can be written.";
+    }
+    std::string cause;
+    _writer = SoundFileWriter::create(_path, *kind, cause);
+    if (!_writer) return "The sound file \"" + _path + "\" cannot be written: " + cause + ".";
+  }
+  _source = &source;
+  return std::nullopt;
+}
+
+void FileOutput::close() {
+  if (!_source) return;
+  _source = nullptr;
+  if (_loss) return;
+  if (!_writer->isStarted()) _writer->start(formatForClip(kFormatOfNothing));
+  if (!_writer->flush() || (!_keepsDraft && !_writer->commit())) _setUnwritable();
+}
+
+std::optional<std::string> FileOutput::finish() {
+  close();
+  if (_writer && !_loss && !_writer->commit()) _setUnwritable();
+  return _loss;
+}
+
+AudioFormat FileOutput::formatForClip(const AudioFormat& clip) {
+  if (!_format) _format = clip;
+  return *_format;
+}
+
+void FileOutput::takeAvailable(std::size_t frames) {
+  if (!_source) return;
+  if (frames > 0 && !_writer->isStarted()) _writer->start(formatForClip(kFormatOfNothing));
+  do {
+    const std::size_t some = frames == 0 ? 0 : std::min(frames, _writer->roomFrames());
+    frames = _take(some) == some ? frames - some : 0;
+  } while (frames > 0 && !_loss);
+}
+
+// Takes up to `frames` frames and returns how many were sound. With 0 the source can still release
+// its used blocks.
+std::size_t FileOutput::_take(std::size_t frames) {
+  const int channels = _format ? _format->channels : 1;
+  short* const room = frames > 0 ? _writer->room() : nullptr;
+  const std::size_t sounding = _source->renderShorts(room, frames, channels);
+  if (sounding == 0) return 0;
+  _framesWritten += sounding;
+  if (!_writer->add(sounding)) _setUnwritable();
+  return sounding;
+}
+
+void FileOutput::_setUnwritable() {
+  _loss =
+      "The sound file \"" + _path + "\" cannot be written any further: " + _writer->cause() + ".";
+  const std::string& draft = _writer->draftPath();
+  if (!draft.empty()) *_loss += " The part written so far is in \"" + draft + "\".";
+}
+
+}  // namespace marlune

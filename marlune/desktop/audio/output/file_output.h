@@ -1,0 +1,66 @@
+#ifndef MARLUNE_DESKTOP_AUDIO_OUTPUT_FILE_OUTPUT_H_
+#define MARLUNE_DESKTOP_AUDIO_OUTPUT_FILE_OUTPUT_H_
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "marlune/desktop/audio/output/audio_output.h"
+#include "marlune/desktop/audio/output/sound_file_writer.h"
+
+namespace marlune {
+
+// Writes what is played to one 16-bit .wav or .aif file, as fast as it is decoded. Silence between
+// phrases is not written. Unless a format is given, the file takes that of the first recording, so
+// recordings in one 16-bit format are written sample for sample; higher resolutions are rounded.
+//
+// The first opening creates a draft, NAME.partial, next to the file; it is a valid sound file at
+// any time. Closing renames it. Until then, and permanently if writing fails, NAME keeps its former
+// contents. Sound played after a later opening is appended. With keepDraftUntilFinished(), only
+// finish() renames the draft. A loss may also be detected by close, which writes the last of the
+// sound. See SoundFileWriter for links, and for devices and FIFOs as the target.
+//
+// Threads: as for AudioOutput; finish(), draftPath() and framesWritten() on the main thread, while
+// no sound is running.
+class FileOutput : public AudioOutput {
+ public:
+  explicit FileOutput(std::string path, std::optional<AudioFormat> format = std::nullopt)
+      : _path(std::move(path)), _format(format) {}
+  ~FileOutput() override { close(); }
+
+  // Call it before the first opening. For programs that render several phrases into one file.
+  void keepDraftUntilFinished() { _keepsDraft = true; }
+  // Closes the output and renames the draft. Returns the first error, now or earlier, as a
+  // sentence.
+  std::optional<std::string> finish();
+  // The path of the draft; empty if there is none. Call it only while the output is closed.
+  std::string draftPath() const { return _writer ? _writer->draftPath() : ""; }
+  // The path that a draft would have.
+  std::string plannedDraftPath() const { return SoundFileWriter::draftPathFor(_path); }
+
+  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  void close() override;
+  AudioFormat formatForClip(const AudioFormat& clip) override;
+  std::optional<std::string> loss() const override { return _loss; }
+  void takeAvailable(std::size_t frames) override;
+
+  // Frames written so far. Do not call it while sound is running.
+  std::size_t framesWritten() const { return _framesWritten; }
+
+ private:
+  std::size_t _take(std::size_t frames);
+  void _setUnwritable();
+
+  const std::string _path;
+  std::optional<AudioFormat> _format;
+  bool _keepsDraft = false;
+  std::unique_ptr<SoundFileWriter> _writer;
+  AudioSource* _source = nullptr;
+  std::optional<std::string> _loss;
+  std::size_t _framesWritten = 0;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_AUDIO_OUTPUT_FILE_OUTPUT_H_

@@ -1,0 +1,98 @@
+#include "marlune/desktop/audio/recording/clip_decoder.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "marlune/util/tq_utils.h"
+
+namespace marlune {
+
+namespace {
+constexpr std::size_t kReadFrames = SoundBlock::kCapacityFrames;
+}  // namespace
+
+std::unique_ptr<ClipDecoder> ClipDecoder::open(const std::string& path, std::string& cause) {
+  std::unique_ptr<Recording> recording = Recording::open(path, cause);
+  if (!recording) return nullptr;
+  return std::unique_ptr<ClipDecoder>(new ClipDecoder(path, std::move(recording)));
+}
+
+std::unique_ptr<ClipDecoder> ClipDecoder::open(FilePlayerItem& item, std::string& cause) {
+  std::unique_ptr<Recording> recording = item.takeRecording();
+  if (!recording) return open(item.path(), cause);
+  return std::unique_ptr<ClipDecoder>(new ClipDecoder(item.path(), std::move(recording)));
+}
+
+ClipDecoder::ClipDecoder(std::string path, std::unique_ptr<Recording> recording)
+    : _path(std::move(path)),
+      _recording(std::move(recording)),
+      _missingFrames(static_cast<std::uint64_t>(_recording->missingFrames())) {}
+
+bool ClipDecoder::convertTo(const AudioFormat& format, std::string& cause) {
+  _converter = ClipConverter::make(clipFormat(), format, cause);
+  _channels = static_cast<std::size_t>(format.channels);
+  _isCopied = _recording->hasShorts() && format == clipFormat();
+  return _converter != nullptr;
+}
+
+void ClipDecoder::fill(SoundBlock& block) {
+  block.channels = static_cast<int>(_channels);
+  block.hasShorts = _isCopied;
+  if (_isCopied) {
+    _copy(block);
+  } else {
+    _convert(block);
+  }
+  if (block.endsItem && _missingFrames > 0) _reportMissing();
+}
+
+void ClipDecoder::_reportMissing() const {
+  const double seconds = static_cast<double>(_missingFrames) / clipFormat().sampleRate;
+  char text[32];
+  std::snprintf(text, sizeof text, "%.2f", seconds);
+  TQUtils::log("ERROR: \"%@\" is cut off: %lu frames (%@ s) are missing.", _path, _missingFrames,
+               text);
+}
+
+void ClipDecoder::_convert(SoundBlock& block) {
+  const std::size_t capacity = SoundBlock::kCapacityFrames * _channels;
+  // One sample more than the block holds: without it the block could be the last.
+  while (!_isRead && _converted.size() - _handedOut <= capacity) _readMore();
+  const std::size_t count = std::min(_converted.size() - _handedOut, capacity);
+  const auto begin = _converted.begin() + static_cast<long>(_handedOut);
+  block.samples.assign(begin, begin + static_cast<long>(count));
+  block.frames = count / _channels;
+  _handedOut += count;
+  block.endsItem = _isRead && _handedOut == _converted.size();
+}
+
+void ClipDecoder::_copy(SoundBlock& block) {
+  block.shorts.resize(SoundBlock::kCapacityFrames * _channels);
+  block.frames = _recording->read(block.shorts.data(), SoundBlock::kCapacityFrames);
+  _count(block.frames);
+  block.endsItem = _framesRead == static_cast<std::uint64_t>(_recording->frameCount()) ||
+                   block.frames < SoundBlock::kCapacityFrames;
+}
+
+// A file can also turn out shorter than its frame count while it is read.
+void ClipDecoder::_count(std::size_t framesRead) {
+  _framesRead += framesRead;
+  const auto frameCount = static_cast<std::uint64_t>(_recording->frameCount());
+  if (framesRead == SoundBlock::kCapacityFrames || _framesRead >= frameCount) return;
+  _missingFrames = std::max(_missingFrames, frameCount - _framesRead);
+}
+
+void ClipDecoder::_readMore() {
+  _converted.erase(_converted.begin(), _converted.begin() + static_cast<long>(_handedOut));
+  _handedOut = 0;
+  _read.resize(kReadFrames * static_cast<std::size_t>(clipFormat().channels));
+  const std::size_t count = _recording->read(_read.data(), kReadFrames);
+  _count(count);
+  _converter->convert(_read.data(), count, _converted);
+  // After a short read another one would only reach the end again.
+  _isRead = count < kReadFrames;
+  if (_isRead) _converter->finish(_converted);
+}
+
+}  // namespace marlune

@@ -1,0 +1,62 @@
+#ifndef MARLUNE_DESKTOP_AUDIO_RECORDING_CLIP_DECODER_H_
+#define MARLUNE_DESKTOP_AUDIO_RECORDING_CLIP_DECODER_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "marlune/desktop/audio/base/sound_block.h"
+#include "marlune/desktop/audio/queue/file_player_item.h"
+#include "marlune/desktop/audio/recording/clip_converter.h"
+#include "marlune/desktop/audio/recording/recording.h"
+
+namespace marlune {
+
+// Decodes one recording into blocks in the output's format. Buffers only a few blocks of sound,
+// however long the recording is.
+class ClipDecoder {
+ public:
+  // Returns null and sets `cause`, a clause, if the file cannot be played.
+  static std::unique_ptr<ClipDecoder> open(const std::string& path, std::string& cause);
+  // The same for the item's open recording if it has one, else for the file at its path.
+  static std::unique_ptr<ClipDecoder> open(FilePlayerItem& item, std::string& cause);
+
+  const AudioFormat& clipFormat() const { return _recording->format(); }
+
+  // Sets the output format; call once, before fill. Returns false and sets `cause`, a clause, if
+  // the clip cannot be converted.
+  bool convertTo(const AudioFormat& format, std::string& cause);
+
+  // Fills `block`: samples, frames, channels and whether it ends the item. The end is marked on the
+  // last block with sound, not on an empty block after it; if the file is truncated, that call logs
+  // a line.
+  void fill(SoundBlock& block);
+
+  // Frames that the file's header promises but the file lacks. Known after the last block.
+  std::uint64_t missingFrames() const { return _missingFrames; }
+
+ private:
+  ClipDecoder(std::string path, std::unique_ptr<Recording> recording);
+  void _readMore();
+  void _copy(SoundBlock& block);
+  void _convert(SoundBlock& block);
+  void _count(std::size_t framesRead);
+  void _reportMissing() const;
+
+  const std::string _path;
+  std::unique_ptr<Recording> _recording;
+  std::unique_ptr<ClipConverter> _converter;
+  std::size_t _channels = 0;      // of the output
+  std::vector<float> _read;       // as read, in the clip's format
+  std::vector<float> _converted;  // in the output's format, from sample _handedOut
+  std::size_t _handedOut = 0;
+  bool _isRead = false;
+  bool _isCopied = false;  // nothing to convert: 16-bit samples are passed on unchanged
+  std::uint64_t _framesRead = 0;
+  std::uint64_t _missingFrames;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_DESKTOP_AUDIO_RECORDING_CLIP_DECODER_H_
