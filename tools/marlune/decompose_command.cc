@@ -6,7 +6,7 @@
 
 #include "tools/marlune/options.h"
 #include "tools/marlune/phrase_command.h"
-#include "tools/marlune/voice.h"
+#include "tools/marlune/voice/voice.h"
 
 namespace marlune::tool {
 

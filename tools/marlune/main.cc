@@ -11,17 +11,17 @@
 #include <sstream>
 
 #include "marlune/platform/platform.h"
-#include "tools/marlune/answers.h"
 #include "tools/marlune/decompose_command.h"
 #include "tools/marlune/exit_status.h"
-#include "tools/marlune/input_error.h"
+#include "tools/marlune/input/input_error.h"
 #include "tools/marlune/options.h"
-#include "tools/marlune/report.h"
 #include "tools/marlune/rewrite_command.h"
 #include "tools/marlune/say_command.h"
-#include "tools/marlune/shown_log.h"
-#include "tools/marlune/shown_text.h"
-#include "tools/marlune/standard_descriptors.h"
+#include "tools/marlune/streams/answers.h"
+#include "tools/marlune/streams/report.h"
+#include "tools/marlune/streams/shown_log.h"
+#include "tools/marlune/streams/standard_descriptors.h"
+#include "tools/marlune/text/shown_text.h"
 
 namespace marlune::tool {
 

@@ -3,9 +3,9 @@
 #include <functional>
 #include <new>
 
-#include "tools/marlune/answers.h"
-#include "tools/marlune/phrase_limits.h"
-#include "tools/marlune/report.h"
+#include "tools/marlune/input/phrase_limits.h"
+#include "tools/marlune/streams/answers.h"
+#include "tools/marlune/streams/report.h"
 
 namespace marlune::tool {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "tools/marlune/exit_status.h"
-#include "tools/marlune/phrase_input.h"
+#include "tools/marlune/input/phrase_input.h"
 
 namespace marlune::tool {
 

@@ -7,12 +7,12 @@
 #include <memory>
 #include <optional>
 
-#include "tools/marlune/input_error.h"
+#include "tools/marlune/input/input_error.h"
 #include "tools/marlune/options.h"
 #include "tools/marlune/phrase_command.h"
-#include "tools/marlune/rewriter.h"
-#include "tools/marlune/trace.h"
-#include "tools/marlune/why.h"
+#include "tools/marlune/rewriting/rewriter.h"
+#include "tools/marlune/rewriting/trace.h"
+#include "tools/marlune/rewriting/why.h"
 
 namespace marlune::tool {
 

@@ -6,10 +6,10 @@
 
 #include "tools/marlune/options.h"
 #include "tools/marlune/phrase_command.h"
-#include "tools/marlune/playlist.h"
-#include "tools/marlune/rewriter.h"
-#include "tools/marlune/speaker.h"
-#include "tools/marlune/voice.h"
+#include "tools/marlune/rewriting/rewriter.h"
+#include "tools/marlune/speaking/playlist.h"
+#include "tools/marlune/speaking/speaker.h"
+#include "tools/marlune/voice/voice.h"
 
 namespace marlune::tool {
 

@@ -1,0 +1,44 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_REWRITING_GRAMMAR_WALK_H_
+#define MARLUNE_TOOLS_MARLUNE_REWRITING_GRAMMAR_WALK_H_
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "marlune/grammar/model/rule.h"
+
+namespace marlune::tool {
+
+using PhrasePointer = std::shared_ptr<const SimpleSlotSequence>;
+
+// One application of one rule to a phrase.
+struct Turn {
+  std::string path;                   // part names below the root, joined: "A.B"
+  const Rule* rule;                   // owned by the grammar
+  PhrasePointer before;               // with a blank at each end
+  PhrasePointer after;                // the same object as `before` if the rule changed nothing
+  std::vector<std::string> messages;  // what the rule logged, without the comparisons
+};
+
+// Applies all rules of a grammar to a phrase, in the grammar's own order, and keeps each step. The
+// grammar must outlive the result.
+class GrammarWalk {
+ public:
+  GrammarWalk(const GrammarPart& grammar, PhrasePointer phrase);
+
+  const std::vector<Turn>& turns() const { return _turns; }
+  const PhrasePointer& before() const { return _before; }
+  const PhrasePointer& after() const { return _current; }
+
+ private:
+  void _apply(const GrammarPart& part, const std::string& path);
+  void _applyRule(const Rule& rule, const std::string& path);
+
+  PhrasePointer _before;
+  PhrasePointer _current;
+  std::vector<Turn> _turns;
+};
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_REWRITING_GRAMMAR_WALK_H_

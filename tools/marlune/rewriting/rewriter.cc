@@ -1,0 +1,111 @@
+#include "tools/marlune/rewriting/rewriter.h"
+
+#include <string_view>
+
+#include "marlune/desktop/text/normal_form.h"
+#include "marlune/grammar/base/grammar_error.h"
+#include "marlune/platform/platform.h"
+#include "marlune/util/tq_utils.h"
+#include "tools/marlune/input/composed_list_reader.h"
+#include "tools/marlune/input/input_error.h"
+#include "tools/marlune/phrase_command.h"
+#include "tools/marlune/rewriting/captured_log.h"
+#include "tools/marlune/text/shown_text.h"
+
+namespace marlune::tool {
+
+namespace {
+
+// Preferences with a single setting: the grammar's trace is on.
+class TracePreferences : public Preferences {
+ public:
+  Value valueForKey(std::string_view key, std::string_view) const override {
+    return key == ZKPlistNotificationDefault ? Value::boolean(true) : Value();
+  }
+  void setValueForKey(const Value&, std::string_view, std::string_view) override {}
+  bool synchronize(std::string_view) override { return true; }
+};
+
+class TraceSwitchedOn {
+ public:
+  TraceSwitchedOn() : _former(Platform::shared().preferences) {
+    Platform::shared().preferences = std::make_shared<TracePreferences>();
+  }
+  ~TraceSwitchedOn() { Platform::shared().preferences = _former; }
+  TraceSwitchedOn(const TraceSwitchedOn&) = delete;
+  TraceSwitchedOn& operator=(const TraceSwitchedOn&) = delete;
+
+ private:
+  const std::shared_ptr<Preferences> _former;
+};
+
+// The library's reason for not reading a file, taken from its log lines; "" if there is none.
+std::string causeAmong(const std::vector<std::string>& lines) {
+  constexpr std::string_view kOpening = "ERROR loading grammar from plist: ";
+  for (const std::string& line : lines) {
+    if (line.starts_with(kOpening)) return line.substr(kOpening.size());
+  }
+  return "";
+}
+
+void show(const std::vector<std::string>& messages) {
+  for (const std::string& message : messages) TQUtils::systemLog("%@", message);
+}
+
+}  // namespace
+
+Rewriter::Rewriter(const std::string& path, const std::string& name) {
+  Platform::shared().propertyListReader = std::make_shared<ComposedListReader>();
+  std::vector<std::string> messages;
+  {
+    const CapturedLog log;
+    try {
+      _parser = Parser::initWithPlistAtPath(path, inNormalFormC(name));
+    } catch (const GrammarError& error) {
+      throw InputError(path + ": " + error.what());
+    }
+    messages = log.lines();
+  }
+  if (!_parser->hasGrammar()) {
+    const std::string cause = causeAmong(messages);
+    throw InputError(cause.empty() ? path + ": there is no grammar named " + name : cause);
+  }
+  show(messages);
+}
+
+Words Rewriter::rewritten(const Words& words) const {
+  Words result;
+  std::vector<std::string> messages;
+  {
+    const CapturedLog log;
+    result = _parser->resultOfRulesAppliedToStrings(words)->stringArray();
+    messages = log.lines();
+  }
+  show(messages);
+  requireNoLimitAmong(messages);
+  return result;
+}
+
+void requireNoLimitAmong(const std::vector<std::string>& messages) {
+  constexpr std::string_view kOpening = "ERROR: The phrase would grow past ";
+  for (const std::string& message : messages) {
+    if (message.starts_with(kOpening)) {
+      throw PhraseError("a rule would make it longer than a phrase may be");
+    }
+  }
+}
+
+GrammarWalk Rewriter::walkOf(const Words& words) const {
+  return {*_parser->theGrammar(), SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(words)};
+}
+
+std::string Rewriter::rawTraceOf(const Words& words) const {
+  const CapturedLog log(CapturedLog::Kept::everything);
+  const TraceSwitchedOn trace;
+  _parser->resultOfRulesAppliedToStrings(words);
+  std::string text;
+  for (const std::string& line : log.lines()) text += shownLayout(line) + "\n";
+  return text;
+}
+
+}  // namespace marlune::tool

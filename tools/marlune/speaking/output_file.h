@@ -1,0 +1,16 @@
+#ifndef MARLUNE_TOOLS_MARLUNE_SPEAKING_OUTPUT_FILE_H_
+#define MARLUNE_TOOLS_MARLUNE_SPEAKING_OUTPUT_FILE_H_
+
+#include <string>
+
+#include "marlune/platform/resource_bundle.h"
+
+namespace marlune::tool {
+
+// Throws InputError if sound cannot be rendered to `path`: the extension is not that of a sound
+// file, its folder is missing or not writable, or `path` leads to one of the recordings.
+void requireUsableOutput(const std::string& path, const ResourceBundle& recordings);
+
+}  // namespace marlune::tool
+
+#endif  // MARLUNE_TOOLS_MARLUNE_SPEAKING_OUTPUT_FILE_H_
