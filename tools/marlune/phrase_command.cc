@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <new>
+#include <stdexcept>
 
+#include "tools/marlune/input/phrase_error.h"
 #include "tools/marlune/input/phrase_limits.h"
 #include "tools/marlune/streams/answers.h"
 #include "tools/marlune/streams/report.h"

@@ -1,19 +1,12 @@
 #ifndef MARLUNE_TOOLS_MARLUNE_PHRASE_COMMAND_H_
 #define MARLUNE_TOOLS_MARLUNE_PHRASE_COMMAND_H_
 
-#include <stdexcept>
 #include <string>
 
 #include "tools/marlune/exit_status.h"
 #include "tools/marlune/input/phrase_input.h"
 
 namespace marlune::tool {
-
-// Why one phrase cannot be rewritten or said, as a clause. The run continues with the next phrase.
-class PhraseError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 // The work of one command on each phrase of its input.
 class PhraseCommand {

@@ -8,7 +8,7 @@
 #include "marlune/util/tq_utils.h"
 #include "tools/marlune/input/composed_list_reader.h"
 #include "tools/marlune/input/input_error.h"
-#include "tools/marlune/phrase_command.h"
+#include "tools/marlune/input/phrase_error.h"
 #include "tools/marlune/rewriting/captured_log.h"
 #include "tools/marlune/text/shown_text.h"
 

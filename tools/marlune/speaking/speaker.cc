@@ -9,7 +9,7 @@
 #include "marlune/platform/platform.h"
 #include "marlune/playback/audio_session.h"
 #include "tools/marlune/input/input_error.h"
-#include "tools/marlune/phrase_command.h"
+#include "tools/marlune/input/phrase_error.h"
 #include "tools/marlune/speaking/output_file.h"
 #include "tools/marlune/speaking/progress_line.h"
 #include "tools/marlune/streams/report.h"
