@@ -4,8 +4,6 @@
 #include <utility>
 
 #include "marlune/grammar/base/special_characters.h"
-#include "marlune/grammar/model/directory.h"
-#include "marlune/grammar/model/rule.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -17,13 +15,6 @@ void setIfMissing(Dictionary& plist, const Value& value, const std::string& key)
 }
 
 }  // namespace
-
-std::shared_ptr<GrammarPart> GrammarPart::instanceFromPlist(const Value& plist) {
-  const auto& fields = plist.asDictionary();
-  if (!fields) return nullptr;
-  if (fields->contains(SpecialCharacters::lhsKey())) return Rule::instanceFromPlist(plist);
-  return Directory::instanceFromPlist(plist);
-}
 
 void GrammarPart::genericSetUpFromPlist(Dictionary& plist) {
   setIfMissing(plist, Value::integer(0), SpecialCharacters::depthKey());

@@ -4,10 +4,7 @@
 #include <stdexcept>
 
 #include "marlune/grammar/base/make_shared_of.h"
-#include "marlune/grammar/model/context_substitution.h"
-#include "marlune/grammar/model/new_production.h"
 #include "marlune/grammar/model/simple_slot.h"
-#include "marlune/grammar/model/slots_in_context.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -101,19 +98,6 @@ std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::overlayedOn(
 std::shared_ptr<Slot> SimpleSlotSequence::first() const {
   if (empty()) throw std::out_of_range("the first slot of an empty phrase");
   return slots().front();
-}
-
-std::shared_ptr<SimpleSlotSequence>
-SimpleSlotSequence::sequenceByReplacingOccurencesOfSlotsInContext(
-    const SlotsInContext* leftHandSide, const GenericProduction* withProduction) const {
-  return ContextSubstitution(*this, leftHandSide, withProduction).result();
-}
-
-std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::sequenceByReplacingOccurencesOfSequence(
-    const SlotSequence& pattern, std::shared_ptr<SimpleSlotSequence> withSequence) const {
-  const auto leftHandSide = SlotsInContext::slotsInContextWithSignificantSlotSequence(pattern);
-  const auto production = NewProduction::productionWithSimpleSlotSequence(std::move(withSequence));
-  return sequenceByReplacingOccurencesOfSlotsInContext(leftHandSide.get(), production.get());
 }
 
 }  // namespace marlune

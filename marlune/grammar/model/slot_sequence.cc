@@ -5,10 +5,7 @@
 
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/base/make_shared_of.h"
-#include "marlune/grammar/model/compound_slot.h"
-#include "marlune/grammar/model/sequence_matcher.h"
 #include "marlune/grammar/model/simple_slot.h"
-#include "marlune/grammar/model/simple_slot_sequence.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -75,13 +72,6 @@ std::shared_ptr<SlotSequence> SlotSequence::slotSubsequenceFromIndex(std::size_t
   return initWithArray(subsequenceFromIndex(index));
 }
 
-std::shared_ptr<SimpleSlotSequence> SlotSequence::occurrenceOfSequence(const SlotSequence& sequence,
-                                                                       std::size_t atIndex) const {
-  if (atIndex > count() || sequence.count() > count() - atIndex) return nullptr;
-  return SimpleSlotSequence::initWithArray(
-      {at(slots(), atIndex), at(slots(), atIndex + sequence.count())});
-}
-
 std::shared_ptr<SlotSequence> SlotSequence::portionPrecedingOccurrenceOfSequence(
     const SlotSequence&, std::size_t atIndex) const {
   requireWithin(atIndex, count());
@@ -109,23 +99,6 @@ void SlotSequence::_makeSlots() const {
 
 std::shared_ptr<Slot> SlotSequence::_reversed() { return reversed(); }
 
-std::vector<std::int32_t> SlotSequence::indicesOfOccurrencesInTarget(
-    const SlotSequence& target) const {
-  std::uint64_t steps = 0;
-  return _indicesOfOccurrences(target, steps);
-}
-
-std::vector<std::int32_t> SlotSequence::_indicesOfOccurrences(const SlotSequence& target,
-                                                              std::uint64_t& steps) const {
-  SequenceMatcher matcher(slots(), SlotRun::forwards(target.slots()));
-  std::vector<std::int32_t> indices;
-  for (std::size_t index = 0; index < target.count(); ++index) {
-    if (matcher.matchesFrom(index)) indices.push_back(static_cast<std::int32_t>(index));
-  }
-  steps += matcher.steps();
-  return indices;
-}
-
 std::shared_ptr<SlotSequence> SlotSequence::overlayedOn(
     std::shared_ptr<SlotSequence> target) const {
   for (std::size_t i = 0; i < std::min(count(), target->count()); ++i) {
@@ -143,28 +116,6 @@ std::string SlotSequence::description() const {
     joined += slot->description();
   }
   return joined;
-}
-
-bool SlotSequence::_matchesAt(const SlotRun& target, std::size_t index) const {
-  return SequenceMatcher(slots(), target).matchesFrom(index);
-}
-
-// A sequence never calls `matches` of a Kleene slot itself, nor of slots of other kinds.
-bool SlotSequence::_writesLines() const {
-  return std::ranges::any_of(slots(), [](const std::shared_ptr<Slot>& slot) {
-    switch (slot->kind()) {
-      case Kind::kleene:
-        return static_cast<const CompoundSlot&>(*slot).slots()->_writesLines();
-      case Kind::simple:
-      case Kind::disjunction:
-      case Kind::negation:
-        return slot->_writesLines();
-      case Kind::sequence:
-      case Kind::other:
-        break;
-    }
-    return false;
-  });
 }
 
 }  // namespace marlune
