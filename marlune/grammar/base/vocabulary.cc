@@ -26,12 +26,12 @@ std::uint32_t hashOf(std::string_view text) {
 
 }  // namespace
 
-CompiledVocabulary::CompiledVocabulary() : _ends{0}, _table(64) {
+Vocabulary::Vocabulary() : _ends{0}, _table(64) {
   add("");
   add(SpecialCharacters::contentKey());
 }
 
-CompiledVocabulary::Id CompiledVocabulary::add(std::string_view text) {
+Vocabulary::Id Vocabulary::add(std::string_view text) {
   const std::uint32_t hash = hashOf(text);
   std::size_t place = _placeOf(text, hash);
   if (_table[place].id != kAbsent) return _table[place].id;
@@ -47,22 +47,22 @@ CompiledVocabulary::Id CompiledVocabulary::add(std::string_view text) {
   return id;
 }
 
-CompiledVocabulary::Id CompiledVocabulary::find(std::string_view text) const {
+Vocabulary::Id Vocabulary::find(std::string_view text) const {
   return _table[_placeOf(text, hashOf(text))].id;
 }
 
-void CompiledVocabulary::shrinkToFit() {
+void Vocabulary::shrinkToFit() {
   _texts.shrink_to_fit();
   _ends.shrink_to_fit();
 }
 
-void CompiledVocabulary::finish() {
+void Vocabulary::finish() {
   shrinkToFit();
   _table = {};
 }
 
 // The index of `text` in the table, or of the free place where it belongs.
-std::size_t CompiledVocabulary::_placeOf(std::string_view text, std::uint32_t hash) const {
+std::size_t Vocabulary::_placeOf(std::string_view text, std::uint32_t hash) const {
   const std::size_t mask = _table.size() - 1;
   std::size_t place = hash & mask;
   while (_table[place].id != kAbsent &&
@@ -72,7 +72,7 @@ std::size_t CompiledVocabulary::_placeOf(std::string_view text, std::uint32_t ha
   return place;
 }
 
-void CompiledVocabulary::_grow() {
+void Vocabulary::_grow() {
   std::vector<Entry> old(_table.size() * 2);
   old.swap(_table);
   for (const Entry& entry : old) {

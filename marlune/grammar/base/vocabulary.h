@@ -12,14 +12,14 @@ namespace marlune {
 // The texts of a compiled grammar (words, attribute names, attribute values), each with its own
 // number, so that comparing two texts means comparing two numbers. Grows only while the grammar is
 // compiled; the words of phrases are never added.
-class CompiledVocabulary {
+class Vocabulary {
  public:
   using Id = std::uint32_t;
   static constexpr Id kAbsent = 0;   // no text
   static constexpr Id kEmpty = 1;    // ""
   static constexpr Id kContent = 2;  // "content"
 
-  CompiledVocabulary();
+  Vocabulary();
 
   // The number of `text`; assigns a new one if it has none.
   Id add(std::string_view text);
@@ -39,7 +39,7 @@ class CompiledVocabulary {
   std::size_t longest() const { return _longest; }
 
   // Whether both have the same texts under the same numbers.
-  bool equals(const CompiledVocabulary& other) const {
+  bool equals(const Vocabulary& other) const {
     return _ends == other._ends && _texts == other._texts;
   }
 

@@ -55,7 +55,7 @@ CompiledBuilder::Result CompiledBuilder::build(const Value& plist) {
   return result;
 }
 
-CompiledBuilder::CompiledBuilder() { _tables.vocabulary = std::make_shared<CompiledVocabulary>(); }
+CompiledBuilder::CompiledBuilder() { _tables.vocabulary = std::make_shared<Vocabulary>(); }
 
 CompiledBuilder::Part CompiledBuilder::_part(const Value& plist) {
   Dictionary& fields = *plist.asDictionary();
@@ -169,7 +169,7 @@ bool CompiledBuilder::_element(const Value& slot, bool backwards, bool isAsked, 
     } else if (*text == SpecialCharacters::blankSymbol()) {
       element = {Kind::blank, 0, 0};
     } else {
-      _tables.patterns.requirements.push_back({CompiledVocabulary::kContent, false, _id(*text)});
+      _tables.patterns.requirements.push_back({Vocabulary::kContent, false, _id(*text)});
       element = _literalOf(_tables.patterns.requirements.size() - 1);
     }
     return true;
@@ -208,8 +208,8 @@ CompiledBuilder::Element CompiledBuilder::_literalOf(std::size_t firstRequiremen
   std::vector<CompiledPatterns::Requirement>& all = _tables.patterns.requirements;
   const std::size_t count = all.size() - firstRequirement;
   const CompiledPatterns::Requirement* const only = count == 1 ? &all.back() : nullptr;
-  if (only && !only->isSuffix && only->name == CompiledVocabulary::kContent &&
-      only->value != CompiledVocabulary::kEmpty) {
+  if (only && !only->isSuffix && only->name == Vocabulary::kContent &&
+      only->value != Vocabulary::kEmpty) {
     const Element word{Kind::word, 0, only->value};
     all.pop_back();
     return word;
@@ -247,7 +247,7 @@ bool CompiledBuilder::_production(const Array& plist, std::size_t matched,
     each.isOverlaid = true;
     each.settings.first = static_cast<std::uint32_t>(all.settings.size());
     if (entry.asString()) {
-      all.settings.push_back({CompiledVocabulary::kContent, _id(*entry.asString())});
+      all.settings.push_back({Vocabulary::kContent, _id(*entry.asString())});
     } else if (const auto& overlay = entry.asDictionary()) {
       const Value& index = overlay->valueForKey(SpecialCharacters::indexKey());
       if (!index.isNumber()) break;  // entries after this one are ignored
@@ -350,7 +350,7 @@ void CompiledBuilder::_fileRules() {
 void CompiledBuilder::_countFeatures(const Element& element) {
   const CompiledPatterns& patterns = _tables.patterns;
   if (element.kind == CompiledPatterns::Kind::word) {
-    ++_frequencies[CompiledIndex::feature(CompiledVocabulary::kContent, element.first)];
+    ++_frequencies[CompiledIndex::feature(Vocabulary::kContent, element.first)];
   } else if (element.kind == CompiledPatterns::Kind::literal) {
     for (std::uint32_t i = 0; i < element.count; ++i) {
       const CompiledPatterns::Requirement& each = patterns.requirements[element.first + i];
@@ -371,8 +371,8 @@ void CompiledBuilder::_file(std::uint32_t number) {
     Features features = _triggerOf(_tables.patterns.elements[element]);
     if (features.empty()) return;
     if (features.size() == 1) {
-      rule.mask |= CompiledIndex::maskOf(static_cast<CompiledVocabulary::Id>(features[0] >> 32),
-                                         static_cast<CompiledVocabulary::Id>(features[0]));
+      rule.mask |= CompiledIndex::maskOf(static_cast<Vocabulary::Id>(features[0] >> 32),
+                                         static_cast<Vocabulary::Id>(features[0]));
     }
     if (!best.empty() && _costOf(best) <= _costOf(features)) return;
     best = std::move(features);
@@ -387,11 +387,11 @@ CompiledBuilder::Features CompiledBuilder::_triggerOf(const Element& element) co
   const CompiledPatterns& patterns = _tables.patterns;
   Features best;
   if (element.kind == CompiledPatterns::Kind::word) {
-    best = {CompiledIndex::feature(CompiledVocabulary::kContent, element.first)};
+    best = {CompiledIndex::feature(Vocabulary::kContent, element.first)};
   } else if (element.kind == CompiledPatterns::Kind::literal) {
     for (std::uint32_t i = 0; i < element.count; ++i) {
       const CompiledPatterns::Requirement& each = patterns.requirements[element.first + i];
-      if (each.isSuffix || each.value == CompiledVocabulary::kEmpty) continue;
+      if (each.isSuffix || each.value == Vocabulary::kEmpty) continue;
       const Features feature = {CompiledIndex::feature(each.name, each.value)};
       if (best.empty() || _costOf(feature) < _costOf(best)) best = feature;
     }

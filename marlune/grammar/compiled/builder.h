@@ -34,7 +34,7 @@ class CompiledBuilder {
  private:
   using Element = CompiledPatterns::Element;
   using Run = CompiledPatterns::Run;
-  using Id = CompiledVocabulary::Id;
+  using Id = Vocabulary::Id;
   using Features = std::vector<std::uint64_t>;
   class Part;
 

@@ -16,7 +16,7 @@ void CompiledIndex::finish(std::size_t vocabularyCount) {
   _rules.reserve(_unsorted.size());
   _byWord.resize(vocabularyCount);
   for (const auto& [feature, rule] : _unsorted) {
-    const bool isWord = feature >> 32 == CompiledVocabulary::kContent;
+    const bool isWord = feature >> 32 == Vocabulary::kContent;
     Range& range = isWord ? _byWord[static_cast<Id>(feature)] : _byAttribute[feature];
     if (range.last == 0) range.first = static_cast<std::uint32_t>(_rules.size());
     _rules.push_back(rule);
@@ -28,7 +28,7 @@ void CompiledIndex::finish(std::size_t vocabularyCount) {
 void CompiledIndex::call(const CompiledPhrase& phrase, const CompiledPhrase::Slot& slot,
                          std::uint32_t from, CompiledAgenda& agenda, std::uint64_t& mask) const {
   if (slot.content < _byWord.size()) {
-    mask |= maskOf(CompiledVocabulary::kContent, slot.content);
+    mask |= maskOf(Vocabulary::kContent, slot.content);
     _call(_byWord[slot.content], from, agenda);
   }
   if (slot.attributeCount > 0) _callByAttributes(phrase, slot, from, agenda, mask);

@@ -18,7 +18,7 @@ namespace marlune {
 // some slot must have one. A rule without a required feature is called by every phrase.
 class CompiledIndex {
  public:
-  using Id = CompiledVocabulary::Id;
+  using Id = Vocabulary::Id;
 
   static std::uint64_t feature(Id name, Id value) { return (std::uint64_t{name} << 32) | value; }
 

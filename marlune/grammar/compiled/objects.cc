@@ -52,7 +52,7 @@ std::shared_ptr<SimpleSlot> CompiledObjects::_made(const CompiledPhrase& phrase,
                                                    const CompiledPhrase::Slot& slot) {
   if (slot.type == CellTypeBlank) return SimpleSlot::blank();
   if (slot.type == CellTypeWildcard) return SimpleSlot::empty();
-  if (slot.attributeCount == 0 && slot.content != CompiledVocabulary::kAbsent) {
+  if (slot.attributeCount == 0 && slot.content != Vocabulary::kAbsent) {
     return SimpleSlot::initWithCell(
         Cell::initWithContentString(std::string(phrase.text(slot.content))));
   }

@@ -79,10 +79,10 @@ bool CompiledPatterns::_matchesOther(const Element& element, const CompiledPhras
 bool CompiledPatterns::_holds(const Requirement& requirement, const CompiledPhrase& phrase,
                               const Slot& slot) const {
   if (!requirement.isSuffix) {
-    const CompiledVocabulary::Id value = phrase.valueOf(slot, requirement.name);
-    return std::max(value, CompiledVocabulary::kEmpty) == requirement.value;
+    const Vocabulary::Id value = phrase.valueOf(slot, requirement.name);
+    return std::max(value, Vocabulary::kEmpty) == requirement.value;
   }
-  return slot.content != CompiledVocabulary::kAbsent &&
+  return slot.content != Vocabulary::kAbsent &&
          utf16Suffix(phrase.text(slot.content), requirement.name) == phrase.text(requirement.value);
 }
 

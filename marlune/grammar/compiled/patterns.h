@@ -40,7 +40,7 @@ class CompiledPatterns {
   struct Requirement {
     std::uint32_t name : 31;
     std::uint32_t isSuffix : 1;
-    CompiledVocabulary::Id value;
+    Vocabulary::Id value;
   };
 
   std::vector<Element> elements;

@@ -6,7 +6,7 @@
 
 namespace marlune {
 
-void CompiledPhrase::reset(const CompiledVocabulary& vocabulary) {
+void CompiledPhrase::reset(const Vocabulary& vocabulary) {
   _vocabulary = &vocabulary;
   _slots.clear();
   _attributes.clear();
@@ -33,16 +33,16 @@ CompiledPhrase::Id CompiledPhrase::idOfName(std::string_view name) {
 }
 
 CompiledPhrase::Id CompiledPhrase::valueOf(const Slot& slot, Id name) const {
-  if (name == CompiledVocabulary::kContent) return slot.content;
+  if (name == Vocabulary::kContent) return slot.content;
   for (const Attribute& attribute : attributesOf(slot)) {
     if (attribute.name == name) return attribute.value;
   }
-  return CompiledVocabulary::kAbsent;
+  return Vocabulary::kAbsent;
 }
 
 bool CompiledPhrase::equal(Id left, Id right) const {
-  left = std::max(left, CompiledVocabulary::kEmpty);
-  right = std::max(right, CompiledVocabulary::kEmpty);
+  left = std::max(left, Vocabulary::kEmpty);
+  right = std::max(right, Vocabulary::kEmpty);
   if (left == right) return true;
   const Id known = static_cast<Id>(_vocabulary->count());
   return left >= known && right >= known && text(left) == text(right);
@@ -55,7 +55,7 @@ CompiledPhrase::Slot CompiledPhrase::fromString(std::string_view string) {
 }
 
 CompiledPhrase::Slot CompiledPhrase::beginOverlay(const Slot* base) {
-  Slot slot = word(base ? base->content : CompiledVocabulary::kAbsent);
+  Slot slot = word(base ? base->content : Vocabulary::kAbsent);
   if (base && base->attributeCount > 0) {
     slot.attributes = static_cast<std::uint32_t>(_attributes.size());
     slot.attributeCount = base->attributeCount;
@@ -67,7 +67,7 @@ CompiledPhrase::Slot CompiledPhrase::beginOverlay(const Slot* base) {
 }
 
 bool CompiledPhrase::set(Slot& slot, Id name, Id value) {
-  const bool isContent = name == CompiledVocabulary::kContent;
+  const bool isContent = name == Vocabulary::kContent;
   if (!isContent || slot.attributeCount > 0) {
     if (slot.attributeCount == 0) _spell(slot);
     const auto begin = _attributes.begin() + slot.attributes;
@@ -89,8 +89,8 @@ bool CompiledPhrase::set(Slot& slot, Id name, Id value) {
 // Starts the attribute list of a slot that had no attribute other than its content.
 void CompiledPhrase::_spell(Slot& slot) {
   slot.attributes = static_cast<std::uint32_t>(_attributes.size());
-  if (slot.content == CompiledVocabulary::kAbsent) return;
-  _attributes.push_back({CompiledVocabulary::kContent, slot.content});
+  if (slot.content == Vocabulary::kAbsent) return;
+  _attributes.push_back({Vocabulary::kContent, slot.content});
   slot.attributeCount = 1;
 }
 
@@ -113,7 +113,7 @@ bool CompiledPhrase::_matches(const Slot& pattern, const Slot& target) const {
   if (pattern.type == CellTypeBlank) return target.type == CellTypeBlank;
   if (pattern.type == CellTypeWildcard) return target.type != CellTypeBlank;
   if (pattern.attributeCount == 0) {
-    return pattern.content == CompiledVocabulary::kAbsent || equal(pattern.content, target.content);
+    return pattern.content == Vocabulary::kAbsent || equal(pattern.content, target.content);
   }
   const std::span<const Attribute> wanted = attributesOf(pattern);
   return std::all_of(wanted.begin(), wanted.end(), [&](const Attribute& each) {
@@ -126,7 +126,7 @@ CompiledPhrase CompiledPhrase::kept(std::string& storage) const {
   copy._vocabulary = _vocabulary;
   copy._slots = _slots;
   copy._identities = _identities;
-  std::vector<Id> numbers(_unknown.size(), CompiledVocabulary::kAbsent);
+  std::vector<Id> numbers(_unknown.size(), Vocabulary::kAbsent);
   for (Slot& slot : copy._slots) {
     slot.content = _keep(slot.content, copy, numbers);
     const std::span<const Attribute> attributes = attributesOf(slot);
@@ -146,7 +146,7 @@ CompiledPhrase::Id CompiledPhrase::_keep(Id id, CompiledPhrase& copy,
   const std::size_t known = _vocabulary->count();
   if (id < known) return id;
   Id& number = numbers[id - known];
-  if (number == CompiledVocabulary::kAbsent) {
+  if (number == Vocabulary::kAbsent) {
     number = static_cast<Id>(known + copy._unknown.size());
     copy._unknown.push_back(_unknown[id - known]);
   }

@@ -19,7 +19,7 @@ namespace marlune {
 // phrase only; such a text may have several numbers.
 class CompiledPhrase {
  public:
-  using Id = CompiledVocabulary::Id;
+  using Id = Vocabulary::Id;
 
   struct Attribute {
     Id name = 0;
@@ -45,7 +45,7 @@ class CompiledPhrase {
   }
 
   // Clears the phrase. `vocabulary` must outlive the phrase's use.
-  void reset(const CompiledVocabulary& vocabulary);
+  void reset(const Vocabulary& vocabulary);
 
   std::vector<Slot>& slots() { return _slots; }
   const std::vector<Slot>& slots() const { return _slots; }
@@ -117,7 +117,7 @@ class CompiledPhrase {
   void _spell(Slot& slot);
   bool _matches(const Slot& pattern, const Slot& target) const;
 
-  const CompiledVocabulary* _vocabulary = nullptr;
+  const Vocabulary* _vocabulary = nullptr;
   std::vector<Slot> _slots;
   std::vector<Attribute> _attributes;
   std::vector<std::string_view> _unknown;

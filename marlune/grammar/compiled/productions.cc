@@ -6,9 +6,10 @@
 
 namespace marlune {
 
-const CompiledProductions::Run* CompiledProductions::chosen(
-    const Choice& choice, const CompiledPhrase& phrase, std::span<const Slot> occurrence,
-    const CompiledVocabulary& vocabulary) const {
+const CompiledProductions::Run* CompiledProductions::chosen(const Choice& choice,
+                                                            const CompiledPhrase& phrase,
+                                                            std::span<const Slot> occurrence,
+                                                            const Vocabulary& vocabulary) const {
   const Id signature = _signatureOf(choice, phrase, occurrence, vocabulary);
   const auto begin = expansions.begin() + choice.expansions.first;
   const auto end = begin + choice.expansions.count;
@@ -20,21 +21,22 @@ const CompiledProductions::Run* CompiledProductions::chosen(
 
 // The number of the joined values; when the grammar does not contain the text, a number that no
 // expansion has. The usual choice by one value builds no text.
-CompiledProductions::Id CompiledProductions::_signatureOf(
-    const Choice& choice, const CompiledPhrase& phrase, std::span<const Slot> occurrence,
-    const CompiledVocabulary& vocabulary) const {
+CompiledProductions::Id CompiledProductions::_signatureOf(const Choice& choice,
+                                                          const CompiledPhrase& phrase,
+                                                          std::span<const Slot> occurrence,
+                                                          const Vocabulary& vocabulary) const {
   _joined.clear();
-  Id only = CompiledVocabulary::kEmpty;
+  Id only = Vocabulary::kEmpty;
   bool isFirst = true;
   for (std::uint32_t i = 0; i < choice.references.count; ++i) {
     const Reference& each = references[choice.references.first + i];
     const Id value = phrase.valueOf(occurrence[static_cast<std::size_t>(each.index)], each.name);
-    if (value == CompiledVocabulary::kAbsent) continue;
+    if (value == Vocabulary::kAbsent) continue;
     if (choice.references.count == 1) return value;
     if (!isFirst) _joined += phrase.text(choice.delimiter);
     isFirst = false;
     _joined += phrase.text(value);
-    if (_joined.size() > vocabulary.longest()) return CompiledVocabulary::kAbsent;
+    if (_joined.size() > vocabulary.longest()) return Vocabulary::kAbsent;
   }
   return isFirst ? only : vocabulary.find(_joined);
 }
@@ -68,7 +70,7 @@ bool CompiledProductions::_overlay(const Produced& each, CompiledPhrase& phrase,
     Id value = setting.value;
     if (setting.index >= 0) {
       value = phrase.valueOf(occurrence[static_cast<std::size_t>(setting.index)], setting.value);
-      if (value == CompiledVocabulary::kAbsent) value = CompiledVocabulary::kEmpty;
+      if (value == Vocabulary::kAbsent) value = Vocabulary::kEmpty;
     }
     if (!phrase.set(slot, setting.name, value)) return false;
   }

@@ -16,7 +16,7 @@ namespace marlune {
 // All right-hand sides of a compiled grammar, in flat arrays.
 class CompiledProductions {
  public:
-  using Id = CompiledVocabulary::Id;
+  using Id = Vocabulary::Id;
   using Slot = CompiledPhrase::Slot;
 
   static constexpr std::int32_t kNew = -1;  // a new slot, or a value of no matched slot
@@ -66,7 +66,7 @@ class CompiledProductions {
 
   // The replacement that `choice` selects for the matched slots; nullptr when it has none.
   const Run* chosen(const Choice& choice, const CompiledPhrase& phrase,
-                    std::span<const Slot> occurrence, const CompiledVocabulary& vocabulary) const;
+                    std::span<const Slot> occurrence, const Vocabulary& vocabulary) const;
 
   // Appends to `result` the slots that `production` makes of the matched ones. Returns false when a
   // cell would have more attributes than a compiled phrase can hold, or the phrase could exceed its
@@ -76,7 +76,7 @@ class CompiledProductions {
 
  private:
   Id _signatureOf(const Choice& choice, const CompiledPhrase& phrase,
-                  std::span<const Slot> occurrence, const CompiledVocabulary& vocabulary) const;
+                  std::span<const Slot> occurrence, const Vocabulary& vocabulary) const;
   bool _overlay(const Produced& each, CompiledPhrase& phrase, std::span<const Slot> occurrence,
                 std::vector<Slot>& result) const;
 

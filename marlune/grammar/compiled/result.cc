@@ -10,7 +10,7 @@ std::vector<std::string> CompiledResult::stringArray() const {
   std::vector<std::string> strings;
   strings.reserve(_phrase.slots().size());
   for (const CompiledPhrase::Slot& slot : _phrase.slots()) {
-    if (slot.type == CellTypeLiteral && slot.content != CompiledVocabulary::kAbsent) {
+    if (slot.type == CellTypeLiteral && slot.content != Vocabulary::kAbsent) {
       strings.emplace_back(_phrase.text(slot.content));
     }
   }

@@ -15,14 +15,14 @@ namespace marlune {
 // The result of a compiled grammar. Independent of the grammar and of the input words.
 class CompiledResult : public PendingSlots {
  public:
-  CompiledResult(const CompiledPhrase& phrase, std::shared_ptr<const CompiledVocabulary> vocabulary)
+  CompiledResult(const CompiledPhrase& phrase, std::shared_ptr<const Vocabulary> vocabulary)
       : _vocabulary(std::move(vocabulary)), _phrase(phrase.kept(_texts)) {}
 
   SlotArray slots() const override;
   std::vector<std::string> stringArray() const override;
 
  private:
-  std::shared_ptr<const CompiledVocabulary> _vocabulary;
+  std::shared_ptr<const Vocabulary> _vocabulary;
   std::string _texts;
   CompiledPhrase _phrase;  // refers to both
 };

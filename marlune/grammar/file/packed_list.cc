@@ -189,7 +189,7 @@ class PackedList::Reader {
   }
 
   const std::shared_ptr<const std::string>& _text() {
-    const auto id = static_cast<CompiledVocabulary::Id>(_number());
+    const auto id = static_cast<Vocabulary::Id>(_number());
     std::shared_ptr<const std::string>& text = _texts[id];
     if (!text) text = std::make_shared<const std::string>(_list._texts.text(id));
     return text;

@@ -33,7 +33,7 @@ class PackedList {
 
   PackedList() = default;
 
-  CompiledVocabulary _texts;
+  Vocabulary _texts;
   std::string _bytes;
 };
 

@@ -15,7 +15,8 @@ namespace marlune {
 
 namespace {
 
-// The slot of an array's marker over the members behind it; nullptr for no marker.
+// The compound slot for an array's marker and the members after it; nullptr if the first element is
+// not a marker.
 std::shared_ptr<Slot> slotOfElements(const std::vector<Value>& elements) {
   if (elements.empty()) throw GrammarError("", "an empty array where a slot is expected");
   const std::string* marker = elements.front().asString();
