@@ -75,7 +75,7 @@ Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>*
 
 Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>& words,
                                                  bool isSubsetOfWhole) {
-  _countCalls(1);
+  _calls.add(1);
   _forgetSuperseded();
   if (const Decomposition* const files = _phrases.find(words)) return *files;
   _key.join(words);
@@ -106,17 +106,10 @@ void Decomposer::_forgetSuperseded() {
 // and creates its own.
 std::uint32_t Decomposer::_search(std::span<const std::string> words, bool isSubsetOfWhole) {
   std::unique_ptr<SplitSearch> search = std::move(_idleSearch);
-  if (!search) search = std::make_unique<SplitSearch>(*this, *_memo);
+  if (!search) search = std::make_unique<SplitSearch>(*this, _delegate, _calls, *_memo);
   const DecompositionMemo::Id id = search->run(words, _key, isSubsetOfWhole);
   if (search->isWorthKeeping()) _idleSearch = std::move(search);
   return id;
-}
-
-void Decomposer::_countCalls(std::size_t calls) {
-  _iterations += static_cast<std::uint32_t>(calls);
-  if (_debugging) {
-    TQUtils::forDefaultLog(ZKPlistNotificationDefault, "Iterations so far: %i", iterations());
-  }
 }
 
 std::map<std::string, Decomposition> Decomposer::_cache() const {

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "marlune/decompose/call_count.h"
 #include "marlune/decompose/decomposer_overrides.h"
 #include "marlune/decompose/decomposition.h"
 #include "marlune/decompose/joined_key.h"
@@ -77,21 +78,18 @@ class Decomposer {
 
   // The number of worker calls so far, as the plain recursion over all splits would make them.
   // Wraps around.
-  std::int32_t iterations() const { return static_cast<std::int32_t>(_iterations); }
+  std::int32_t iterations() const { return _calls.count(); }
 
   // Internal: if true, every counted call logs a line.
-  void _setDebugging(bool debugging) { _debugging = debugging; }
+  void _setDebugging(bool debugging) { _calls.setTraced(debugging); }
 
   // Internal: a copy of all remembered answers; null values are failures.
   std::map<std::string, Decomposition> _cache() const;
 
  private:
-  friend class SplitSearch;
-
   Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle);
 
   void _readRecordings(std::string_view directory);
-  void _countCalls(std::size_t calls);
   void _forgetSuperseded();
   Decomposition _refuse(std::size_t words);
   std::uint32_t _search(std::span<const std::string> words, bool isSubsetOfWhole);
@@ -104,8 +102,7 @@ class Decomposer {
   JoinedKey _key;                            // the key of the phrase being looked up
   std::unique_ptr<SplitSearch> _idleSearch;  // kept for its tables; null while in use
   std::weak_ptr<DecomposerOverrides> _delegate;
-  std::uint32_t _iterations = 0;
-  bool _debugging = false;
+  CallCount _calls;
 };
 
 }  // namespace marlune

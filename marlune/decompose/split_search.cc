@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "marlune/decompose/decomposer.h"
 #include "marlune/decompose/key_hash.h"
 #include "marlune/util/tq_utils.h"
 
@@ -51,7 +50,7 @@ DecompositionMemo::Id SplitSearch::_run(std::span<const std::string> words, bool
   _key.prepareSlices();
   if (_isUnwatched(id)) {
     _sweep.run(_key, _text, words.size(), id);
-    _decomposer._countCalls(_sweep.calls());
+    _calls.add(_sweep.calls());
     return id;
   }
   _makeTables();
@@ -86,8 +85,8 @@ DecompositionMemo::Id SplitSearch::_answerOfLongPhrase(bool isSubsetOfWhole) {
 // Whether the order of the calls is unobservable. An expired delegate may have had the phrase
 // answered before it expired, so the entry must still be open.
 bool SplitSearch::_isUnwatched(Id whole) const {
-  return _key.isPlain() && _words.size() <= StretchSweep::kMostWords && !_decomposer._debugging &&
-         _decomposer._delegate.expired() && _memo.state(whole) == DecompositionMemo::State::open &&
+  return _key.isPlain() && _words.size() <= StretchSweep::kMostWords && !_calls.isTraced() &&
+         _delegate.expired() && _memo.state(whole) == DecompositionMemo::State::open &&
          !TQUtils::isWantedForDefault(ZKPlistNotificationDefault);
 }
 
@@ -121,7 +120,7 @@ DecompositionMemo::Id SplitSearch::_answerWithoutSplit(std::size_t from, std::si
 
 // nullptr when there is no delegate or it has no answer.
 Decomposition SplitSearch::_askDelegate(std::string_view key, bool isSubsetOfWhole) {
-  const auto delegate = _decomposer._delegate.lock();
+  const auto delegate = _delegate.lock();
   if (!delegate) return nullptr;
   Decomposition answer = delegate->decompositionOf(_decomposer, key, isSubsetOfWhole);
   if (answer) {
@@ -159,10 +158,10 @@ void SplitSearch::_search(std::size_t from, std::size_t to, Id id) {
   const std::int32_t fewest = _fewestFiles(from, to);
   // Usually every stretch inside has been reached before, so none of the calls would do anything.
   const bool anyNotReached = fewest < 0;
-  if (anyNotReached || _decomposer._debugging) {
+  if (anyNotReached || _calls.isTraced()) {
     _frames.push_back(frame);
   } else {
-    _decomposer._countCalls(2 * (to - from - 1));
+    _calls.add(2 * (to - from - 1));
     _finish(frame, fewest);
   }
 }
@@ -176,7 +175,7 @@ void SplitSearch::_callOrFinish() {
     return _finish(finished, _fewestFiles(from, to));
   }
   ++frame.nextCall;
-  _decomposer._countCalls(1);
+  _calls.add(1);
   const std::size_t middle = from + call / 2 + 1;
   const bool isFirstHalf = call % 2 == 0;
   const std::size_t begin = isFirstHalf ? from : middle;

@@ -3,11 +3,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "marlune/decompose/call_count.h"
+#include "marlune/decompose/decomposer_overrides.h"
 #include "marlune/decompose/decomposition_memo.h"
 #include "marlune/decompose/joined_key.h"
 #include "marlune/decompose/stretch_sweep.h"
@@ -27,8 +30,11 @@ class Decomposer;
 // contiguous runs of numbers.
 class SplitSearch {
  public:
-  SplitSearch(Decomposer& decomposer, DecompositionMemo& memo)
-      : _decomposer(decomposer), _memo(memo), _sweep(memo) {}
+  // Searches for `decomposer`, which is only passed to its delegate. The decomposer owns all four,
+  // and they outlive the search; the delegate may be replaced during a search.
+  SplitSearch(Decomposer& decomposer, const std::weak_ptr<DecomposerOverrides>& delegate,
+              CallCount& calls, DecompositionMemo& memo)
+      : _decomposer(decomposer), _delegate(delegate), _calls(calls), _memo(memo), _sweep(memo) {}
 
   // A phrase is split only if it has at most this many words and the square of the words times the
   // bytes of its key is at most kMostWork. Every stretch of a phrase is remembered, at about 57
@@ -84,6 +90,8 @@ class SplitSearch {
   static std::size_t _byEnd(std::size_t from, std::size_t to) { return to * (to - 1) / 2 + from; }
 
   Decomposer& _decomposer;
+  const std::weak_ptr<DecomposerOverrides>& _delegate;
+  CallCount& _calls;
   DecompositionMemo& _memo;
   StretchSweep _sweep;
   std::span<const std::string> _words;
