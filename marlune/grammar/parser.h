@@ -17,8 +17,8 @@ namespace marlune {
 class CompiledGrammar;
 class GrammarFile;
 
-// The rewriting grammar for an app: one grammar of a grammar file, which rewrites words. The
-// process reads a file once; all parsers on it share its tree.
+// The rewriting grammar for an app: one grammar of a grammar file, ready to rewrite the words of
+// phrases. The process reads a file once; all parsers on it share its tree.
 //
 // Words are compared byte by byte, as the grammar file has them. Pass words in Unicode's normal
 // form C (NFC), and write grammars in it: a letter with a separate mark is another word.
