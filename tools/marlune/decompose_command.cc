@@ -4,6 +4,7 @@
 #include <CLI/Formatter.hpp>
 #include <memory>
 
+#include "tools/marlune/input/phrase_error.h"
 #include "tools/marlune/options.h"
 #include "tools/marlune/phrase_command.h"
 #include "tools/marlune/voice/voice.h"
