@@ -105,9 +105,8 @@ bool StretchSweep::_isAnsweredWithoutSplit(Id id, const Key& key, std::size_t le
 void StretchSweep::_answer(const Searched& searched) {
   const auto [from, to] = searched.stretch;
   const Id id = searched.id;
-  if (_memo.state(id) != DecompositionMemo::State::open)
-    return _set(from, to, id);  // a repetition
-                                // before
+  // The stretch occurred before.
+  if (_memo.state(id) != DecompositionMemo::State::open) return _set(from, to, id);
   const std::size_t length = to - from;
   _calls += 2 * (length - 1);
   const auto [files, split] = _bestSplit(from, to);
