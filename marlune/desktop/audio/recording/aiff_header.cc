@@ -99,7 +99,8 @@ std::optional<AiffHeader> AiffHeader::read(BufferedFile& file) {
 
 std::uint64_t AiffHeader::missingFrames(std::uint64_t heldFrames) const {
   if (sampleBytes > 0) {
-    const auto frameBytes = static_cast<std::uint64_t>(sampleBytes * channels);
+    const auto frameBytes =
+        static_cast<std::uint64_t>(sampleBytes) * static_cast<std::uint64_t>(channels);
     const std::uint64_t held = heldBytes / frameBytes;
     return claimedFrames > held ? claimedFrames - held : 0;
   }
