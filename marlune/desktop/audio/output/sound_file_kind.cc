@@ -6,7 +6,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::uint32_t kSampleBytes = 2;
+constexpr std::uint64_t kSampleBytes = 2;
 
 class HeaderBytes {
  public:
@@ -30,9 +30,9 @@ class HeaderBytes {
   std::string _bytes;
 };
 
-std::string wavHeader(std::uint32_t rate, std::uint32_t channels, std::uint32_t dataBytes) {
-  constexpr std::uint32_t kRestOfHeader = 36;
-  const std::uint32_t frameBytes = channels * kSampleBytes;
+std::string wavHeader(std::uint64_t rate, std::uint64_t channels, std::uint64_t dataBytes) {
+  constexpr std::uint64_t kRestOfHeader = 36;
+  const std::uint64_t frameBytes = channels * kSampleBytes;
   HeaderBytes header(/*isBigEndian=*/false);
   header.text("RIFF").number(dataBytes + kRestOfHeader, 4).text("WAVEfmt ").number(16, 4);
   header.number(/*PCM*/ 1, 2).number(channels, 2).number(rate, 4).number(rate * frameBytes, 4);
@@ -40,16 +40,16 @@ std::string wavHeader(std::uint32_t rate, std::uint32_t channels, std::uint32_t 
   return header.take();
 }
 
-std::string aiffHeader(std::uint32_t rate, std::uint32_t channels, std::uint32_t dataBytes) {
-  constexpr std::uint32_t kRestOfHeader = 46;
+std::string aiffHeader(std::uint64_t rate, std::uint64_t channels, std::uint64_t dataBytes) {
+  constexpr std::uint64_t kRestOfHeader = 46;
   // The rate is an 80-bit floating-point number: exponent, then mantissa with its leading 1.
-  constexpr unsigned kExponentOfOne = 16'383;
-  const auto width = static_cast<unsigned>(std::bit_width(rate));
+  constexpr std::uint64_t kExponentOfTopBit = 16'383 + 63;
+  const auto shift = static_cast<unsigned>(std::countl_zero(rate | 1));
   HeaderBytes header(/*isBigEndian=*/true);
   header.text("FORM").number(dataBytes + kRestOfHeader, 4).text("AIFFCOMM").number(18, 4);
   header.number(channels, 2).number(dataBytes / (channels * kSampleBytes), 4);
-  header.number(8 * kSampleBytes, 2).number(kExponentOfOne + width - 1, 2);
-  header.number(std::uint64_t{rate} << (64 - width), 8).text("SSND").number(dataBytes + 8, 4);
+  header.number(8 * kSampleBytes, 2).number(kExponentOfTopBit - shift, 2);
+  header.number(rate << shift, 8).text("SSND").number(dataBytes + 8, 4);
   return header.number(/*offset and block size*/ 0, 8).take();
 }
 
@@ -63,8 +63,8 @@ std::optional<SoundFileKind> soundFileKindOf(std::string_view path) {
 
 std::string soundFileHeader(SoundFileKind kind, const AudioFormat& format,
                             std::uint32_t dataBytes) {
-  const auto rate = static_cast<std::uint32_t>(format.sampleRate);
-  const auto channels = static_cast<std::uint32_t>(format.channels);
+  const auto rate = static_cast<std::uint64_t>(format.sampleRate);
+  const auto channels = static_cast<std::uint64_t>(format.channels);
   return kind == SoundFileKind::wav ? wavHeader(rate, channels, dataBytes)
                                     : aiffHeader(rate, channels, dataBytes);
 }
