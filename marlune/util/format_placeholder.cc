@@ -12,7 +12,7 @@ void FormatPlaceholder::setWidth(int number) {
 }
 
 void FormatPlaceholder::appendInteger(std::string& text, long long number) const {
-  if (length == Length::byte) number = static_cast<signed char>(number);
+  if (length == Length::byte) number = ((number & 0xFF) ^ 0x80) - 0x80;  // the low byte, signed
   if (length == Length::twoBytes) number = static_cast<short>(number);
   _appendNumber(text, "lld", number);
 }

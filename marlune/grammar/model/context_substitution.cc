@@ -118,7 +118,7 @@ std::shared_ptr<SimpleSlotSequence> ContextSubstitution::result() {
     }
   }
   _moveTo(_count());
-  const auto target = SimpleSlotSequence::initWithArray(std::move(_front));
+  auto target = SimpleSlotSequence::initWithArray(std::move(_front));
   TQUtils::forDefaultLog(kTrace, "targetAtStart:");
   TQUtils::forDefaultLog(kTrace, "modifiedTarget:");
   TQUtils::forDefaultLog(kTrace, "%@", *target);

@@ -20,7 +20,8 @@ void requireNoRecording(const std::string& path, const struct stat& file,
     struct stat recording;
     if (::stat(each.c_str(), &recording) == 0 && recording.st_dev == file.st_dev &&
         recording.st_ino == file.st_ino) {
-      throw InputError(path + ": this is a recording of the voice, " + each);
+      std::string message = path;
+      throw InputError(message.append(": this is a recording of the voice, ").append(each));
     }
   }
 }

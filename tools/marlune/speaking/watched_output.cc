@@ -13,7 +13,7 @@ std::optional<std::string> WatchedOutput::takeFailure() {
 }
 
 std::optional<std::string> WatchedOutput::open(AudioSource& source, const std::string& role) {
-  const auto failure = _noted(_output->open(source, role));
+  auto failure = _noted(_output->open(source, role));
   _hasOpened = _hasOpened || !failure;
   return failure;
 }
