@@ -5,6 +5,7 @@
 #include "marlune/grammar/compiled/grammar.h"
 #include "marlune/grammar/file/grammar_file.h"
 #include "marlune/grammar/file/grammar_loader.h"
+#include "marlune/grammar/file/insert_directive.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -33,7 +34,7 @@ bool Parser::insertStatementsFromOriginal(const Value& original, const Value& in
 Value Parser::retrievePlistForStringInDotNotation(std::optional<std::string_view> path,
                                                   const Value& from) {
   if (!path) return from;
-  return GrammarLoader::valueAtPath(GrammarLoader::pieces(*path, '.'), from);
+  return GrammarLoader::valueAtPath(piecesOf(*path, '.'), from);
 }
 
 Value Parser::retrievePlistForPathArray(std::optional<std::span<const std::string>> path,

@@ -10,6 +10,7 @@
 #include "marlune/grammar/compiled/builder.h"
 #include "marlune/grammar/compiled/result.h"
 #include "marlune/grammar/file/grammar_loader.h"
+#include "marlune/grammar/file/insert_directive.h"
 #include "marlune/grammar/model/context_substitution.h"
 #include "marlune/grammar/model/rule.h"
 #include "marlune/grammar/model/simple_slot_sequence.h"
@@ -56,7 +57,7 @@ class CompiledGrammar::Borrowed {
     silence.emplace();
   }
   auto built = GrammarError::within(name, [&]() -> std::optional<CompiledBuilder::Result> {
-    const Value plist = GrammarLoader::valueAtPath(GrammarLoader::pieces(name, '.'), file.opened());
+    const Value plist = GrammarLoader::valueAtPath(piecesOf(name, '.'), file.opened());
     if (!plist.asDictionary()) return std::nullopt;
     return CompiledBuilder::build(plist);
   });

@@ -5,6 +5,7 @@
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/base/special_characters.h"
 #include "marlune/grammar/file/insert_circles.h"
+#include "marlune/grammar/file/insert_directive.h"
 #include "marlune/platform/platform.h"
 #include "marlune/util/tq_utils.h"
 
@@ -51,11 +52,6 @@ bool GrammarLoader::insertStatements(const Value& original, const Value& intoBra
   return GrammarLoader(original)._pass(intoBranch, 0);
 }
 
-bool GrammarLoader::isDirective(const Value& value) {
-  const std::string* text = value.asString();
-  return text && text->starts_with(SpecialCharacters::insertDirective());
-}
-
 bool GrammarLoader::_pass(const Value& branch, std::size_t depth) {
   _requireSize(++_valuesVisited);
   if (!branch.asDictionary()) return false;
@@ -67,7 +63,7 @@ bool GrammarLoader::_pass(const Value& branch, std::size_t depth) {
   bool changed = false;
   for (const auto& [key, value] : dictionary.entries()) {
     GrammarError::within(*key, [&, &key = key, &value = value] {
-      if (isDirective(value)) {
+      if (isInsertDirective(value)) {
         replacements.emplace_back(key, _chunkFor(*value.asString()));
       } else if (_pass(value, depth + 1)) {
         changed = true;
@@ -79,10 +75,10 @@ bool GrammarLoader::_pass(const Value& branch, std::size_t depth) {
 }
 
 Value GrammarLoader::_chunkFor(const std::string& directive) {
-  const std::vector<std::string> parts = pieces(directive, ' ');
+  const std::vector<std::string> parts = piecesOf(directive, ' ');
   if (parts.size() < 2) throw GrammarError("", "an insert directive without a path");
   const std::string& path = parts[1];
-  Value chunk = oneLevelCopy(valueAtPath(pieces(path, '.'), _root));
+  Value chunk = oneLevelCopy(valueAtPath(piecesOf(path, '.'), _root));
   if (chunk.isAbsent()) {
     TQUtils::log("\n\n ERROR: No plist chunk found at path '%@'.", path);
     throw GrammarError("", "an insert directive whose path '" + path + "' leads to nothing");
@@ -113,16 +109,6 @@ Value GrammarLoader::valueAtPath(std::span<const std::string> keys, const Value&
   return found;
 }
 
-std::vector<std::string> GrammarLoader::pieces(std::string_view text, char separator) {
-  std::vector<std::string> found;
-  while (true) {
-    const std::size_t end = text.find(separator);
-    found.emplace_back(text.substr(0, end));
-    if (end == std::string_view::npos) return found;
-    text.remove_prefix(end + 1);
-  }
-}
-
 std::size_t GrammarLoader::_printedValues(const Value& value, std::size_t depth) {
   std::size_t count = 1;
   if (value.asDictionary()) {
@@ -135,7 +121,7 @@ std::size_t GrammarLoader::_printedValues(const Value& value, std::size_t depth)
     for (const Value& nested : value.asArray()->elements()) {
       _requireSize(count += _printedValues(nested, depth + 1));
     }
-  } else if (isDirective(value)) {
+  } else if (isInsertDirective(value)) {
     _mayHoldDirectives = true;
   }
   return count;

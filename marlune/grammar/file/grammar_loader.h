@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <span>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "marlune/platform/value.h"
 
@@ -38,12 +36,6 @@ class GrammarLoader {
 
   // The value at the keys from the tree's root, for Parser.
   static Value valueAtPath(std::span<const std::string> keys, const Value& tree);
-
-  // Whether the value is a string that begins like an insert directive.
-  static bool isDirective(const Value& value);
-
-  // The text split at every `separator`; always at least one piece.
-  static std::vector<std::string> pieces(std::string_view text, char separator);
 
  private:
   explicit GrammarLoader(Value root) : _root(std::move(root)) {}

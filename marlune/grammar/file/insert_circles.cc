@@ -1,7 +1,7 @@
 #include "marlune/grammar/file/insert_circles.h"
 
 #include "marlune/grammar/base/grammar_error.h"
-#include "marlune/grammar/file/grammar_loader.h"
+#include "marlune/grammar/file/insert_directive.h"
 
 namespace marlune {
 
@@ -18,7 +18,7 @@ const void* identityOf(const Value& value) {
 }
 
 std::string pathOf(const Value& directive) {
-  const auto parts = GrammarLoader::pieces(*directive.asString(), ' ');
+  const auto parts = piecesOf(*directive.asString(), ' ');
   return parts.size() < 2 ? "" : parts[1];
 }
 
@@ -30,7 +30,7 @@ void InsertCircles::requireNone() {
 }
 
 void InsertCircles::_visit(const Value& value, std::string place) {
-  if (!value.asDictionary() && !GrammarLoader::isDirective(value)) return;
+  if (!value.asDictionary() && !isInsertDirective(value)) return;
   const auto [met, isNew] = _isDone.try_emplace(identityOf(value), false);
   if (isNew) {
     _steps.push_back({&value, std::move(place), 0});
@@ -58,9 +58,9 @@ void InsertCircles::_follow(std::size_t step) {
 const Value* InsertCircles::_chunkAtPath(const std::string& path,
                                          std::size_t directivesPassed) const {
   const Value* found = &_root;
-  for (const std::string& key : GrammarLoader::pieces(path, '.')) {
+  for (const std::string& key : piecesOf(path, '.')) {
     // By the time of the actual look-up, the directive may have been replaced by its chunk.
-    while (found && GrammarLoader::isDirective(*found)) {
+    while (found && isInsertDirective(*found)) {
       if (++directivesPassed > kMostDirectivesPassed) return nullptr;
       found = _chunkAtPath(pathOf(*found), directivesPassed);
     }

@@ -4,6 +4,7 @@
 
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/file/grammar_loader.h"
+#include "marlune/grammar/file/insert_directive.h"
 #include "marlune/grammar/model/directory.h"
 #include "marlune/util/tq_utils.h"
 
@@ -11,8 +12,7 @@ namespace marlune {
 
 std::shared_ptr<GrammarPart> GrammarObjects::rootIn(const Value& tree, std::string_view name) {
   return GrammarError::within(name, [&] {
-    return GrammarPart::instanceFromPlist(
-        GrammarLoader::valueAtPath(GrammarLoader::pieces(name, '.'), tree));
+    return GrammarPart::instanceFromPlist(GrammarLoader::valueAtPath(piecesOf(name, '.'), tree));
   });
 }
 
