@@ -21,7 +21,7 @@ namespace marlune {
 
 namespace {
 
-constexpr std::size_t kBufferSamples = std::size_t{64} * 1024;
+constexpr std::size_t kBufferSamples = std::size_t{16} * 1024;
 // For a file of unknown length; readers take it as "to the end of the stream".
 constexpr std::uint32_t kUnknownBytes = 0x7FFF'F000;
 constexpr std::uint64_t kMaxFileBytes = 0xFFFF'FF00;  // sizes have 32 bits
