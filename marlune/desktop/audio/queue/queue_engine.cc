@@ -103,6 +103,7 @@ void QueueEngine::_setItemsChanged(bool isCurrentItemOther) {
 // Changes of the same key path are merged until they are passed to the notifier.
 void QueueEngine::_setChanged(std::string_view keyPath) {
   if (std::find(_changes.begin(), _changes.end(), keyPath) != _changes.end()) return;
+  if (_changes.empty()) _firstChange = Clock::now();
   _changes.push_back(keyPath);
 }
 
@@ -126,9 +127,9 @@ void QueueEngine::rendered() {
   _requestWork();
 }
 
+// A worker that has a request is awake or about to wake.
 void QueueEngine::_requestWork() {
-  _hasRequest = true;
-  if (_isStopping) return;
+  if (std::exchange(_hasRequest, true) || _isStopping) return;
   if (!_worker.joinable()) {
     _worker = std::thread([self = shared_from_this()] { self->_run(); });
   }

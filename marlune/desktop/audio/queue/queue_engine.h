@@ -125,6 +125,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   bool _hasPlayed = false;  // the output may have taken some of these items' sound
   QueuePlayer::Status _status = QueuePlayer::Status::unknown;
   std::vector<std::string_view> _changes;  // key paths to be posted to the notifier
+  Clock::time_point _firstChange;          // when the first of them was set
   bool _hasRequest = false;
   bool _isSettled = false;
   bool _isStopping = false;
@@ -139,7 +140,6 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::uint64_t _watchedFrames = 0;  // frames taken when the output last made progress
   Clock::time_point _lastMove;
   bool _isWatching = false;
-  Clock::time_point _lastPost;
   std::uint64_t _reportedUnderrun = 0;
   std::optional<std::uint64_t> _gapsBefore;  // the output's gaps before the queue sounded
   std::uint64_t _gapCount = 0;               // the output's gap count when it was last open

@@ -11,9 +11,9 @@ namespace marlune {
 namespace {
 // Polling interval while playing: the callback must not lock, so it cannot wake the worker.
 constexpr std::chrono::milliseconds kLookInterval(3);
-// While there is more to decode, changes are posted no more often than this: each costs a round
-// trip to the main thread, and rendering to a file can end several recordings per millisecond.
-constexpr std::chrono::milliseconds kPostInterval(5);
+// While there is more to decode, a change waits this long for others: posting costs a round trip to
+// the main thread, and rendering to a file can end several recordings per millisecond.
+constexpr std::chrono::milliseconds kPostDelay(5);
 }  // namespace
 
 void QueueEngine::_run() {
@@ -23,7 +23,7 @@ void QueueEngine::_run() {
     lock.unlock();
     const bool hasMoved = _step();
     lock.lock();
-    if (hasMoved && Clock::now() - _lastPost < kPostInterval) continue;
+    if (hasMoved && Clock::now() - _firstChange < kPostDelay) continue;
     _postChanges();
     if (hasMoved || _hasRequest || _isStopping) continue;
     _isSettled = true;
@@ -270,7 +270,6 @@ void QueueEngine::_postChanges() {
   if (_changes.empty()) return;
   for (const std::string_view keyPath : _changes) _notifier->post(keyPath);
   _changes.clear();
-  _lastPost = Clock::now();
 }
 
 }  // namespace marlune
