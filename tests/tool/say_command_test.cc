@@ -212,6 +212,8 @@ TEST_F(SayCommandTest, RefusesToReplaceARecordingOfTheVoice) {
               "marlune: " + output + ": this is a recording of the voice, " + recording + "\n");
     EXPECT_TRUE(TemporaryDirectory::contentOf(output) == content) << name;
   }
+  output = folder.write("out.wav", "a former rendering");
+  EXPECT_EQ(say({"go"}).status, 0) << "a file of another type may stand beside the recordings";
 }
 
 TEST_F(SayCommandTest, KeepsAnInterruptedRenderingAsADraft) {

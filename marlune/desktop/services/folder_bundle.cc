@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -88,6 +89,29 @@ std::optional<std::string> FolderBundle::_pathOfEquivalent(const std::string& fo
     return !path;
   });
   return path;
+}
+
+// An entry that is neither a link nor named like the file can be the same only if the file has
+// several hard links. Skipping the others saves a system call for each recording of a voice.
+std::optional<std::string> FolderBundle::pathOfSameFile(const std::string& path,
+                                                        std::string_view type) const {
+  struct stat file;
+  if (::stat(path.c_str(), &file) != 0) return std::nullopt;
+  const std::string extension = "." + std::string(type);
+  const std::string fileName = path.substr(path.rfind('/') + 1);
+  std::optional<std::string> found;
+  visitEntries(_folder, [&](const dirent& entry) {
+    const std::string_view name = entry.d_name;
+    if (!name.ends_with(extension)) return true;
+    if (file.st_nlink == 1 && entry.d_type == DT_REG && name != fileName) return true;
+    std::string other = _folder + '/' + entry.d_name;
+    struct stat status;
+    const bool isSame = ::stat(other.c_str(), &status) == 0 && status.st_dev == file.st_dev &&
+                        status.st_ino == file.st_ino;
+    if (isSame) found = std::move(other);
+    return !isSame;
+  });
+  return found;
 }
 
 std::string FolderBundle::_pathOfDirectory(std::string_view directory) const {

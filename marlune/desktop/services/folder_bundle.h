@@ -28,6 +28,10 @@ class FolderBundle : public ResourceBundle {
   std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
                                              std::string_view directory) const override;
 
+  // The resource in the folder itself, of this type, that is the same file as `path`, directly or
+  // by a symbolic or hard link. Nothing if there is none, or no file at `path`.
+  std::optional<std::string> pathOfSameFile(const std::string& path, std::string_view type) const;
+
  private:
   std::string _pathOfDirectory(std::string_view directory) const;
   static std::optional<std::string> _pathOfEquivalent(const std::string& folder,

@@ -13,16 +13,10 @@ namespace marlune::tool {
 
 namespace {
 
-// Compares device and inode, so that symbolic and hard links are recognised.
-void requireNoRecording(const std::string& path, const struct stat& file,
-                        const ResourceBundle& recordings) {
-  for (const std::string& each : recordings.pathsForResourcesOfType("aif", "")) {
-    struct stat recording;
-    if (::stat(each.c_str(), &recording) == 0 && recording.st_dev == file.st_dev &&
-        recording.st_ino == file.st_ino) {
-      std::string message = path;
-      throw InputError(message.append(": this is a recording of the voice, ").append(each));
-    }
+void requireNoRecording(const std::string& path, const std::string& target,
+                        const FolderBundle& recordings) {
+  if (const auto recording = recordings.pathOfSameFile(target, "aif")) {
+    throw InputError(path + ": this is a recording of the voice, " + *recording);
   }
 }
 
@@ -40,12 +34,12 @@ void requireWritableFolder(const std::string& path, const std::string& target) {
 
 }  // namespace
 
-void requireUsableOutput(const std::string& path, const ResourceBundle& recordings) {
+void requireUsableOutput(const std::string& path, const FolderBundle& recordings) {
   if (!soundFileKindOf(path)) throw InputError(path + ": the output must be a file *.wav or *.aif");
   const std::string target = SoundFileWriter::targetOf(path);
   struct stat file;
   const bool exists = ::stat(target.c_str(), &file) == 0;
-  if (exists) requireNoRecording(path, file, recordings);
+  if (exists) requireNoRecording(path, target, recordings);
   if (!exists || S_ISREG(file.st_mode)) requireWritableFolder(path, target);
   if (exists && (S_ISDIR(file.st_mode) || ::access(target.c_str(), W_OK) != 0)) {
     throw InputError(path + ": cannot be written");

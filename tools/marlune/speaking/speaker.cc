@@ -27,7 +27,7 @@ std::string interruptedText(const FileOutput& file) {
 
 }  // namespace
 
-Speaker::Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::string& outputPath) {
+Speaker::Speaker(std::shared_ptr<const FolderBundle> recordings, const std::string& outputPath) {
   if (!outputPath.empty()) {
     requireUsableOutput(outputPath, *recordings);
     _file = std::make_shared<FileOutput>(outputPath);

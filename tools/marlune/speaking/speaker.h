@@ -7,6 +7,7 @@
 #include <string>
 
 #include "marlune/desktop/audio/output/file_output.h"
+#include "marlune/desktop/services/folder_bundle.h"
 #include "marlune/desktop/services/run_loop.h"
 #include "marlune/playback/player.h"
 #include "tools/marlune/speaking/interruption.h"
@@ -23,7 +24,7 @@ class Speaker {
  public:
   // An empty `outputPath` means the sound device. Throws InputError if the path is not a usable
   // output (see requireUsableOutput). Does not open the output.
-  Speaker(std::shared_ptr<const ResourceBundle> recordings, const std::string& outputPath);
+  Speaker(std::shared_ptr<const FolderBundle> recordings, const std::string& outputPath);
   // Prints the path of the draft if a file was started but not finished.
   ~Speaker();
 
