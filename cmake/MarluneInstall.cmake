@@ -55,16 +55,6 @@ marlune_install_headers(${source}/platform ${source}/util ${source}/grammar ${so
 marlune_install_pkgconfig(marlune.pc)
 
 if(MARLUNE_DESKTOP)
-  # The libraries, besides Expat, that a user of a static marlune::desktop must link: pkg-config
-  # names, whose imported targets have the same names in capitals.
-  set(MARLUNE_DESKTOP_PKGCONFIG libutf8proc)
-  list(JOIN MARLUNE_DESKTOP_PKGCONFIG " " MARLUNE_DESKTOP_PKGCONFIG)
-  # Not "Requires.private" for a static library: `pkg-config --static` would also require what the
-  # system's libraries need for static linking, which is seldom installed.
-  set(MARLUNE_DESKTOP_REQUIRES "marlune = ${PROJECT_VERSION}")
-  if(NOT BUILD_SHARED_LIBS)
-    string(APPEND MARLUNE_DESKTOP_REQUIRES ", expat ${MARLUNE_DESKTOP_PKGCONFIG}")
-  endif()
   marlune_install_library(marlune_desktop marluneDesktopTargets desktop)
   marlune_install_headers(${source}/desktop)
   marlune_install_pkgconfig(marlune-desktop.pc)

@@ -60,18 +60,17 @@ This package contains the core. It needs only the C++ library: the program
 that uses it, or the desktop library, provides the services it needs from the
 system.")
 
-# libsndfile, the resampler and the sound device's libraries are loaded on demand, so nothing links
-# them. The device's are only recommended: rendering to files works without them.
-marlune_package(desktop ${desktop} SECTION libs DEPENDS "${core} ${exactly}, libsndfile1, libsoxr0"
+# Other libraries are loaded on demand, so nothing links them. The sound device's are only
+# recommended: rendering to files works without them.
+marlune_package(desktop ${desktop} SECTION libs
+  DEPENDS "${core} ${exactly}, libexpat1, libutf8proc2, libsndfile1, libsoxr0"
   RECOMMENDS "libpulse0, libsdl2-2.0-0" DESCRIPTION
 "speaks phrases from recordings, the desktop library
 Binds the core library to a Linux desktop: property lists, preferences, a run
 loop, recordings read from files, sound on a device or rendered into a file.")
 
-# What the CMake package looks for.
-set(needed "libexpat1-dev, libutf8proc-dev, pkgconf | pkg-config")
 marlune_package(development libmarlune-dev SECTION libdevel
-  DEPENDS "${core} ${exactly}, ${desktop} ${exactly}, ${needed}" DESCRIPTION
+  DEPENDS "${core} ${exactly}, ${desktop} ${exactly}" DESCRIPTION
 "speaks phrases from recordings, headers
 For compiling programs that speak phrases from recordings: the headers of the
 core and of the desktop library, and their CMake package and pkg-config files.")

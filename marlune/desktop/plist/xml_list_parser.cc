@@ -36,10 +36,11 @@ XmlListParser::XmlListParser(std::string_view bytes)
     : _bytes(bytes),
       _budget(MemoryBudget::besideFile(bytes.size())),
       _libraryBudget(kMostLibraryBytes),
+      _parser(nullptr, _expat.free),
       _pool(_budget) {
   _budget.take(kMostLibraryBytes);
   const ExpatMemory::Scope memory(_libraryBudget);
-  _parser.reset(XML_ParserCreate_MM(nullptr, &ExpatMemory::suite(), nullptr));
+  _parser.reset(_expat.create(nullptr, &ExpatMemory::suite(), nullptr));
   if (!_parser) throw std::bad_alloc();
   _installHandlers();
 }
@@ -49,8 +50,8 @@ Value XmlListParser::parse() {
   XML_Status status = XML_STATUS_OK;
   for (std::size_t at = 0; status == XML_STATUS_OK && at <= _bytes.size(); at += kPieceBytes) {
     const std::string_view piece = _bytes.substr(at, kPieceBytes);
-    status = XML_Parse(_parser.get(), piece.data(), static_cast<int>(piece.size()),
-                       /*isFinal=*/at + kPieceBytes > _bytes.size());
+    status = _expat.parse(_parser.get(), piece.data(), static_cast<int>(piece.size()),
+                          /*isFinal=*/at + kPieceBytes > _bytes.size());
   }
   if (!_error.empty()) throw PropertyListError{_error};
   if (status != XML_STATUS_OK) throw PropertyListError{_brokenXml()};
@@ -71,12 +72,12 @@ void XmlListParser::_guarded(const Work& work) noexcept {
   } catch (const std::bad_alloc&) {
     _error = "out of memory";  // short enough not to allocate
   }
-  if (!_error.empty()) XML_StopParser(_parser.get(), /*resumable=*/XML_FALSE);
+  if (!_error.empty()) _expat.stop(_parser.get(), /*resumable=*/XML_FALSE);
 }
 
 void XmlListParser::_installHandlers() {
-  XML_SetUserData(_parser.get(), this);
-  XML_SetElementHandler(
+  _expat.setUserData(_parser.get(), this);
+  _expat.setElementHandler(
       _parser.get(),
       [](void* self, const XML_Char* name, const XML_Char**) {
         auto* parser = static_cast<XmlListParser*>(self);
@@ -86,12 +87,12 @@ void XmlListParser::_installHandlers() {
         auto* parser = static_cast<XmlListParser*>(self);
         parser->_guarded([&] { parser->_end(); });
       });
-  XML_SetCharacterDataHandler(_parser.get(), [](void* self, const XML_Char* text, int length) {
+  _expat.setCharacterDataHandler(_parser.get(), [](void* self, const XML_Char* text, int length) {
     auto* parser = static_cast<XmlListParser*>(self);
     parser->_guarded([&] { parser->_text({text, static_cast<std::size_t>(length)}); });
   });
   // Entities could make a small file grow without bound, or refer to another file.
-  XML_SetEntityDeclHandler(
+  _expat.setEntityDeclHandler(
       _parser.get(), [](void* self, const XML_Char* name, int, const XML_Char*, int,
                         const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
         auto* parser = static_cast<XmlListParser*>(self);
@@ -100,7 +101,7 @@ void XmlListParser::_installHandlers() {
       });
   // If the document type is not read, Expat does not report an unknown entity as an error and would
   // silently drop it from the text.
-  XML_SetSkippedEntityHandler(_parser.get(), [](void* self, const XML_Char* name, int) {
+  _expat.setSkippedEntityHandler(_parser.get(), [](void* self, const XML_Char* name, int) {
     auto* parser = static_cast<XmlListParser*>(self);
     parser->_guarded([&] { parser->_failFinding("the unknown entity " + quotedExcerpt(name)); });
   });
@@ -294,14 +295,13 @@ void XmlListParser::_failFinding(std::string_view found) const {
 
 std::string XmlListParser::_placed(std::string_view message) const {
   // Expat counts columns from 0.
-  return "line " + std::to_string(XML_GetCurrentLineNumber(_parser.get())) + ", column " +
-         std::to_string(XML_GetCurrentColumnNumber(_parser.get()) + 1) + ": " +
-         std::string(message);
+  return "line " + std::to_string(_expat.line(_parser.get())) + ", column " +
+         std::to_string(_expat.column(_parser.get()) + 1) + ": " + std::string(message);
 }
 
 std::string XmlListParser::_brokenXml() const {
   std::string found;
-  const XML_Error code = XML_GetErrorCode(_parser.get());
+  const XML_Error code = _expat.errorCode(_parser.get());
   switch (code) {
     case XML_ERROR_NO_MEMORY:
       return _placed(_libraryBudget.hasRefused()
@@ -317,7 +317,7 @@ std::string XmlListParser::_brokenXml() const {
       found = "another end tag";
       break;
     default:
-      found = std::string("broken XML (") + XML_ErrorString(code) + ')';
+      found = std::string("broken XML (") + _expat.errorText(code) + ')';
   }
   return _placed("expected " + _expectation() + ", found " + found);
 }

@@ -1,14 +1,13 @@
 #ifndef MARLUNE_DESKTOP_PLIST_XML_LIST_PARSER_H_
 #define MARLUNE_DESKTOP_PLIST_XML_LIST_PARSER_H_
 
-#include <expat.h>
-
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "marlune/desktop/plist/expat_library.h"
 #include "marlune/desktop/plist/memory_budget.h"
 #include "marlune/desktop/plist/text_pool.h"
 #include "marlune/platform/value.h"
@@ -49,9 +48,7 @@ class XmlListParser {
     std::size_t firstValue;
     std::size_t firstKey;
   };
-  struct FreeParser {
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-  };
+  using Parser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
   static Element _elementNamed(std::string_view name);
   static const char* _nameOf(Element element);
@@ -78,10 +75,11 @@ class XmlListParser {
   std::string _placed(std::string_view message) const;
   std::string _brokenXml() const;
 
+  const ExpatLibrary& _expat = ExpatLibrary::shared();
   std::string_view _bytes;
   MemoryBudget _budget;
   MemoryBudget _libraryBudget;  // part of the file's budget
-  std::unique_ptr<XML_ParserStruct, FreeParser> _parser;
+  Parser _parser;
   TextPool _pool;
   std::vector<Frame> _frames;
   std::vector<Value> _values;

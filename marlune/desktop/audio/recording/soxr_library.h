@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "marlune/desktop/audio/base/loaded_library.h"
+#include "marlune/desktop/loading/loaded_library.h"
 
 namespace marlune {
 

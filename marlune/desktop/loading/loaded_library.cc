@@ -1,4 +1,4 @@
-#include "marlune/desktop/audio/base/loaded_library.h"
+#include "marlune/desktop/loading/loaded_library.h"
 
 #include <dlfcn.h>
 
