@@ -16,7 +16,7 @@ namespace marlune {
 namespace {
 
 // Holds the header of most recordings; at first only the header is read of many.
-constexpr std::size_t kFirstBytes = std::size_t{4} * 1024;
+constexpr std::size_t kFirstBytes = 512;
 // Holds most single-word recordings. A larger buffer costs more in page faults than it saves in
 // system calls.
 constexpr std::size_t kBufferBytes = std::size_t{32} * 1024;
