@@ -20,7 +20,7 @@ class Rule : public GrammarPart {
   // ContextSubstitution::steps, about 10 ns each. 1,000 passes over 1,000 words take 20 million
   // steps plus their comparisons.
   static constexpr int kMostPasses = 10000;
-  static constexpr std::uint64_t kMostSteps = 300000000;
+  static constexpr std::uint64_t kMostSteps = 250000000;
 
   // From a dictionary with "_lhs", "_rhs" (an array gives a NewProduction, a dictionary a
   // ConditionalProduction, anything else none) and optionally "_repeat", read as an integer. A
