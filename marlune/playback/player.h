@@ -4,11 +4,9 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "marlune/platform/resource_bundle.h"
-#include "marlune/playback/queue_player.h"
 
 namespace marlune {
 
@@ -56,35 +54,9 @@ class Player {
   Player(std::string directory, std::shared_ptr<const ResourceBundle> bundle);
 
  private:
-  friend class PlayerTestAccess;
-  class Observer;
-  struct ClassState;
+  class Implementation;
 
-  // State of the process. It is never destroyed, because a notification may arrive during process
-  // exit.
-  static std::unique_ptr<ClassState>& _classState();
-  static void _resetClass();  // back to the state at process start; for tests
-  static void initialize();   // once, when the class is first used
-  static void __initializeAudioSession();
-  static void _setAudioSessionActive(bool active);
-  static void __deactivateAudioSession();
-  static std::shared_ptr<QueuePlayer> __sharedPlayQueue();  // nullptr if the platform has none
-  static void __clearSharedPlayQueue();
-  static bool _isPlaying(const QueuePlayer& queue);
-
-  // Called on any thread. Forwards to the main thread.
-  static void observeValueForKeyPath(std::string_view keyPath,
-                                     const std::shared_ptr<QueuePlayer>& object);
-  // On the main thread: the current item or the status of the queue `object` has changed. A late
-  // notification from an earlier shared queue, or one without a queue (null), is ignored.
-  static void __nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>& object);
-  static void __nts_queuePlayerStatusChanged(const std::shared_ptr<QueuePlayer>& object);
-
-  std::shared_ptr<PlayerItem> _playerItemForFileNamed(const std::string& name) const;
-  void _addFileToQueue(const std::string& name);
-
-  std::string _directory;
-  std::shared_ptr<const ResourceBundle> _bundle;
+  const std::unique_ptr<Implementation> _implementation;
 };
 
 }  // namespace marlune

@@ -13,7 +13,7 @@
 #include "marlune/playback/player.h"
 #include "support/engine_rig.h"
 #include "support/platform_fixture.h"
-#include "support/player_test_access.h"
+#include "support/fresh_playback.h"
 
 namespace marlune {
 namespace {
@@ -33,7 +33,7 @@ class PlayerOnEngineTest : public PlatformFixture {
       queues.push_back(queue);
       return queue;
     };
-    PlayerTestAccess::resetClass();
+    startPlaybackAfresh();
     for (const char* const name : {"one", "two"}) {
       const auto samples = countingSamples(3'000, recorded.size());
       recorded.insert(recorded.end(), samples.begin(), samples.end());
@@ -45,7 +45,7 @@ class PlayerOnEngineTest : public PlatformFixture {
   // Lets pending notifications finish.
   void TearDown() override {
     player.reset();
-    PlayerTestAccess::resetClass();
+    startPlaybackAfresh();
     for (const auto& queue : queues) {
       while (!queue.expired()) runMainThread();
     }
@@ -127,7 +127,7 @@ TEST_F(PlayerOnEngineTest, ARefusalToOpenTheOutputAgainIsTheCauseOfTheFailure) {
 }
 
 TEST_F(PlayerOnEngineTest, WithoutAMainThreadNoQueueIsMadeAndTheDesktopBringsOne) {
-  PlayerTestAccess::resetClass();
+  startPlaybackAfresh();
   Platform::shared().mainThread = nullptr;
   queues.clear();
   EXPECT_FALSE(player->isPlaying());

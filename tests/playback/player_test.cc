@@ -13,7 +13,7 @@
 #include "fakes/fake_main_thread.h"
 #include "fakes/fake_queue_player.h"
 #include "support/platform_fixture.h"
-#include "support/player_test_access.h"
+#include "support/fresh_playback.h"
 
 namespace marlune {
 namespace {
@@ -50,11 +50,11 @@ class PlayerTest : public PlatformFixture {
     platform.makePlayerItem = [](const std::string& path) {
       return std::make_shared<FakePlayerItem>(path);
     };
-    PlayerTestAccess::resetClass();
+    startPlaybackAfresh();
   }
 
   void TearDown() override {
-    PlayerTestAccess::resetClass();
+    startPlaybackAfresh();
     PlatformFixture::TearDown();
   }
 
@@ -100,7 +100,7 @@ TEST_F(PlayerTest, ANoticeAboutNoQueueIsIgnored) {
   const auto queue = std::make_shared<RememberingQueue>();
   Platform::shared().makeQueuePlayer = [&] { return queue; };
   Player::initWithDirectory("voice", nullptr)->playSoundFilesInSequence({"a"});
-  PlayerTestAccess::resetClass();  // now there is no shared queue
+  startPlaybackAfresh();  // now there is no shared queue
   for (const auto keyPath : {QueuePlayer::kCurrentItemKeyPath, QueuePlayer::kStatusKeyPath}) {
     queue->observer->observeValueForKeyPath(keyPath, nullptr);
   }
@@ -317,7 +317,7 @@ TEST_F(PlayerTest, AStatusThatArrivesAfterItsQueueHasGoneIsIgnored) {
   queues.back()->fail();
   const std::weak_ptr<QueuePlayer> held = queues.back();
   queues.clear();
-  PlayerTestAccess::resetClass();
+  startPlaybackAfresh();
   EXPECT_TRUE(held.expired());
   mainThread->runPending();
   EXPECT_THAT(queues, IsEmpty());
