@@ -10,7 +10,7 @@
 #include "decompose/peers.h"
 #include "decompose/phrase_world.h"
 #include "fakes/fake_resource_bundle.h"
-#include "marlune/decompose/decomposer.h"
+#include "marlune/decompose/decomposer_implementation.h"
 #include "support/counted_allocation.h"
 
 namespace marlune {
@@ -45,7 +45,7 @@ const Input& inputFor(const benchmark::State& state) {
   }
   const auto decomposer = decomposerFor(input);
   for (const Words& phrase : input.phrases) decomposer->optimalDecompositionOf(phrase);
-  input.stretches = decomposer->_cache().size();
+  input.stretches = Decomposer::Implementation::of(*decomposer)._cache().size();
   return input;
 }
 

@@ -110,7 +110,7 @@ void measureMemo(const ReferenceLoad& load) {
   for (const Words& words : rewritten) decomposer->optimalDecompositionOf(words);
   const auto bytes = static_cast<double>(allocationCount().bytesHeld - before);
   row("memory per remembered stretch, bytes", "%.0f",
-      bytes / static_cast<double>(decomposer->_cache().size()));
+      bytes / static_cast<double>(Decomposer::Implementation::of(*decomposer)._cache().size()));
 }
 
 // Runs the parser and the yardstick alternately, so that other load on the machine affects both.

@@ -1,12 +1,11 @@
 #include "marlune/decompose/decomposer.h"
 
+#include <span>
 #include <utility>
 
-#include "marlune/decompose/decomposition_memo.h"
-#include "marlune/decompose/split_search.h"
+#include "marlune/decompose/decomposer_implementation.h"
 #include "marlune/util/describable.h"
 #include "marlune/util/tq_utils.h"
-#include "marlune/util/utf16.h"
 
 namespace marlune {
 
@@ -29,15 +28,6 @@ class SpokenWords : public Describable {
   std::span<const std::string> _words;
 };
 
-// The last path component without its last four characters, which are ".aif": the bundle was asked
-// for that type only.
-std::string nameOfRecording(std::string_view path) {
-  std::string_view name = path.substr(path.find_last_of('/') + 1);
-  const auto extension = utf16Suffix(name, 4);
-  name.remove_suffix(extension ? extension->size() : name.size());
-  return std::string(name);
-}
-
 }  // namespace
 
 std::unique_ptr<Decomposer> Decomposer::initWithDirectory(
@@ -46,20 +36,7 @@ std::unique_ptr<Decomposer> Decomposer::initWithDirectory(
 }
 
 Decomposer::Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle)
-    : _bundle(std::move(bundle)), _memo(std::make_unique<DecompositionMemo>()) {
-  _readRecordings(directory);
-  // After `paths` is freed, so that the allocator consolidates now rather than on the first phrase.
-  _memo->addRecordings(_availableSoundFiles);
-}
-
-void Decomposer::_readRecordings(std::string_view directory) {
-  std::vector<std::string> paths;
-  if (_bundle) paths = _bundle->pathsForResourcesOfType("aif", directory);
-  _availableSoundFiles.reserve(paths.size());
-  for (const std::string& path : paths) _availableSoundFiles.push_back(nameOfRecording(path));
-  TQUtils::forDefaultLog(ZKPlistNotificationDefault, "available sound files from '%@': %@", paths,
-                         _availableSoundFiles);
-}
+    : _implementation(std::make_unique<Implementation>(*this, directory, std::move(bundle))) {}
 
 Decomposer::~Decomposer() = default;
 
@@ -75,49 +52,19 @@ Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>*
 
 Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>& words,
                                                  bool isSubsetOfWhole) {
-  _calls.add(1);
-  _forgetSuperseded();
-  if (const Decomposition* const files = _phrases.find(words)) return *files;
-  _key.join(words);
-  DecompositionMemo::Id id = _memo->find({_key.text(), _key.hash()});
-  const bool isRemembered = id != 0 && _memo->state(id) != DecompositionMemo::State::open;
-  if (!isRemembered) id = _search(words, isSubsetOfWhole);
-  if (id == 0) return _refuse(words.size());
-  Decomposition files = _memo->decomposition(id);
-  _phrases.add(words, files);
-  return files;
+  return _implementation->optimalDecompositionOf(words, isSubsetOfWhole);
 }
 
-Decomposition Decomposer::_refuse(std::size_t words) {
-  TQUtils::log("ERROR: A phrase of %lu words and %lu bytes is too long to be decomposed.", words,
-               _key.text().size());
-  _key = JoinedKey();  // release the buffer, which has grown to the phrase's size
-  return nullptr;
+std::shared_ptr<DecomposerOverrides> Decomposer::delegate() const {
+  return _implementation->delegate();
 }
 
-// We cannot tell which phrases changed, so drop them all.
-void Decomposer::_forgetSuperseded() {
-  if (_memo->superseded().size() == _supersededSeen) return;
-  _phrases.clear();
-  _supersededSeen = _memo->superseded().size();
+void Decomposer::setDelegate(std::weak_ptr<DecomposerOverrides> delegate) {
+  _implementation->setDelegate(std::move(delegate));
 }
 
-// A delegate may call this decomposer while answering. The nested call then finds no idle search
-// and creates its own.
-std::uint32_t Decomposer::_search(std::span<const std::string> words, bool isSubsetOfWhole) {
-  std::unique_ptr<SplitSearch> search = std::move(_idleSearch);
-  if (!search) search = std::make_unique<SplitSearch>(*this, _delegate, _calls, *_memo);
-  const DecompositionMemo::Id id = search->run(words, _key, isSubsetOfWhole);
-  if (search->isWorthKeeping()) _idleSearch = std::move(search);
-  return id;
-}
-
-std::map<std::string, Decomposition> Decomposer::_cache() const {
-  std::map<std::string, Decomposition> cache;
-  _memo->forEachRemembered([&](std::string_view key, DecompositionMemo::Id id) {
-    cache.emplace(key, _memo->decomposition(id));
-  });
-  return cache;
+const std::vector<std::string>& Decomposer::availableSoundFiles() const {
+  return _implementation->availableSoundFiles();
 }
 
 }  // namespace marlune

@@ -1,26 +1,16 @@
 #ifndef MARLUNE_DECOMPOSE_DECOMPOSER_H_
 #define MARLUNE_DECOMPOSE_DECOMPOSER_H_
 
-#include <cstddef>
-#include <cstdint>
-#include <map>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "marlune/decompose/call_count.h"
 #include "marlune/decompose/decomposer_overrides.h"
 #include "marlune/decompose/decomposition.h"
-#include "marlune/decompose/joined_key.h"
-#include "marlune/decompose/phrase_memo.h"
 #include "marlune/platform/resource_bundle.h"
 
 namespace marlune {
-
-class DecompositionMemo;
-class SplitSearch;
 
 // Finds the recordings that say a phrase when played one after the other: the fewest, and among
 // equally few those with the longest leading recordings. A single recording of a stretch is better
@@ -70,39 +60,18 @@ class Decomposer {
 
   // Asked before every search. Not owned; may be absent. A new delegate does not change the
   // remembered answers.
-  std::shared_ptr<DecomposerOverrides> delegate() const { return _delegate.lock(); }
-  void setDelegate(std::weak_ptr<DecomposerOverrides> delegate) { _delegate = std::move(delegate); }
+  std::shared_ptr<DecomposerOverrides> delegate() const;
+  void setDelegate(std::weak_ptr<DecomposerOverrides> delegate);
 
   // The names of the recordings in the bundle's order, duplicates included.
-  const std::vector<std::string>& availableSoundFiles() const { return _availableSoundFiles; }
+  const std::vector<std::string>& availableSoundFiles() const;
 
-  // The number of worker calls so far, as the plain recursion over all splits would make them.
-  // Wraps around.
-  std::int32_t iterations() const { return _calls.count(); }
-
-  // Internal: if true, every counted call logs a line.
-  void _setDebugging(bool debugging) { _calls.setTraced(debugging); }
-
-  // Internal: a copy of all remembered answers; null values are failures.
-  std::map<std::string, Decomposition> _cache() const;
+  class Implementation;  // internal
 
  private:
   Decomposer(std::string_view directory, std::shared_ptr<const ResourceBundle> bundle);
 
-  void _readRecordings(std::string_view directory);
-  void _forgetSuperseded();
-  Decomposition _refuse(std::size_t words);
-  std::uint32_t _search(std::span<const std::string> words, bool isSubsetOfWhole);
-
-  std::vector<std::string> _availableSoundFiles;
-  std::shared_ptr<const ResourceBundle> _bundle;
-  std::unique_ptr<DecompositionMemo> _memo;
-  PhraseMemo _phrases;                       // a second-level cache, keyed by the words
-  std::size_t _supersededSeen = 0;           // superseded entries already handled
-  JoinedKey _key;                            // the key of the phrase being looked up
-  std::unique_ptr<SplitSearch> _idleSearch;  // kept for its tables; null while in use
-  std::weak_ptr<DecomposerOverrides> _delegate;
-  CallCount _calls;
+  const std::unique_ptr<Implementation> _implementation;
 };
 
 }  // namespace marlune

@@ -1,4 +1,4 @@
-#include "marlune/decompose/decomposer.h"
+#include "marlune/decompose/decomposer_implementation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -124,7 +124,7 @@ TEST_F(DecomposerTest, RemembersFailuresAndDoesNotReportThemTwice) {
   EXPECT_THAT(decomposer->optimalDecompositionOf({"go"}), IsNull());
   EXPECT_THAT(log->lines(), ElementsAre("Attempting to say: 'go'."));
   EXPECT_THAT(
-      decomposer->_cache(),
+      Decomposer::Implementation::of(*decomposer)._cache(),
       UnorderedElementsAre(Pair("go_on", IsNull()), Pair("go", IsNull()), Pair("on", IsNull())));
 }
 
@@ -132,8 +132,8 @@ TEST_F(DecomposerTest, AnAbsentPhraseLeavesNoTrace) {
   const auto decomposer = decomposerWith({""});
   log->clear();
   EXPECT_THAT(decomposer->optimalDecompositionOf(nullptr), IsNull());
-  EXPECT_EQ(decomposer->iterations(), 0);
-  EXPECT_THAT(decomposer->_cache(), IsEmpty());
+  EXPECT_EQ(Decomposer::Implementation::of(*decomposer).iterations(), 0);
+  EXPECT_THAT(Decomposer::Implementation::of(*decomposer)._cache(), IsEmpty());
   EXPECT_THAT(log->lines(), IsEmpty());
 }
 
@@ -219,18 +219,18 @@ TEST_F(DecomposerTest, AKeyThatComesAgainIsAnsweredByTheLastAnswer) {
 
 TEST_F(DecomposerTest, CountsEveryCallOfThePlainRecursion) {
   const auto decomposer = decomposerWith({"a", "b"});
-  decomposer->_setDebugging(true);
+  Decomposer::Implementation::of(*decomposer)._setDebugging(true);
   log->clear();
   decomposer->optimalDecompositionOf({"a", "b"}, /*isSubsetOfWhole=*/false);
   EXPECT_THAT(log->lines(),
               ElementsAre("Iterations so far: 1", "Iterations so far: 2", "Iterations so far: 3"));
-  decomposer->_setDebugging(false);
+  Decomposer::Implementation::of(*decomposer)._setDebugging(false);
   // 80 different words: one call, plus two for every split of every stretch.
   Words words;
   for (int i = 0; i < 80; ++i) words.push_back("w" + std::to_string(i));
   const auto fresh = decomposerWith({});
   EXPECT_THAT(fresh->optimalDecompositionOf(words), IsNull());
-  EXPECT_EQ(fresh->iterations(), 1 + 80 * (80 * 80 - 1) / 3);
+  EXPECT_EQ(Decomposer::Implementation::of(*fresh).iterations(), 1 + 80 * (80 * 80 - 1) / 3);
 }
 
 // In the middle of a search, a delegate may call the decomposer, replace the delegate and read the
@@ -240,12 +240,14 @@ TEST_F(DecomposerTest, ADelegateMayReenter) {
   Words questions;
   std::shared_ptr<DecomposerOverrides> later =
       std::make_shared<FunctionDelegate>([&](Decomposer& asking, const std::string& key, bool) {
-        questions.push_back("later " + key + " " + std::to_string(asking.iterations()));
+        questions.push_back("later " + key + " " +
+                            std::to_string(Decomposer::Implementation::of(asking).iterations()));
         return Decomposition();
       });
   std::shared_ptr<DecomposerOverrides> first = std::make_shared<FunctionDelegate>(
       [&](Decomposer& asking, const std::string& key, bool isSubsetOfWhole) {
-        questions.push_back("first " + key + " " + std::to_string(asking.iterations()));
+        questions.push_back("first " + key + " " +
+                            std::to_string(Decomposer::Implementation::of(asking).iterations()));
         if (key != "b_c" || !isSubsetOfWhole) return Decomposition();
         EXPECT_EQ(shown(asking.optimalDecompositionOf({"b", "c"})), "<b_c>");
         asking.setDelegate(later);
@@ -286,7 +288,8 @@ TEST_F(DecomposerTest, ADelegateThatThrowsLeavesNoAnswerBehind) {
       });
   decomposer->setDelegate(delegate);
   EXPECT_THROW(decomposer->optimalDecompositionOf({"a", "b"}), std::runtime_error);
-  EXPECT_THAT(decomposer->_cache(), UnorderedElementsAre(Pair("a", Pointee(ElementsAre("a")))));
+  EXPECT_THAT(Decomposer::Implementation::of(*decomposer)._cache(),
+              UnorderedElementsAre(Pair("a", Pointee(ElementsAre("a")))));
   decomposer->setDelegate({});
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"a", "b"})), "<a><b>");
 }
@@ -306,8 +309,8 @@ TEST_F(DecomposerTest, ATooLongPhraseIsRefusedWithALineAndForgotten) {
                                       "decomposed.",
                                       {words.size(), bytes})));
   }
-  EXPECT_EQ(decomposer->iterations(), 4);
-  EXPECT_THAT(decomposer->_cache(), IsEmpty());
+  EXPECT_EQ(Decomposer::Implementation::of(*decomposer).iterations(), 4);
+  EXPECT_THAT(Decomposer::Implementation::of(*decomposer)._cache(), IsEmpty());
   EXPECT_EQ(shown(decomposer->optimalDecompositionOf({"w", "w", "w"})), "<w_w><w>");
   EXPECT_EQ(decomposer->optimalDecompositionOf(Words(2000, "w"))->size(), 1000u);
 }

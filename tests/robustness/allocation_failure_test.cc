@@ -11,7 +11,7 @@
 
 #include "fakes/fake_preferences.h"
 #include "fakes/fake_resource_bundle.h"
-#include "marlune/decompose/decomposer.h"
+#include "marlune/decompose/decomposer_implementation.h"
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
 #include "marlune/grammar/parser.h"
@@ -204,7 +204,7 @@ TEST_F(AllocationFailureTest, ADecomposerAnswersAfterAFailureAndRemembersNothing
               ASSERT_NE(files, nullptr);
               EXPECT_EQ(*files, (Words{"run_on", "five_more", "kilometers"}));
               EXPECT_EQ(decomposer->optimalDecompositionOf(phrase), nullptr);
-              EXPECT_EQ(decomposer->_cache().size(), 25u);
+              EXPECT_EQ(Decomposer::Implementation::of(*decomposer)._cache().size(), 25u);
             });
   EXPECT_GT(count, 10u);
   EXPECT_GT(sweep([](std::size_t) {},
@@ -256,7 +256,7 @@ TEST_F(AllocationFailureTest, AnAnswerThatAnotherSupersedesIsWholeOrNotThere) {
   const auto delegate = std::make_shared<AskingDelegate>();
   const auto rememberedBy = [](const Decomposer& decomposer) {
     std::map<std::string, ReferenceDecomposer::Answer> cache;
-    for (const auto& [key, answer] : decomposer._cache()) {
+    for (const auto& [key, answer] : Decomposer::Implementation::of(decomposer)._cache()) {
       cache[key] = answer ? ReferenceDecomposer::Answer(*answer) : std::nullopt;
     }
     return cache;

@@ -15,7 +15,7 @@
 #include "fakes/fake_preferences.h"
 #include "fakes/fake_resource_bundle.h"
 #include "fakes/fake_system_log.h"
-#include "marlune/decompose/decomposer.h"
+#include "marlune/decompose/decomposer_implementation.h"
 #include "marlune/platform/platform.h"
 #include "marlune/util/tq_utils.h"
 #include "reference/reference_decomposer.h"
@@ -48,7 +48,7 @@ class DecompositionTrial {
     const bool isTraced = _below(2) == 0;
     preferences->set(ZKPlistNotificationDefault, Value::boolean(isTraced));
     const bool debugging = _below(4) == 0;
-    decomposer->_setDebugging(debugging);
+    Decomposer::Implementation::of(*decomposer)._setDebugging(debugging);
     reference.debugging = debugging;
 
     std::shared_ptr<Delegate> delegate;
@@ -67,10 +67,12 @@ class DecompositionTrial {
       const Answer answer = _answerOf(decomposer->optimalDecompositionOf(words));
       if (answer != reference.optimalDecompositionOf(words)) return fault("another answer");
       if (delegate && delegate->questions != expected) return fault("other questions");
-      if (decomposer->iterations() != reference.iterations) return fault("other iterations");
+      if (Decomposer::Implementation::of(*decomposer).iterations() != reference.iterations)
+        return fault("other iterations");
       if (log->lines() != (isTraced ? reference.lines : Words())) return fault("other lines");
       std::map<std::string, Answer> cache;
-      for (const auto& [key, files] : decomposer->_cache()) cache[key] = _answerOf(files);
+      for (const auto& [key, files] : Decomposer::Implementation::of(*decomposer)._cache())
+        cache[key] = _answerOf(files);
       if (cache != reference.cache) return fault("other things remembered");
     }
     return std::nullopt;
