@@ -21,9 +21,15 @@ function(marlune_install_library target export component)
     DESTINATION ${MARLUNE_CMAKE_DIR} COMPONENT development)
 endfunction()
 
-function(marlune_install_headers)
-  install(DIRECTORY ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/marlune
-    COMPONENT development FILES_MATCHING PATTERN "*.h")
+# The public headers of a library, in their folders.
+function(marlune_install_headers library)
+  get_property(headers GLOBAL PROPERTY MARLUNE_PUBLIC_HEADERS_OF_${library})
+  foreach(header IN LISTS headers)
+    file(RELATIVE_PATH path ${PROJECT_SOURCE_DIR} ${header})
+    get_filename_component(folder ${path} DIRECTORY)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder}
+      COMPONENT development)
+  endforeach()
 endfunction()
 
 # Relative to the file's own folder, so that the installation can be moved or installed to another
@@ -48,15 +54,13 @@ function(marlune_install_pkgconfig file)
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endfunction()
 
-set(source ${PROJECT_SOURCE_DIR}/marlune)
 marlune_install_library(marlune marluneTargets runtime)
-marlune_install_headers(${source}/platform ${source}/util ${source}/grammar ${source}/decompose
-  ${source}/playback)
+marlune_install_headers(core)
 marlune_install_pkgconfig(marlune.pc)
 
 if(MARLUNE_DESKTOP)
   marlune_install_library(marlune_desktop marluneDesktopTargets desktop)
-  marlune_install_headers(${source}/desktop)
+  marlune_install_headers(desktop)
   marlune_install_pkgconfig(marlune-desktop.pc)
 endif()
 

@@ -28,7 +28,8 @@ function(marlune_target_defaults target)
   endif()
 endfunction()
 
-# Exports only the project's namespace if the library is shared.
+# Limits what a shared library exports to the project's namespace. Of that, only what is marked in
+# the headers is visible.
 function(marlune_limit_exports target)
   get_target_property(type ${target} TYPE)
   if(NOT type STREQUAL "SHARED_LIBRARY")
@@ -36,7 +37,7 @@ function(marlune_limit_exports target)
   endif()
   set(map ${PROJECT_SOURCE_DIR}/cmake/marlune.map)
   target_link_options(${target} PRIVATE -Wl,--version-script=${map}
-    $<$<CONFIG:Release>:-Wl,-Bsymbolic-functions,-z,noseparate-code,--gc-sections>)
+    $<$<CONFIG:Release>:-Wl,-Bsymbolic-functions,--gc-sections>)
   if(NOT MARLUNE_SANITIZE)
     target_link_options(${target} PRIVATE -Wl,--no-undefined)
   endif()
@@ -45,35 +46,39 @@ endfunction()
 
 # In a release build the core is compiled for size, except the sources that process every phrase. Of
 # these, `hot` ones are fully optimised, and the `warm` ones that drive them somewhat less.
-# `internal` ones define nothing that clients call, so a shared library need not export their
-# symbols.
 function(marlune_shrink_release target)
-  cmake_parse_arguments(SHRINK "" "" "HOT;WARM;INTERNAL" ${ARGN})
+  cmake_parse_arguments(SHRINK "" "" "HOT;WARM" ${ARGN})
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     return()
   endif()
   target_compile_options(${target} PRIVATE
-    "$<$<CONFIG:Release>:-Os;-ffunction-sections;-fdata-sections;-fvisibility-inlines-hidden>")
+    "$<$<CONFIG:Release>:-Os;-ffunction-sections;-fdata-sections>")
   set_property(SOURCE ${SHRINK_HOT} APPEND PROPERTY
     COMPILE_OPTIONS "$<$<CONFIG:Release>:-O3>")
   set_property(SOURCE ${SHRINK_WARM} APPEND PROPERTY
     COMPILE_OPTIONS "$<$<CONFIG:Release>:-O2>")
-  set_property(SOURCE ${SHRINK_INTERNAL} APPEND PROPERTY
-    COMPILE_OPTIONS "$<$<CONFIG:Release>:-fvisibility=hidden>")
+endfunction()
+
+# Adds headers of the current folder to those that are installed with `library`: core or desktop.
+function(marlune_public_headers library)
+  foreach(header IN LISTS ARGN)
+    get_filename_component(path ${header} ABSOLUTE)
+    set_property(GLOBAL APPEND PROPERTY MARLUNE_PUBLIC_HEADERS_OF_${library} ${path})
+  endforeach()
 endfunction()
 
 # A room of the core: an object library of its own, so that a test can link the rooms it needs.
-# marlune_room(NAME SOURCES ... HOT ... WARM ... INTERNAL ... ROOMS next below...); HOT, WARM and
-# INTERNAL name some of the sources, see marlune_shrink_release.
+# marlune_room(NAME SOURCES ... HOT ... WARM ... PUBLIC ... ROOMS next below...); HOT and WARM
+# name some of the sources, see marlune_shrink_release, and PUBLIC the headers to be installed.
 #
 # If tests are built, each room is also linked alone with the rooms below it and no undefined
 # symbols, so that an upward call fails to link.
 function(marlune_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;HOT;WARM;INTERNAL;ROOMS" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "SOURCES;HOT;WARM;PUBLIC;ROOMS" ${ARGN})
   add_library(marlune_${name} OBJECT ${ROOM_SOURCES})
   marlune_target_defaults(marlune_${name})
-  marlune_shrink_release(marlune_${name} HOT ${ROOM_HOT} WARM ${ROOM_WARM}
-    INTERNAL ${ROOM_INTERNAL})
+  marlune_shrink_release(marlune_${name} HOT ${ROOM_HOT} WARM ${ROOM_WARM})
+  marlune_public_headers(core ${ROOM_PUBLIC})
   if(NOT MARLUNE_RTTI)
     target_compile_options(marlune_${name} PRIVATE -fno-rtti)
   endif()

@@ -9,6 +9,7 @@
 #include "marlune/decompose/decomposer_overrides.h"
 #include "marlune/decompose/decomposition.h"
 #include "marlune/platform/resource_bundle.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -38,7 +39,7 @@ namespace marlune {
 //
 // Threads: any; each decomposer is used by one thread at a time. Different decomposers may be used
 // at the same time.
-class Decomposer {
+class MARLUNE_API Decomposer {
  public:
   // The recordings are the "aif" resources in the bundle's sub-directory `directory`. They are read
   // now and never again. Shares ownership of the bundle; a null bundle has no resources.

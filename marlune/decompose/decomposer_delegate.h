@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "marlune/decompose/decomposer_overrides.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -16,7 +17,7 @@ namespace marlune {
 // used for the other kind, and the files are not checked for existence.
 //
 // Threads: any, at any time; the tables never change.
-class DecomposerDelegate : public DecomposerOverrides {
+class MARLUNE_API DecomposerDelegate : public DecomposerOverrides {
  public:
   // Maps a decomposition key (the words joined with "_", "_[" replaced by "[") to file names
   // without extension.

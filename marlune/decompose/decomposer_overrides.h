@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "marlune/decompose/decomposition.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -13,7 +14,7 @@ class Decomposer;
 // of one, is said. DecomposerDelegate is the library's implementation.
 //
 // Threads: called during a call to the decomposer, on the same thread.
-class DecomposerOverrides {
+class MARLUNE_API DecomposerOverrides {
  public:
   virtual ~DecomposerOverrides() = default;
 

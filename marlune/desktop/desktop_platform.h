@@ -7,11 +7,12 @@
 #include "marlune/desktop/audio/output/audio_output.h"
 #include "marlune/desktop/services/run_loop.h"
 #include "marlune/platform/system_log.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // Options for the desktop services.
-struct DesktopOptions {
+struct MARLUNE_API DesktopOptions {
   // The app's own preferences domain, a reverse-DNS identifier.
   std::string preferencesDomain = "marlune";
   // The folder for preference files. Empty: the marlune folder in the user's configuration folder.
@@ -27,7 +28,7 @@ struct DesktopOptions {
 // Returns the run loop in the table, or null if the app has set a main thread of another type.
 //
 // Threads: main thread only, once at start. The run loop is created for the calling thread.
-std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options = {});
+MARLUNE_API std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options = {});
 
 // Sets the audio session and the factories of queue players and items, replacing any previous ones.
 // All play to `output`: the sound device (makeDeviceOutput), a file (FileOutput), a clock
@@ -36,7 +37,7 @@ std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options = 
 // own threads, and without a main thread the player would run on them.
 //
 // Threads: main thread only.
-void installDesktopAudio(std::shared_ptr<AudioOutput> output);
+MARLUNE_API void installDesktopAudio(std::shared_ptr<AudioOutput> output);
 
 }  // namespace marlune
 

@@ -11,6 +11,7 @@
 #include "marlune/grammar/model/grammar_part.h"
 #include "marlune/grammar/model/simple_slot_sequence.h"
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -32,7 +33,7 @@ class GrammarFile;
 // own. The tree that grammarsPlist() and loadGrammarsFromPlistAtPath() return is shared: do not
 // read or change it while another thread creates a parser on the same file or calls setGrammar(),
 // which write into it.
-class Parser {
+class MARLUNE_API Parser {
  public:
   ~Parser();
 

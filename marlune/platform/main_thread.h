@@ -3,13 +3,15 @@
 
 #include <functional>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // The thread that the app's interface and the play queue live on, and its loop. Work runs in the
 // order in which it was posted.
 //
 // Threads: any, at any time.
-class MainThread {
+class MARLUNE_API MainThread {
  public:
   virtual ~MainThread() = default;
 

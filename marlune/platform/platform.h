@@ -10,6 +10,7 @@
 #include "marlune/platform/property_list_reader.h"
 #include "marlune/platform/resource_bundle.h"
 #include "marlune/platform/system_log.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -23,7 +24,7 @@ class QueuePlayer;
 //
 // Threads: any may read the table, at any time. While it is being filled, no other thread may use
 // the library.
-struct Platform {
+struct MARLUNE_API Platform {
   std::shared_ptr<SystemLog> systemLog;      // null: lines go to standard error
   std::shared_ptr<Preferences> preferences;  // null: every preference is missing
   // null: every thread counts as the main thread, work runs at once, and delayed work is dropped

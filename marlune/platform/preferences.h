@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -13,7 +14,7 @@ namespace marlune {
 // by its reverse-DNS identifier. The empty domain is the running application's own.
 //
 // Threads: any, at any time: every thread that writes a log line reads preferences.
-class Preferences {
+class MARLUNE_API Preferences {
  public:
   virtual ~Preferences() = default;
 

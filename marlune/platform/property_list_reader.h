@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -12,7 +13,7 @@ namespace marlune {
 // object that the file shares (two references in a binary list) is returned as two copies.
 //
 // Threads: any, at any time.
-class PropertyListReader {
+class MARLUNE_API PropertyListReader {
  public:
   struct Result {
     Value root;         // absent when the file could not be read

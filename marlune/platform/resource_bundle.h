@@ -6,12 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // The files that ship with an app, found by name and type. On a desktop: a folder.
 //
 // Threads: any, at any time.
-class ResourceBundle {
+class MARLUNE_API ResourceBundle {
  public:
   virtual ~ResourceBundle() = default;
 

@@ -3,13 +3,15 @@
 
 #include <string_view>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // Receives the lines meant for a developer or a grammar author: standard error on a desktop, the
 // device's log on a phone, a buffer in a test.
 //
 // Threads: any, at any time.
-class SystemLog {
+class MARLUNE_API SystemLog {
  public:
   virtual ~SystemLog() = default;
 

@@ -11,6 +11,8 @@
 #include <variant>
 #include <vector>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 class Array;
@@ -23,7 +25,7 @@ class Dictionary;
 //
 // Threads: any number may read at the same time. While one changes a value or a container, no other
 // may use it. The same holds for Dictionary and Array.
-class Value {
+class MARLUNE_API Value {
  public:
   enum class Kind : unsigned char {
     absent,
@@ -92,7 +94,7 @@ class Value {
 
 // Keys and values in the order in which they were first set, as in the file. Keys are unique and
 // compared byte by byte. A look-up is linear in a small dictionary and hashed in a large one.
-class Dictionary {
+class MARLUNE_API Dictionary {
  public:
   using Key = std::shared_ptr<const std::string>;
   using Entry = std::pair<Key, Value>;  // the key is never null
@@ -130,7 +132,7 @@ class Dictionary {
 };
 
 // Values in order. Every element is present.
-class Array {
+class MARLUNE_API Array {
  public:
   Array() = default;
   explicit Array(std::vector<Value> elements) : _elements(std::move(elements)) {}

@@ -5,13 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // The app's relation to the device's sound system: the kind of sound that it plays, how that mixes
 // with other apps' sound, and whether it is playing any now.
 //
 // Threads: the main thread only.
-class AudioSession {
+class MARLUNE_API AudioSession {
  public:
   // The category of an app whose sound stays audible while the device is locked or silenced.
   static constexpr std::string_view kCategoryPlayback = "playback";

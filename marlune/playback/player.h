@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "marlune/platform/resource_bundle.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -21,7 +22,7 @@ namespace marlune {
 // Threads: the main thread only; on any other thread an operation logs a line and does nothing. A
 // child created by fork() has neither a main thread nor a sound thread: it may use parsers and
 // decomposers of its own, but no player, and must end by exec or _exit.
-class Player {
+class MARLUNE_API Player {
  public:
   // A player of the ".aif" resources in the sub-directory `directory` of `bundle`. The first player
   // of the process sets up the audio session. A null bundle has no resources.

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "marlune/platform/visibility.h"
 #include "marlune/util/describable.h"
 
 namespace marlune {
@@ -14,13 +15,13 @@ class QueuePlayer;
 
 // One recording, to be played once: its file and the queue's state for it. An item belongs to at
 // most one queue, and is in that queue only once.
-class PlayerItem : public Describable {
+class MARLUNE_API PlayerItem : public Describable {
  public:
   virtual const std::string& path() const = 0;  // of the file, which may be unreadable
 };
 
 // Receives notifications of a queue's changes.
-class QueuePlayerObserver {
+class MARLUNE_API QueuePlayerObserver {
  public:
   virtual ~QueuePlayerObserver() = default;
 
@@ -38,7 +39,7 @@ class QueuePlayerObserver {
 // out to be unplayable is skipped after a log line.
 //
 // Threads: the main thread only. Observers are called on any thread.
-class QueuePlayer : public std::enable_shared_from_this<QueuePlayer> {
+class MARLUNE_API QueuePlayer : public std::enable_shared_from_this<QueuePlayer> {
  public:
   enum class Status { unknown = 0, readyToPlay = 1, failed = 2 };
 

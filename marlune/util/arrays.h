@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 
 // Small operations on arrays: vectors, spans and other contiguous ranges. Each returns a new vector
 // and leaves its operands unchanged. Indices count from 0.
@@ -104,7 +105,7 @@ std::vector<ElementOf<Array>> _arrayWithOverlayedCells(const Array& run, const O
 
 // The run [at, at + amount) of an array as unsigned bounds; a negative bound becomes one beyond
 // every array. The sum is computed in 32 bits.
-struct SplicedRun {
+struct MARLUNE_API SplicedRun {
   SplicedRun(std::int32_t at, std::int32_t amount)
       : from(static_cast<std::size_t>(at)),
         to(static_cast<std::size_t>(static_cast<std::int32_t>(

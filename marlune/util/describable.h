@@ -3,10 +3,12 @@
 
 #include <string>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // An object with a printed form, which "%@" of a log format shows.
-class Describable {
+class MARLUNE_API Describable {
  public:
   virtual ~Describable() = default;
   virtual std::string description() const = 0;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "marlune/util/format_placeholder.h"
+
 namespace marlune {
 
 namespace {

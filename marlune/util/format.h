@@ -13,17 +13,19 @@
 #include <vector>
 
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 #include "marlune/util/describable.h"
-#include "marlune/util/format_placeholder.h"
 
 namespace marlune {
+
+struct FormatPlaceholder;
 
 // One argument of a log format: a typed reference to the caller's object. Constructing one copies
 // and allocates nothing; the object is described only when a line is written. It must not outlive
 // the full expression that creates it.
 //
 // Threads: any, while no other thread changes the referenced object.
-class FormatArgument {
+class MARLUNE_API FormatArgument {
  public:
   FormatArgument(std::nullptr_t) {}  // absent: prints "(null)"
   // A template, so that a pointer does not convert to a boolean.
@@ -126,7 +128,8 @@ class FormatArgument {
 // A dictionary or array prints as an old-style property list: "{\n    key = value;\n}" and "(\n
 // one,\n    two\n)", nested ones indented by four more blanks. Text inside it is quoted unless it
 // consists only of ASCII letters, digits and "_".
-std::string formatted(std::string_view format, std::initializer_list<FormatArgument> arguments);
+MARLUNE_API std::string formatted(std::string_view format,
+                                  std::initializer_list<FormatArgument> arguments);
 
 }  // namespace marlune
 

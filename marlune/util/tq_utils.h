@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "marlune/platform/visibility.h"
 #include "marlune/util/format.h"
 
 namespace marlune {
@@ -33,7 +34,7 @@ inline constexpr std::string_view VexaPreferencesDomain = "com.example.vexa";
 //
 // Threads: any, at any time, except the settings (directory, switch, new log file): change them
 // from one thread at a time, early. A Silence applies to its own thread.
-class TQUtils {
+class MARLUNE_API TQUtils {
  public:
   TQUtils() = delete;
 

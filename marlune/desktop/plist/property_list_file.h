@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "marlune/platform/property_list_reader.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -17,7 +18,7 @@ namespace marlune {
 // "line 7, column 12" (both from 1, in characters) or "byte 96" (from 0).
 //
 // Threads: any, at any time.
-class PropertyListFile : public PropertyListReader {
+class MARLUNE_API PropertyListFile : public PropertyListReader {
  public:
   Result readFile(const std::string& path) const noexcept override;
 

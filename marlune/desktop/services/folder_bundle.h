@@ -4,6 +4,7 @@
 #include <string>
 
 #include "marlune/platform/resource_bundle.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -14,7 +15,7 @@ namespace marlune {
 // reported once, in normal form C, and found by any of its forms.
 //
 // Threads: any, at any time.
-class FolderBundle : public ResourceBundle {
+class MARLUNE_API FolderBundle : public ResourceBundle {
  public:
   explicit FolderBundle(std::string folder) : _folder(std::move(folder)) {}
 

@@ -19,6 +19,7 @@
 #include <utility>
 
 #include "marlune/platform/main_thread.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -32,7 +33,7 @@ namespace marlune {
 // In a child created by fork() the loop has ended: nothing runs, and no thread is the main thread.
 //
 // Threads: any, at any time, except where "main thread" is stated. No lock is held while work runs.
-class RunLoop : public MainThread {
+class MARLUNE_API RunLoop : public MainThread {
  public:
   RunLoop();
   ~RunLoop() override;  // ends the loop and waits until no thread is inside runAndWait. Main thread

@@ -7,11 +7,13 @@
 #include <string_view>
 #include <utility>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // Why a grammar cannot be loaded: a place in the file and the cause. The only exception that
 // loading a grammar throws, apart from std::bad_alloc.
-class [[gnu::visibility("default")]] GrammarError : public std::runtime_error {
+class MARLUNE_API GrammarError : public std::runtime_error {
  public:
   // `place` is a path such as "Main.Units._rhs[1]": keys joined by ".", positions in arrays from 0.
   // It may be empty until `within` has completed it.

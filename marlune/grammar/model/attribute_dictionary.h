@@ -10,12 +10,13 @@
 
 #include "marlune/grammar/model/attribute_value.h"
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // The attributes of a cell: names and values in the order in which they were first set, as in the
 // file. Names are unique. Look-ups are linear, since a cell has only a few attributes.
-class AttributeDictionary {
+class MARLUNE_API AttributeDictionary {
  public:
   using Name = std::shared_ptr<const std::string>;
   using Entry = std::pair<Name, AttributeValue>;  // the name is never null

@@ -6,12 +6,13 @@
 #include <string>
 
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // Refers to an attribute of a matched word: the word's position in the matched stretch, from 0, and
 // the attribute's name. Immutable.
-class AttributeKey {
+class MARLUNE_API AttributeKey {
  public:
   // Shares the name. REQUIRES: attributeName is not null.
   static std::shared_ptr<AttributeKey> initWithIndex(

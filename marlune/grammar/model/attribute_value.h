@@ -8,13 +8,14 @@
 
 #include "marlune/grammar/model/attribute_key.h"
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // The value of a cell's attribute. Nearly always a string. In a production's overlays it may be an
 // AttributeKey that stands for a string of the matched words. It may also be any other value from a
 // file (a number, an array), which equals no string. Never absent. Copies share the text.
-class AttributeValue {
+class MARLUNE_API AttributeValue {
  public:
   using Text = std::shared_ptr<const std::string>;
 

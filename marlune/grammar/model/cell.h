@@ -10,6 +10,7 @@
 
 #include "marlune/grammar/model/attribute_dictionary.h"
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 #include "marlune/util/describable.h"
 
 namespace marlune {
@@ -23,7 +24,7 @@ enum CellType : std::uint32_t {
 // One word of a phrase, or one word pattern of a rule: a type and attributes, among which "content"
 // is the word itself. A cell read from a value that is neither string nor dictionary has no
 // attribute dictionary; its look-ups find nothing and its setters do nothing.
-class Cell : public Describable {
+class MARLUNE_API Cell : public Describable {
  public:
   static std::shared_ptr<Cell> init();  // intentionally a wildcard
   static std::shared_ptr<Cell> initAsWildcard();

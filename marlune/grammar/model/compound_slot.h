@@ -7,12 +7,13 @@
 
 #include "marlune/grammar/model/slot.h"
 #include "marlune/grammar/model/slot_sequence.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // A slot that holds a group of slots, in the grammar's order. Abstract: matching, describing and
 // reversing log an error and return false, "" and nullptr.
-class CompoundSlot : public Slot {
+class MARLUNE_API CompoundSlot : public Slot {
  public:
   std::string description() const override;
 

@@ -11,11 +11,12 @@
 #include "marlune/grammar/model/attribute_key.h"
 #include "marlune/grammar/model/generic_production.h"
 #include "marlune/grammar/model/new_production.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // Several productions, one of which is chosen at each occurrence by the values of its attributes.
-class ConditionalProduction : public GenericProduction {
+class MARLUNE_API ConditionalProduction : public GenericProduction {
  public:
   using Signature = std::vector<std::shared_ptr<AttributeKey>>;
   using Expansion = std::pair<std::shared_ptr<const std::string>, std::shared_ptr<NewProduction>>;

@@ -6,12 +6,13 @@
 #include <vector>
 
 #include "marlune/grammar/model/grammar_part.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // An inner node of the grammar: applies its subparts in sequence, each to the output of the
 // previous one, in ascending order; those of equal order run by name.
-class Directory : public GrammarPart {
+class MARLUNE_API Directory : public GrammarPart {
  public:
   using Parts = std::vector<std::shared_ptr<GrammarPart>>;
 

@@ -4,13 +4,14 @@
 #include <memory>
 
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 #include "marlune/util/describable.h"
 
 namespace marlune {
 
 // The right-hand side of a rule, which replaces each occurrence of its significant slots. Abstract;
 // a production of an unknown kind replaces nothing.
-class GenericProduction : public Describable {
+class MARLUNE_API GenericProduction : public Describable {
  public:
   enum class Kind : unsigned char { other, newProduction, conditional };
 

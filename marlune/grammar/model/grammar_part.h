@@ -7,13 +7,14 @@
 
 #include "marlune/grammar/model/simple_slot_sequence.h"
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 #include "marlune/util/describable.h"
 
 namespace marlune {
 
 // A node of the grammar's tree: a directory of parts, or a rule. Abstract. Built once with its
 // grammar; applying it does not change it.
-class GrammarPart : public Describable {
+class MARLUNE_API GrammarPart : public Describable {
  public:
   enum class Kind : unsigned char { other, directory, rule };
 

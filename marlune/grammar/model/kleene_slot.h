@@ -5,13 +5,14 @@
 #include <string>
 
 #include "marlune/grammar/model/compound_slot.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // A group that may occur any number of times in its place, including zero. The enclosing sequence
 // matches the repetition and never calls this slot's own `matches`. If called, as for a member of a
 // disjunction or negation, it logs an error and does not match. Prints as "(a . b)*".
-class KleeneSlot : public CompoundSlot {
+class MARLUNE_API KleeneSlot : public CompoundSlot {
  public:
   // From the array of members, without the marker. Throws GrammarError when a member cannot be
   // read.

@@ -5,12 +5,13 @@
 #include <string>
 
 #include "marlune/grammar/model/compound_slot.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // A slot that matches if none of its members does; with no members it matches anything. In a
 // sequence it takes exactly one position. Prints as "~(a + b)".
-class NegationSlot : public CompoundSlot {
+class MARLUNE_API NegationSlot : public CompoundSlot {
  public:
   // From the array of members, without the marker. Throws GrammarError when a member cannot be
   // read.

@@ -8,12 +8,13 @@
 
 #include "marlune/grammar/model/generic_production.h"
 #include "marlune/grammar/model/simple_slot_sequence.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // A list of slots to produce, each an overlay on a new, empty slot or on a matched one. Overlays
 // and indices should have the same length; the indices determine how many slots are produced.
-class NewProduction : public GenericProduction {
+class MARLUNE_API NewProduction : public GenericProduction {
  public:
   using Indices = std::vector<std::int32_t>;
 

@@ -5,11 +5,12 @@
 #include <vector>
 
 #include "marlune/grammar/model/slot_run.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // The slots of a phrase, created on demand. Most callers need only the words of a phrase.
-class PendingSlots {
+class MARLUNE_API PendingSlots {
  public:
   virtual ~PendingSlots() = default;
 

@@ -9,12 +9,13 @@
 #include "marlune/grammar/model/grammar_part.h"
 #include "marlune/grammar/model/new_production.h"
 #include "marlune/grammar/model/slots_in_context.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // A leaf of the grammar: rewrites every occurrence of its left-hand side, once or, if it repeats,
 // pass after pass until a pass changes nothing.
-class Rule : public GrammarPart {
+class MARLUNE_API Rule : public GrammarPart {
  public:
   // Limits for a repeating rule: the number of passes, and their work in the steps of
   // ContextSubstitution::steps, about 10 ns each. 1,000 passes over 1,000 words take 20 million

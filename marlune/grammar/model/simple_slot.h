@@ -7,11 +7,12 @@
 
 #include "marlune/grammar/model/cell.h"
 #include "marlune/grammar/model/slot.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // A slot that holds one cell: a word of a phrase, or a word pattern.
-class SimpleSlot : public Slot, public std::enable_shared_from_this<SimpleSlot> {
+class MARLUNE_API SimpleSlot : public Slot, public std::enable_shared_from_this<SimpleSlot> {
  public:
   static std::shared_ptr<SimpleSlot> initWithCell(std::shared_ptr<Cell> cell);
   static std::shared_ptr<SimpleSlot> initFromPlist(const Value& plist);  // from the value's cell

@@ -8,6 +8,7 @@
 #include "marlune/grammar/model/attribute_key.h"
 #include "marlune/grammar/model/attribute_value.h"
 #include "marlune/grammar/model/slot_sequence.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -18,7 +19,7 @@ class SlotsInContext;
 // which patterns see as the phrase's boundaries. Significant slots of a left-hand side also have
 // this class and may contain compound slots; operations on cells treat such a slot as one without a
 // cell.
-class SimpleSlotSequence : public SlotSequence {
+class MARLUNE_API SimpleSlotSequence : public SlotSequence {
  public:
   // One slot for each string, as made by Slot::instanceFromPlist ("?" a wildcard, "_E" a blank).
   static SlotArray slotArrayWithStrings(const std::vector<std::string>& strings);

@@ -7,6 +7,7 @@
 
 #include "marlune/grammar/model/slot_run.h"
 #include "marlune/platform/value.h"
+#include "marlune/platform/visibility.h"
 #include "marlune/util/describable.h"
 
 namespace marlune {
@@ -15,7 +16,7 @@ class Cell;
 class SlotSequence;
 
 // One element of a pattern or of a phrase. Abstract: its own operations log an error.
-class Slot : public Describable {
+class MARLUNE_API Slot : public Describable {
  public:
   enum class Kind : unsigned char { other, simple, disjunction, kleene, negation, sequence };
 

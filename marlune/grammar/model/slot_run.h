@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 class Cell;
@@ -14,7 +16,7 @@ using SlotArray = std::vector<std::shared_ptr<Slot>>;
 
 // The slots of a phrase as seen by a pattern: from the first to the last, or backwards. Refers to
 // the array without copying it; the array must not change during use.
-class SlotRun {
+class MARLUNE_API SlotRun {
  public:
   static SlotRun forwards(const SlotArray& slots) { return {slots.data(), slots.size(), 1}; }
   static SlotRun backwards(const SlotArray& slots) {

@@ -10,6 +10,7 @@
 
 #include "marlune/grammar/model/pending_slots.h"
 #include "marlune/grammar/model/slot.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -18,7 +19,7 @@ class SimpleSlotSequence;
 // An ordered run of slots: the pattern language of the grammar. Matching always checks whether the
 // target begins with the pattern. Sequences may share slots; each sequence owns its array. All
 // positions count from 0.
-class SlotSequence : public Slot {
+class MARLUNE_API SlotSequence : public Slot {
  public:
   static std::shared_ptr<SlotSequence> emptySlotSequence();
   static std::shared_ptr<SlotSequence> slotSequenceWithArray(SlotArray slots);

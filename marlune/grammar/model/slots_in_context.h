@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "marlune/grammar/model/simple_slot_sequence.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // The left-hand side of a rule: the significant slots, which a production replaces, and the
 // contexts that must match right before and right after them, which are never replaced.
-class SlotsInContext : public Describable {
+class MARLUNE_API SlotsInContext : public Describable {
  public:
   // From a dictionary with "_significantSlots" and optionally "_preContext" and "_postContext". A
   // missing context is empty. Missing significant slots stay null, after a line straight to the

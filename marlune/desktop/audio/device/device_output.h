@@ -4,11 +4,12 @@
 #include <memory>
 
 #include "marlune/desktop/audio/output/audio_output.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
 // Options for the sound device.
-struct DeviceOptions {
+struct MARLUNE_API DeviceOptions {
   // Seconds of sound that a PulseAudio server buffers. More tolerates a busier machine; less
   // reduces the delay until a call is audible. At least 0.01, at most 2. Other devices buffer about
   // 0.04 s.
@@ -24,7 +25,7 @@ struct DeviceOptions {
 // In a build without sound devices every opening fails.
 //
 // Threads: any; for the output see AudioOutput.
-std::shared_ptr<AudioOutput> makeDeviceOutput(const DeviceOptions& options = {});
+MARLUNE_API std::shared_ptr<AudioOutput> makeDeviceOutput(const DeviceOptions& options = {});
 
 }  // namespace marlune
 

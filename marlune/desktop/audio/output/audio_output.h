@@ -8,6 +8,7 @@
 
 #include "marlune/desktop/audio/base/audio_format.h"
 #include "marlune/desktop/audio/output/audio_source.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -15,7 +16,7 @@ namespace marlune {
 //
 // Threads: open and close are called on the main thread. The other operations are called by the
 // engine's worker, never while an open or close is in progress.
-class AudioOutput {
+class MARLUNE_API AudioOutput {
  public:
   virtual ~AudioOutput() = default;
 

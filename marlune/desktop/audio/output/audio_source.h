@@ -3,10 +3,12 @@
 
 #include <cstddef>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // A source of sound for an output.
-class AudioSource {
+class MARLUNE_API AudioSource {
  public:
   virtual ~AudioSource() = default;
 

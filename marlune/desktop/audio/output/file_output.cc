@@ -1,6 +1,9 @@
 #include "marlune/desktop/audio/output/file_output.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "marlune/desktop/audio/output/sound_file_writer.h"
 
 namespace marlune {
 
@@ -9,6 +12,15 @@ namespace {
 constexpr AudioFormat kFormatOfNothing = {44'100, 1};  // of a file that nothing was played to
 
 }  // namespace
+
+FileOutput::FileOutput(std::string path, std::optional<AudioFormat> format)
+    : _path(std::move(path)), _format(format) {}
+
+FileOutput::~FileOutput() { close(); }
+
+std::string FileOutput::draftPath() const { return _writer ? _writer->draftPath() : ""; }
+
+std::string FileOutput::plannedDraftPath() const { return SoundFileWriter::draftPathFor(_path); }
 
 std::optional<std::string> FileOutput::open(AudioSource& source, const std::string&) {
   if (_loss) return _loss;

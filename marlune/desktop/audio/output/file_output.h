@@ -7,9 +7,11 @@
 #include <string>
 
 #include "marlune/desktop/audio/output/audio_output.h"
-#include "marlune/desktop/audio/output/sound_file_writer.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
+
+class SoundFileWriter;
 
 // Writes what is played to one 16-bit .wav or .aif file, as fast as it is decoded. Silence between
 // phrases is not written. Unless a format is given, the file takes that of the first recording, so
@@ -23,11 +25,10 @@ namespace marlune {
 //
 // Threads: as for AudioOutput; finish(), draftPath() and framesWritten() on the main thread, while
 // no sound is running.
-class FileOutput : public AudioOutput {
+class MARLUNE_API FileOutput : public AudioOutput {
  public:
-  explicit FileOutput(std::string path, std::optional<AudioFormat> format = std::nullopt)
-      : _path(std::move(path)), _format(format) {}
-  ~FileOutput() override { close(); }
+  explicit FileOutput(std::string path, std::optional<AudioFormat> format = std::nullopt);
+  ~FileOutput() override;
 
   // Call it before the first opening. For programs that render several phrases into one file.
   void keepDraftUntilFinished() { _keepsDraft = true; }
@@ -35,9 +36,9 @@ class FileOutput : public AudioOutput {
   // sentence.
   std::optional<std::string> finish();
   // The path of the draft; empty if there is none. Call it only while the output is closed.
-  std::string draftPath() const { return _writer ? _writer->draftPath() : ""; }
+  std::string draftPath() const;
   // The path that a draft would have.
-  std::string plannedDraftPath() const { return SoundFileWriter::draftPathFor(_path); }
+  std::string plannedDraftPath() const;
 
   std::optional<std::string> open(AudioSource& source, const std::string& role) override;
   void close() override;

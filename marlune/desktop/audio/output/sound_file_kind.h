@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "marlune/desktop/audio/base/audio_format.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -14,7 +15,7 @@ namespace marlune {
 enum class SoundFileKind { wav, aiff };
 
 // The format for a file name's extension (.wav; .aif or .aiff). Nothing for any other extension.
-std::optional<SoundFileKind> soundFileKindOf(std::string_view path);
+MARLUNE_INTERNAL_API std::optional<SoundFileKind> soundFileKindOf(std::string_view path);
 
 // The header for `dataBytes` bytes of 16-bit samples: little-endian in a .wav file, big-endian in
 // an .aif file. Its length depends only on the format and is even.

@@ -9,6 +9,7 @@
 
 #include "marlune/desktop/audio/base/audio_format.h"
 #include "marlune/desktop/audio/output/sound_file_kind.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -18,7 +19,7 @@ namespace marlune {
 //
 // A target that exists and is not a regular file (a device, a FIFO) is written directly and
 // sequentially. Its header claims the maximum length, as readers of pipes expect.
-class SoundFileWriter {
+class MARLUNE_INTERNAL_API SoundFileWriter {
  public:
   // Creates the draft, or opens a target that is written directly; waits for the reader of a FIFO.
   // Returns null and sets `cause`, a clause, if that fails.

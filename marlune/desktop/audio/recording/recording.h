@@ -11,6 +11,7 @@
 #include "marlune/desktop/audio/base/audio_format.h"
 #include "marlune/desktop/audio/recording/aiff_header.h"
 #include "marlune/desktop/audio/recording/buffered_file.h"
+#include "marlune/platform/visibility.h"
 
 namespace marlune {
 
@@ -18,7 +19,7 @@ class SndfileReader;
 
 // An .aif or .aifc file, open for reading from its first frame. Header values are checked before
 // they determine an allocation: a corrupt file is refused, or plays as far as its data goes.
-class Recording {
+class MARLUNE_INTERNAL_API Recording {
  public:
   // Returns null and sets `cause`, a clause, if the file cannot be played.
   static std::unique_ptr<Recording> open(const std::string& path, std::string& cause);
