@@ -12,8 +12,8 @@
 #include "marlune/playback/audio_session.h"
 #include "marlune/playback/player.h"
 #include "support/engine_rig.h"
-#include "support/platform_fixture.h"
 #include "support/fresh_playback.h"
+#include "support/platform_fixture.h"
 
 namespace marlune {
 namespace {

@@ -12,8 +12,8 @@
 #include "fakes/fake_audio_session.h"
 #include "fakes/fake_main_thread.h"
 #include "fakes/fake_queue_player.h"
-#include "support/platform_fixture.h"
 #include "support/fresh_playback.h"
+#include "support/platform_fixture.h"
 
 namespace marlune {
 namespace {
