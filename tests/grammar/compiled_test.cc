@@ -116,6 +116,39 @@ TEST_F(CompiledTest, RandomGrammarsGiveWhatReferenceAndTreeGive) {
   EXPECT_GT(rewritten, count / 3);
 }
 
+struct FixedCase {
+  std::string_view why, main;
+  Words words, result;
+};
+const FixedCase kFixed[] = {
+    {"a repetition in a pre-context reads backwards",
+     "{_lhs={_preContext=[s, [*, b, c]]; _significantSlots=[z]}; _rhs=[x]}",
+     {"s", "b", "c", "z", "s", "c", "b", "z"},
+     {"s", "b", "c", "x", "s", "c", "b", "z"}},
+    {"an empty value is part of the key, a missing one is not",
+     "{A={_order=#1; _lhs={_significantSlots=[a]}; _rhs=[{_index=#0; p=''; q='1'}]};"
+     " B={_order=#2; _lhs={_significantSlots=[b]}; _rhs=[{_index=#0; q='1'}]};"
+     " C={_order=#3; _lhs={_significantSlots=[[+, a, b]]};"
+     " _rhs={_delimiter='|'; _signature=[{_index=#0; _attribute=p}, {_index=#0; _attribute=q}];"
+     " _expansions={'|1'=[x]; '1'=[y]}}}}",
+     {"a", "b"},
+     {"x", "y"}},
+    {"for a repeating rule a missing attribute equals an empty one",
+     "{A={_order=#1; _lhs={_significantSlots=[a]}; _rhs=[{_index=#0; g=''}]};"
+     " B={_order=#2; _repeat=#1; _lhs={_significantSlots=[a]};"
+     " _rhs=[{_index=#-1; content=a; h='1'; post={_index=#0; _attribute=h}}]}}",
+     {"a"},
+     {"a"}},
+};
+
+TEST_F(CompiledTest, FixedGrammarsGiveTheirResults) {
+  for (const FixedCase& c : kFixed) {
+    SCOPED_TRACE(c.why);
+    compile(plist("{Main=" + std::string(c.main) + "}"));
+    EXPECT_EQ(compared(c.words)->stringArray(), c.result);
+  }
+}
+
 // Deeper repetitions and longer phrases than in random grammars.
 class RandomRepetitions {
  public:

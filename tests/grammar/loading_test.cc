@@ -119,12 +119,13 @@ TEST_F(LoadingTest, ADeepFileIsRefused) {
 
 TEST_F(LoadingTest, InsertsCopyOneLevelAndTakeTheirOrder) {
   const Value tree = Parser::loadGrammarsFromPlistAtPath(
-      file("{Main={A='#insert S.A 7'; B='#insert S.A -2'; C='#insertX S.C'; D=['#insert S.A']};"
-           " S={A={_order=#5; n={x=y}}; C={in='#insert S.A 3x'}}}"));
+      file("{Main={A='#insert S.A 7'; B='#insert S.A -2'; C='#insertX S.C'; D=['#insert S.A'];"
+           " E='#insert S.A 0'}; S={A={_order=#5; n={x=y}}; C={in='#insert S.A 3x'}}}"));
   EXPECT_EQ(formatted("%@", {tree}),
             formatted("%@", {plist("{Main={A={_order=#7; n={x=y}}; B={_order=#5; n={x=y}};"
-                                   " C={in={_order=#3; n={x=y}}}; D=['#insert S.A']};"
-                                   " S={A={_order=#5; n={x=y}}; C={in={_order=#3; n={x=y}}}}}")}));
+                                   " C={in={_order=#3; n={x=y}}}; D=['#insert S.A'];"
+                                   " E={_order=#0; n={x=y}}}; S={A={_order=#5; n={x=y}}; "
+                                   "C={in={_order=#3; n={x=y}}}}}")}));
   const auto nested = [&tree](std::string_view path) {
     return Parser::retrievePlistForStringInDotNotation(path, tree).asDictionary();
   };
