@@ -103,7 +103,10 @@ TEST_F(DecomposerTest, ChoosesTheFewestFiles) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.why);
-    EXPECT_EQ(shown(decomposerWith(c.files)->optimalDecompositionOf(c.words)), c.result);
+    for (const bool isTraced : {true, false}) {  // without lines, the search takes another way
+      preferences->set(ZKPlistNotificationDefault, Value::boolean(isTraced));
+      EXPECT_EQ(shown(decomposerWith(c.files)->optimalDecompositionOf(c.words)), c.result);
+    }
   }
 }
 
