@@ -55,6 +55,16 @@ Decomposition Decomposer::optimalDecompositionOf(const std::vector<std::string>&
   return _implementation->optimalDecompositionOf(words, isSubsetOfWhole);
 }
 
+std::optional<std::vector<std::size_t>> Decomposer::uncoveredWordsOf(
+    const std::vector<std::string>& words) const {
+  return _implementation->uncoveredWordsOf(words);
+}
+
+std::vector<std::string> Decomposer::namesWithoutRecording(
+    const std::vector<std::string>& files) const {
+  return _implementation->namesWithoutRecording(files);
+}
+
 std::shared_ptr<DecomposerOverrides> Decomposer::delegate() const {
   return _implementation->delegate();
 }

@@ -1,7 +1,9 @@
 #ifndef MARLUNE_DECOMPOSE_DECOMPOSER_H_
 #define MARLUNE_DECOMPOSE_DECOMPOSER_H_
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,6 +60,19 @@ class MARLUNE_API Decomposer {
   // The same without the opening line. `isSubsetOfWhole` is passed to the delegate: whether the
   // words are part of a phrase.
   Decomposition optimalDecompositionOf(const std::vector<std::string>& words, bool isSubsetOfWhole);
+
+  // Why a phrase cannot be said: the positions of the words, counted from 0, that remain uncovered
+  // in the split that covers the most words and, of several such, leaves out words furthest to the
+  // right. A part counts as covered if it has a recording, or if an answer for it is remembered. No
+  // positions: every word is covered, but a delegate's answers have more files than words. Nothing:
+  // the phrase is too long to be split. Does not ask the delegate, and remembers and counts
+  // nothing.
+  std::optional<std::vector<std::size_t>> uncoveredWordsOf(
+      const std::vector<std::string>& words) const;
+
+  // The names in an answer that are no recordings, each once, in the answer's order: only a
+  // delegate gives such names.
+  std::vector<std::string> namesWithoutRecording(const std::vector<std::string>& files) const;
 
   // Asked before every search. Not owned; may be absent. A new delegate does not change the
   // remembered answers.

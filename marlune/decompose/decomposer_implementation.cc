@@ -1,5 +1,9 @@
 #include "marlune/decompose/decomposer_implementation.h"
 
+#include <algorithm>
+
+#include "marlune/decompose/key_hash.h"
+#include "marlune/decompose/phrase_gaps.h"
 #include "marlune/util/tq_utils.h"
 #include "marlune/util/utf16.h"
 
@@ -73,6 +77,28 @@ std::uint32_t Decomposer::Implementation::_search(std::span<const std::string> w
   const DecompositionMemo::Id id = search->run(words, _key, isSubsetOfWhole);
   if (search->isWorthKeeping()) _idleSearch = std::move(search);
   return id;
+}
+
+std::optional<std::vector<std::size_t>> Decomposer::Implementation::uncoveredWordsOf(
+    std::span<const std::string> words) {
+  if (words.empty()) return std::vector<std::size_t>();
+  JoinedKey key;
+  key.join(words);
+  if (SplitSearch::isTooLong(words.size(), key.text().size())) return std::nullopt;
+  key.prepareSlices();
+  return PhraseGaps(_memo, key, words).positions();
+}
+
+std::vector<std::string> Decomposer::Implementation::namesWithoutRecording(
+    std::span<const std::string> files) const {
+  std::vector<std::string> names;
+  for (const std::string& file : files) {
+    const bool isRecording = _memo.isRecording(_memo.find({file, key_hash::ofText(file)}));
+    if (!isRecording && std::find(names.begin(), names.end(), file) == names.end()) {
+      names.push_back(file);
+    }
+  }
+  return names;
 }
 
 std::map<std::string, Decomposition> Decomposer::Implementation::_cache() const {

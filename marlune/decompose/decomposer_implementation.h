@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -31,6 +32,8 @@ class Decomposer::Implementation {
 
   // See Decomposer.
   Decomposition optimalDecompositionOf(const std::vector<std::string>& words, bool isSubsetOfWhole);
+  std::optional<std::vector<std::size_t>> uncoveredWordsOf(std::span<const std::string> words);
+  std::vector<std::string> namesWithoutRecording(std::span<const std::string> files) const;
   std::shared_ptr<DecomposerOverrides> delegate() const { return _delegate.lock(); }
   void setDelegate(std::weak_ptr<DecomposerOverrides> delegate) { _delegate = std::move(delegate); }
   const std::vector<std::string>& availableSoundFiles() const { return _availableSoundFiles; }

@@ -65,10 +65,7 @@ DecompositionMemo::Id SplitSearch::_enter(DecompositionMemo::Key& key) {
   return _memo.findOrAdd(key);
 }
 
-bool SplitSearch::_isTooLong() const {
-  const std::uint64_t words = _words.size();
-  return words > kMostWords || words * words * _key.text().size() > kMostWork;
-}
+bool SplitSearch::_isTooLong() const { return isTooLong(_words.size(), _key.text().size()); }
 
 // Answers a long phrase whose key has no entry and hence names no recording. Adds an entry only for
 // an answer, because the entry would keep the text.

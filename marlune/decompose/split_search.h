@@ -42,6 +42,11 @@ class SplitSearch {
   static constexpr std::size_t kMostWords = 2000;
   static constexpr std::uint64_t kMostWork = std::uint64_t{1} << 37;
 
+  // Whether a phrase of so many words, whose key has so many bytes, is not split.
+  static bool isTooLong(std::uint64_t words, std::uint64_t keyBytes) {
+    return words > kMostWords || words * words * keyBytes > kMostWork;
+  }
+
   // The entry that answers `words`; 0 when the phrase would have to be split but is too long, in
   // which case nothing is remembered. `key` is the key of the words, and is swapped for a reusable
   // buffer. REQUIRES: the call for the whole is already counted, and the memo has no answer for it.
