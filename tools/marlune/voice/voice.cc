@@ -45,8 +45,7 @@ Voice::Voice(const std::string& folder, const std::string& overridesPath)
 Voice::Answer Voice::filesFor(const Words& words) {
   const std::shared_ptr<const Words> files = _decomposer->optimalDecompositionOf(words);
   if (!files) return {nullptr, _reasonAgainst(words)};
-  // Only an override can name a missing recording: the search chooses among existing files.
-  const Words missing = _overrides ? _missingAmong(*files) : Words();
+  const Words missing = _decomposer->namesWithoutRecording(*files);
   if (!missing.empty()) {
     return {nullptr, "the overrides name recordings that do not exist: " + quoted(missing)};
   }
@@ -55,20 +54,18 @@ Voice::Answer Voice::filesFor(const Words& words) {
 
 std::string Voice::_reasonAgainst(const Words& words) {
   if (words.empty()) return "there is nothing to say";
+  const auto gaps = _decomposer->uncoveredWordsOf(words);
+  if (!gaps) return "it is too long to be decomposed";
+  if (gaps->empty()) return "the overrides use more recordings than there are words";
   Words missing, dependent;
-  const auto isIn = [](const Words& names, const std::string& word) {
-    return std::find(names.begin(), names.end(), word) != names.end();
-  };
-  for (std::size_t i = 0; i < words.size() && missing.size() <= kMostQuoted; ++i) {
-    if (isIn(missing, words[i]) || _canSay(words, i, i + 1)) continue;
-    Words& names = _isCovered(words, i) ? dependent : missing;
-    if (names.size() <= kMostQuoted && !isIn(names, words[i])) names.push_back(words[i]);
+  for (const std::size_t gap : *gaps) {
+    if (missing.size() > kMostQuoted) break;
+    Words& names = _isCovered(words, gap) ? dependent : missing;
+    const bool isNew = std::find(names.begin(), names.end(), words[gap]) == names.end();
+    if (isNew && names.size() <= kMostQuoted) names.push_back(words[gap]);
   }
   if (!missing.empty()) return "no recording of " + quoted(missing) + _caseHint(missing);
-  if (!dependent.empty()) return "no separate recording of " + quoted(dependent);
-  if (!_overrides) return "it is too long to be decomposed";
-  return "the overrides use more recordings than there are words, or it is too long to be "
-         "decomposed";
+  return "no separate recording of " + quoted(dependent);
 }
 
 std::string Voice::_caseHint(const Words& missing) const {
@@ -77,31 +74,17 @@ std::string Voice::_caseHint(const Words& missing) const {
   return "; " + quoted(names) + (names.size() == 1 ? " differs" : " differ") + " only by case";
 }
 
-bool Voice::_canSay(const Words& words, std::size_t from, std::size_t to) {
-  // Cached by the search that failed, so the overrides are not asked again.
-  const auto start = words.begin();
-  const Words part(start + static_cast<std::ptrdiff_t>(from),
-                   start + static_cast<std::ptrdiff_t>(to));
-  return _decomposer->optimalDecompositionOf(part, /*isSubsetOfWhole=*/true) != nullptr;
-}
-
 bool Voice::_isCovered(const Words& words, std::size_t index) {
   const std::size_t first = index < kLongestPart ? 0 : index - kLongestPart + 1;
   for (std::size_t from = first; from <= index; ++from) {
     const std::size_t last = std::min(words.size(), from + kLongestPart);
     for (std::size_t to = index + 1; to <= last; ++to) {
-      if (_canSay(words, from, to)) return true;
+      const Words part(words.begin() + static_cast<std::ptrdiff_t>(from),
+                       words.begin() + static_cast<std::ptrdiff_t>(to));
+      if (_decomposer->uncoveredWordsOf(part)->empty()) return true;
     }
   }
   return false;
-}
-
-Words Voice::_missingAmong(const Words& files) const {
-  Words missing;
-  for (const std::string& name : files) {
-    if (!_bundle->pathForResource(name, "aif", "")) missing.push_back(name);
-  }
-  return missing;
 }
 
 }  // namespace marlune::tool

@@ -31,9 +31,7 @@ class Voice {
  private:
   std::string _reasonAgainst(const Words& words);
   std::string _caseHint(const Words& missing) const;
-  bool _canSay(const Words& words, std::size_t from, std::size_t to);  // the words [from, to)
-  bool _isCovered(const Words& words, std::size_t index);              // by a longer recording
-  Words _missingAmong(const Words& files) const;
+  bool _isCovered(const Words& words, std::size_t index);  // by a longer recording
 
   std::shared_ptr<const FolderBundle> _bundle;
   std::unique_ptr<Decomposer> _decomposer;
