@@ -1,11 +1,14 @@
 #include "marlune/grammar/parser.h"
 
+#include <mutex>
 #include <stdexcept>
+#include <utility>
 
 #include "marlune/grammar/compiled/grammar.h"
 #include "marlune/grammar/file/grammar_file.h"
 #include "marlune/grammar/file/grammar_loader.h"
 #include "marlune/grammar/file/insert_directive.h"
+#include "marlune/grammar/file/similar_names.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -16,15 +19,20 @@ Parser::~Parser() = default;
 std::unique_ptr<Parser> Parser::initWithPlistAtPath(const std::string& path,
                                                     std::optional<std::string_view> grammar) {
   std::unique_ptr<Parser> parser(new Parser);
-  parser->_file = GrammarFile::atPath(path);
+  const Result<GrammarFile*> file = GrammarFile::atPath(path);
+  if (file.succeeded()) {
+    parser->_file = file.value();
+  } else {
+    parser->_failure = file.failure();
+  }
   parser->setGrammar(grammar);
   parser->_debugging = true;
   return parser;
 }
 
 Value Parser::loadGrammarsFromPlistAtPath(const std::string& path) {
-  GrammarFile* const file = GrammarFile::atPath(path);
-  return file ? file->tree() : Value();
+  const Result<GrammarFile*> file = GrammarFile::atPath(path);
+  return file.succeeded() ? file.value()->tree() : Value();
 }
 
 bool Parser::insertStatementsFromOriginal(const Value& original, const Value& intoBranch) {
@@ -47,10 +55,28 @@ Value Parser::retrievePlistForPathArray(std::optional<std::span<const std::strin
 void Parser::setGrammar(std::optional<std::string_view> name) {
   if (!name) return;
   const bool isTraced = TQUtils::isWantedForDefault(ZKPlistNotificationDefault);
-  _compiled = _file ? CompiledGrammar::initFromFile(*_file, *name, isTraced) : nullptr;
+  if (_file) {
+    _compiled = CompiledGrammar::initFromFile(*_file, *name, isTraced);
+    _failure = _compiled ? std::nullopt : _nameFailure(*name);
+  }
   if (!isTraced) return;
   TQUtils::forDefaultLog(ZKPlistNotificationDefault, "productionRules for %@: %@", *name,
                          theGrammar());
+}
+
+std::optional<Failure> Parser::_nameFailure(std::string_view name) const {
+  std::vector<std::string> names;
+  {
+    const std::lock_guard making(GrammarFile::making());
+    names = similarNames(name, _file->opened());
+    _file->putAway();
+  }
+  std::string message = "there is no grammar named " + std::string(name);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    message += (i == 0 ? "; did you mean " : i + 1 < names.size() ? ", " : " or ") + names[i];
+  }
+  if (!names.empty()) message += '?';
+  return Failure{Failure::Kind::unknownName, std::move(message)};
 }
 
 const Value& Parser::grammarsPlist() const {

@@ -10,6 +10,7 @@
 
 #include "marlune/grammar/model/grammar_part.h"
 #include "marlune/grammar/model/simple_slot_sequence.h"
+#include "marlune/platform/failure.h"
 #include "marlune/platform/value.h"
 #include "marlune/platform/visibility.h"
 
@@ -81,12 +82,19 @@ class MARLUNE_API Parser {
   const std::shared_ptr<GrammarPart>& theGrammar() const;
   bool hasGrammar() const { return _compiled != nullptr; }
 
+  // Why there is no grammar: the file is unreadable or malformed, or the name selects nothing in
+  // it; then the message has the nearest names. Nothing if there is a grammar, or none was named.
+  const std::optional<Failure>& whyNoGrammar() const { return _failure; }
+
  private:
   Parser();
 
   bool _worksCompiled() const;
 
+  std::optional<Failure> _nameFailure(std::string_view name) const;
+
   GrammarFile* _file = nullptr;  // owned by the process; null when it cannot be read
+  std::optional<Failure> _failure;
   bool _debugging = false;
   std::unique_ptr<CompiledGrammar> _compiled;  // null without a grammar
 };

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "marlune/platform/failure.h"
 #include "marlune/platform/value.h"
 #include "marlune/platform/visibility.h"
 
@@ -19,6 +20,7 @@ class MARLUNE_API PropertyListReader {
     Value root;         // absent when the file could not be read
     std::string error;  // the cause and the place in the file, if root is absent: a sentence
                         // without a line feed
+    Failure::Kind kind = Failure::Kind::unreadable;  // of the error
   };
 
   virtual ~PropertyListReader() = default;

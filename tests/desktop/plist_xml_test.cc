@@ -239,6 +239,8 @@ TEST_F(PlistFileTest, ReadsAFileAndNamesItInErrors) {
   EXPECT_EQ(reader.readFile(path("good.plist")).root.int64(), 5);
   EXPECT_EQ(reader.readFile(path("bad\n.plist")).error,
             path("bad?.plist: line 1, column 8: expected a value, found the end of the file"));
+  EXPECT_EQ(reader.readFile(path("bad\n.plist")).kind, Failure::Kind::malformed);
+  EXPECT_EQ(reader.readFile(path("none.plist")).kind, Failure::Kind::unreadable);
 }
 
 TEST_F(PlistFileTest, RefusesWhatIsNoRegularFileOfBoundedSize) {

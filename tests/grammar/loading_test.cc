@@ -200,6 +200,28 @@ TEST_F(LoadingTest, WithoutAGrammarTheAnswerIsAbsent) {
   EXPECT_EQ(parser->resultOfRulesAppliedToStrings({"a"})->stringArray(), Words{"a"});
 }
 
+TEST_F(LoadingTest, SaysWhyThereIsNoGrammar) {
+  using Kind = Failure::Kind;
+  EXPECT_EQ(Parser::initWithPlistAtPath("/nowhere", "Main")->whyNoGrammar(),
+            (Failure{Kind::unreadable, "no file at /nowhere"}));
+  const auto parser = Parser::initWithPlistAtPath(
+      file("{Main={Units={}; Text=x}; Mains={}; Man={}; Min={}; Other={}; Mien=x}"), std::nullopt);
+  EXPECT_EQ(parser->whyNoGrammar(), std::nullopt);
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"Mian", "there is no grammar named Mian; did you mean Man, Min or Main?"},
+      {"Main.Unit", "there is no grammar named Main.Unit; did you mean Main.Units?"},
+      {"Main.Text", "there is no grammar named Main.Text"},
+      {"Elsewhere", "there is no grammar named Elsewhere"},
+      {"", "there is no grammar named "},
+  };
+  for (const auto& [name, message] : cases) {
+    parser->setGrammar(name);
+    EXPECT_EQ(parser->whyNoGrammar(), (Failure{Kind::unknownName, std::string(message)}));
+  }
+  parser->setGrammar("Main");
+  EXPECT_EQ(parser->whyNoGrammar(), std::nullopt);
+}
+
 TEST_F(LoadingTest, TheTreePrintsByOrderThenName) {
   preferences->set(ZKPlistNotificationDefault, Value::boolean(true));
   Parser::initWithPlistAtPath(

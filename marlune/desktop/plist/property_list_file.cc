@@ -38,30 +38,35 @@ Value valueOfBytes(std::string_view bytes) {
   throw PropertyListError{"expected an XML or binary property list, found something else"};
 }
 
-PropertyListReader::Result failure(std::string_view name, std::string_view message) {
-  if (name.empty()) return {Value(), std::string(message)};
-  return {Value(), onOneLine(name) + ": " + std::string(message)};
+PropertyListReader::Result failure(std::string_view name, std::string_view message,
+                                   Failure::Kind kind) {
+  if (name.empty()) return {Value(), std::string(message), kind};
+  return {Value(), onOneLine(name) + ": " + std::string(message), kind};
 }
 
-template <typename MakeValue>
-PropertyListReader::Result resultOf(std::string_view name, const MakeValue& makeValue) noexcept {
+// `bytes` returns the file's content.
+template <typename Bytes>
+PropertyListReader::Result resultOf(std::string_view name, const Bytes& bytes) noexcept {
+  Failure::Kind kind = Failure::Kind::unreadable;
   try {
     try {
-      return {makeValue(), ""};
+      const auto content = bytes();
+      kind = Failure::Kind::malformed;
+      return {valueOfBytes(content), "", {}};
     } catch (const PropertyListError& error) {
-      return failure(name, error.message);
+      return failure(name, error.message, kind);
     } catch (const std::exception&) {
-      return failure(name, "out of memory");
+      return failure(name, "out of memory", Failure::Kind::unreadable);
     }
   } catch (...) {
-    return {Value(), "out of memory"};
+    return {Value(), "out of memory", Failure::Kind::unreadable};
   }
 }
 
 }  // namespace
 
 PropertyListReader::Result PropertyListFile::readFile(const std::string& path) const noexcept {
-  return resultOf(path, [&] { return valueOfBytes(contentOfRegularFile(path)); });
+  return resultOf(path, [&] { return contentOfRegularFile(path); });
 }
 
 PropertyListReader::Result PropertyListFile::readBytes(std::string_view bytes,
@@ -70,7 +75,7 @@ PropertyListReader::Result PropertyListFile::readBytes(std::string_view bytes,
     if (bytes.size() > kMostPropertyListBytes) {
       throw PropertyListError{"expected at most 64 MiB, found more"};
     }
-    return valueOfBytes(bytes);
+    return bytes;
   });
 }
 

@@ -113,8 +113,9 @@ PreferencesFile::Content PreferencesFile::read() const {
   } catch (const PropertyListError& error) {
     return {nullptr, false, "cannot read " + _path + ": " + error.message};
   }
-  const auto [root, problem] = PropertyListFile().readBytes(bytes, _path);
-  if (root.isAbsent()) return {nullptr, true, problem};
+  const auto read = PropertyListFile().readBytes(bytes, _path);
+  const Value& root = read.root;
+  if (root.isAbsent()) return {nullptr, true, read.error};
   if (root.asDictionary()) return {root.asDictionary(), false, ""};
   return {nullptr, true,
           _path + ": expected a dictionary, found a " + std::string(root.kindName())};

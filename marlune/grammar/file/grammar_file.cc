@@ -7,16 +7,16 @@
 
 namespace marlune {
 
-GrammarFile* GrammarFile::atPath(const std::string& path) {
+Result<GrammarFile*> GrammarFile::atPath(const std::string& path) {
   // Locked while the file is read, so that concurrent parsers read it only once.
   const std::lock_guard lock(making());
   // Never destroyed, since parsers share the files. Each path is read only once.
   static auto* const kFiles = new std::map<std::string, GrammarFile>;
   const auto known = kFiles->find(path);
   if (known != kFiles->end()) return &known->second;
-  Value tree = GrammarLoader::treeOfFile(path);
-  if (tree.isAbsent()) return nullptr;
-  return &kFiles->try_emplace(path, std::move(tree)).first->second;
+  Result<Value> tree = GrammarLoader::treeOfFile(path);
+  if (!tree.succeeded()) return tree.failure();
+  return &kFiles->try_emplace(path, std::move(tree.value())).first->second;
 }
 
 std::recursive_mutex& GrammarFile::making() {

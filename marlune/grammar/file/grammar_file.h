@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "marlune/grammar/file/packed_list.h"
+#include "marlune/platform/failure.h"
 #include "marlune/platform/value.h"
 
 namespace marlune {
@@ -17,9 +18,9 @@ namespace marlune {
 class GrammarFile {
  public:
   // The file at the path, read if it has not been read before; it lives as long as the process.
-  // When it cannot be read, writes a line straight to the system log and returns nullptr. Throws
-  // GrammarError when it is broken.
-  static GrammarFile* atPath(const std::string& path);
+  // When it cannot be read, writes a line straight to the system log and fails. Throws GrammarError
+  // when it is broken.
+  static Result<GrammarFile*> atPath(const std::string& path);
 
   // Locked while a file is read and while a grammar is built, which writes into the file's tree:
   // one at a time in the process. Recursive, because the lines of loading go to the app's log,

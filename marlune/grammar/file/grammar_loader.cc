@@ -28,11 +28,11 @@ Value oneLevelCopy(const Value& value) {
 
 }  // namespace
 
-Value GrammarLoader::treeOfFile(const std::string& path) {
+Result<Value> GrammarLoader::treeOfFile(const std::string& path) {
   PropertyListReader::Result read = readFile(path);
   if (read.root.isAbsent()) {
     TQUtils::systemLog("ERROR loading grammar from plist: %@", read.error);
-    return Value();
+    return Failure{read.kind, std::move(read.error)};
   }
   GrammarLoader loader(std::move(read.root));
   const std::size_t valuesRead = loader._printedValues(loader._root, 0);

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "marlune/platform/failure.h"
 #include "marlune/platform/value.h"
 
 namespace marlune {
@@ -26,10 +27,10 @@ class GrammarLoader {
   static constexpr std::size_t kMostValues = 100000;
   static constexpr std::size_t kMostValuesPerValueRead = 16;
 
-  // The tree of the file at `path`, inserts resolved. Absent, after a line straight to the system
+  // The tree of the file at `path`, inserts resolved. Fails, after a line straight to the system
   // log, when the file cannot be read. Throws GrammarError for a circle, a tree too large or too
   // deep, and an invalid directive.
-  static Value treeOfFile(const std::string& path);
+  static Result<Value> treeOfFile(const std::string& path);
 
   // One pass over the branch, for Parser.
   static bool insertStatements(const Value& original, const Value& intoBranch);

@@ -39,15 +39,6 @@ class TraceSwitchedOn {
   const std::shared_ptr<Preferences> _former;
 };
 
-// The library's reason for not reading a file, taken from its log lines; "" if there is none.
-std::string causeAmong(const std::vector<std::string>& lines) {
-  constexpr std::string_view kOpening = "ERROR loading grammar from plist: ";
-  for (const std::string& line : lines) {
-    if (line.starts_with(kOpening)) return line.substr(kOpening.size());
-  }
-  return "";
-}
-
 void show(const std::vector<std::string>& messages) {
   for (const std::string& message : messages) TQUtils::systemLog("%@", message);
 }
@@ -66,9 +57,9 @@ Rewriter::Rewriter(const std::string& path, const std::string& name) {
     }
     messages = log.lines();
   }
-  if (!_parser->hasGrammar()) {
-    const std::string cause = causeAmong(messages);
-    throw InputError(cause.empty() ? path + ": there is no grammar named " + name : cause);
+  if (const auto& failure = _parser->whyNoGrammar()) {
+    const bool isNamed = failure->kind != Failure::Kind::unknownName;
+    throw InputError(isNamed ? failure->message : path + ": " + failure->message);
   }
   show(messages);
 }
