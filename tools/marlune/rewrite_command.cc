@@ -7,12 +7,13 @@
 #include <memory>
 #include <optional>
 
+#include "marlune/workbench/derivation/trace.h"
+#include "marlune/workbench/derivation/why.h"
 #include "tools/marlune/input/input_error.h"
 #include "tools/marlune/options.h"
 #include "tools/marlune/phrase_command.h"
 #include "tools/marlune/rewriting/rewriter.h"
-#include "tools/marlune/rewriting/trace.h"
-#include "tools/marlune/rewriting/why.h"
+#include "tools/marlune/text/shown_text.h"
 
 namespace marlune::tool {
 
@@ -46,16 +47,22 @@ class RewriteCommand : public PhraseCommand {
   std::string answerTo(const Phrase& phrase) override { return joined(_rewritten(phrase.words)); }
 
  private:
-  std::string _why(const Words& words) const {
-    return whyText(_rewriter.walkOf(words), {*_options.why, _options.name});
+  std::vector<std::string> _why(const Words& words) const {
+    return whyLines(_rewriter.walkOf(words), {*_options.why, _options.name});
+  }
+
+  static void _show(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += shownLine(line);
+    std::cerr << text << std::flush;
   }
 
   // With --trace=rules the walk already has the result; rewriting again would repeat its messages.
   Words _rewritten(const Words& words) const {
-    if (_options.why) std::cerr << _why(words) << std::flush;
+    if (_options.why) _show(_why(words));
     if (_options.trace == "rules") {
       const GrammarWalk walk = _rewriter.walkOf(words);
-      std::cerr << readableTrace(walk) << std::flush;
+      _show(readableTrace(walk));
       for (const Turn& turn : walk.turns()) requireNoLimitAmong(turn.messages);
       return walk.after()->stringArray();
     }

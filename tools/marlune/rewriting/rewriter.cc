@@ -6,10 +6,10 @@
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/platform/platform.h"
 #include "marlune/util/tq_utils.h"
+#include "marlune/workbench/derivation/captured_log.h"
 #include "tools/marlune/input/composed_list_reader.h"
 #include "tools/marlune/input/input_error.h"
 #include "tools/marlune/input/phrase_error.h"
-#include "tools/marlune/rewriting/captured_log.h"
 #include "tools/marlune/text/shown_text.h"
 
 namespace marlune::tool {

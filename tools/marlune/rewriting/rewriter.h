@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "marlune/grammar/parser.h"
+#include "marlune/workbench/derivation/grammar_walk.h"
 #include "tools/marlune/input/phrase_input.h"
-#include "tools/marlune/rewriting/grammar_walk.h"
 
 namespace marlune::tool {
 

@@ -1,4 +1,4 @@
-#include "tools/marlune/rewriting/why.h"
+#include "marlune/workbench/derivation/why.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,12 +8,11 @@
 #include <stdexcept>
 
 #include "marlune/grammar/model/conditional_production.h"
-#include "tools/marlune/rewriting/captured_log.h"
-#include "tools/marlune/rewriting/slot_text.h"
-#include "tools/marlune/rewriting/trace.h"
-#include "tools/marlune/text/shown_text.h"
+#include "marlune/workbench/derivation/captured_log.h"
+#include "marlune/workbench/derivation/slot_text.h"
+#include "marlune/workbench/derivation/trace.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 namespace {
 
@@ -153,17 +152,17 @@ bool RuleName::isOf(const Turn& turn) const {
   return turn.path == rule || (!rule.empty() && whole.ends_with("." + rule));
 }
 
-std::string whyText(const GrammarWalk& walk, const RuleName& name) {
-  std::string text;
+std::vector<std::string> whyLines(const GrammarWalk& walk, const RuleName& name) {
+  std::vector<std::string> lines;
   const std::span<const Turn> turns(walk.turns());
   for (std::size_t i = 0; i < turns.size(); ++i) {
     if (!name.isOf(turns[i])) continue;
-    text += shownLine(nameOf(turns[i]) + " at its turn: " + textOf(turns[i].before.get()));
+    lines.push_back(nameOf(turns[i]) + " at its turn: " + textOf(turns[i].before.get()));
     for (const std::string& line : linesAbout(turns[i], turns.subspan(i + 1))) {
-      text += shownLine("  " + line);
+      lines.push_back("  " + line);
     }
   }
-  return text;
+  return lines;
 }
 
-}  // namespace marlune::tool
+}  // namespace marlune

@@ -1,10 +1,10 @@
-#include "tools/marlune/rewriting/captured_log.h"
+#include "marlune/workbench/derivation/captured_log.h"
 
 #include <exception>
 
 #include "marlune/platform/platform.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 namespace {
 
@@ -44,4 +44,4 @@ void CapturedLog::Lines::write(std::string_view message) noexcept {
   }
 }
 
-}  // namespace marlune::tool
+}  // namespace marlune

@@ -1,12 +1,12 @@
-#include "tools/marlune/rewriting/grammar_walk.h"
+#include "marlune/workbench/derivation/grammar_walk.h"
 
 #include <algorithm>
 
 #include "marlune/grammar/model/cell.h"
 #include "marlune/grammar/model/directory.h"
-#include "tools/marlune/rewriting/captured_log.h"
+#include "marlune/workbench/derivation/captured_log.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 namespace {
 
@@ -63,4 +63,4 @@ void GrammarWalk::_applyRule(const Rule& rule, const std::string& path) {
   _turns.push_back({path, &rule, before, _current, log.lines()});
 }
 
-}  // namespace marlune::tool
+}  // namespace marlune

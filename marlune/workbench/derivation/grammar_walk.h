@@ -1,5 +1,5 @@
-#ifndef MARLUNE_TOOLS_MARLUNE_REWRITING_GRAMMAR_WALK_H_
-#define MARLUNE_TOOLS_MARLUNE_REWRITING_GRAMMAR_WALK_H_
+#ifndef MARLUNE_WORKBENCH_DERIVATION_GRAMMAR_WALK_H_
+#define MARLUNE_WORKBENCH_DERIVATION_GRAMMAR_WALK_H_
 
 #include <memory>
 #include <string>
@@ -7,7 +7,7 @@
 
 #include "marlune/grammar/model/rule.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 using PhrasePointer = std::shared_ptr<const SimpleSlotSequence>;
 
@@ -39,6 +39,6 @@ class GrammarWalk {
   std::vector<Turn> _turns;
 };
 
-}  // namespace marlune::tool
+}  // namespace marlune
 
-#endif  // MARLUNE_TOOLS_MARLUNE_REWRITING_GRAMMAR_WALK_H_
+#endif  // MARLUNE_WORKBENCH_DERIVATION_GRAMMAR_WALK_H_

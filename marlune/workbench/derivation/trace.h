@@ -1,11 +1,12 @@
-#ifndef MARLUNE_TOOLS_MARLUNE_REWRITING_TRACE_H_
-#define MARLUNE_TOOLS_MARLUNE_REWRITING_TRACE_H_
+#ifndef MARLUNE_WORKBENCH_DERIVATION_TRACE_H_
+#define MARLUNE_WORKBENCH_DERIVATION_TRACE_H_
 
 #include <string>
+#include <vector>
 
-#include "tools/marlune/rewriting/grammar_walk.h"
+#include "marlune/workbench/derivation/grammar_walk.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 // A trace for grammar authors. Lists, in order, the rules that changed the phrase (an attribute
 // counts as a change), each with its path below the grammar, its order, its pattern, what it logged
@@ -17,12 +18,12 @@ namespace marlune::tool {
 //         _E.([ten]).([kilometers]){kind=unit}._E
 //     1 of 14 rules changed the phrase
 //
-// Every line ends with a line feed.
-std::string readableTrace(const GrammarWalk& walk);
+// The lines have no line feed at the end; a word may hold any character.
+std::vector<std::string> readableTrace(const GrammarWalk& walk);
 
 // A rule's path and order, "Lengths.Units (3)".
 std::string nameOf(const Turn& turn);
 
-}  // namespace marlune::tool
+}  // namespace marlune
 
-#endif  // MARLUNE_TOOLS_MARLUNE_REWRITING_TRACE_H_
+#endif  // MARLUNE_WORKBENCH_DERIVATION_TRACE_H_

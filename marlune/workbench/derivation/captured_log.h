@@ -1,5 +1,5 @@
-#ifndef MARLUNE_TOOLS_MARLUNE_REWRITING_CAPTURED_LOG_H_
-#define MARLUNE_TOOLS_MARLUNE_REWRITING_CAPTURED_LOG_H_
+#ifndef MARLUNE_WORKBENCH_DERIVATION_CAPTURED_LOG_H_
+#define MARLUNE_WORKBENCH_DERIVATION_CAPTURED_LOG_H_
 
 #include <cstddef>
 #include <memory>
@@ -9,7 +9,7 @@
 
 #include "marlune/platform/system_log.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 // While one exists, captures what goes to the system log instead of showing it. At most one may
 // exist at a time, and no other thread may be logging. Keeps the first kMostLines lines; a final
@@ -44,6 +44,6 @@ class CapturedLog {
   const std::shared_ptr<SystemLog> _former;
 };
 
-}  // namespace marlune::tool
+}  // namespace marlune
 
-#endif  // MARLUNE_TOOLS_MARLUNE_REWRITING_CAPTURED_LOG_H_
+#endif  // MARLUNE_WORKBENCH_DERIVATION_CAPTURED_LOG_H_

@@ -1,11 +1,10 @@
-#include "tools/marlune/rewriting/trace.h"
+#include "marlune/workbench/derivation/trace.h"
 
 #include <cstddef>
 
-#include "tools/marlune/rewriting/slot_text.h"
-#include "tools/marlune/text/shown_text.h"
+#include "marlune/workbench/derivation/slot_text.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 namespace {
 
@@ -27,21 +26,22 @@ std::string nameOf(const Turn& turn) {
   return turn.path + " (" + std::to_string(turn.rule->order()) + ")";
 }
 
-std::string readableTrace(const GrammarWalk& walk) {
-  std::string text = shownLine(textOf(walk.before().get()));
+std::vector<std::string> readableTrace(const GrammarWalk& walk) {
+  std::vector<std::string> lines{textOf(walk.before().get())};
   std::size_t changes = 0;
   for (const Turn& turn : walk.turns()) {
     const bool changed = turn.after != turn.before;
     if (!changed && turn.messages.empty()) continue;
-    text += shownLine("  " + headingOf(turn));
-    for (const std::string& message : turn.messages) text += shownLine("    " + message);
+    lines.push_back("  " + headingOf(turn));
+    for (const std::string& message : turn.messages) lines.push_back("    " + message);
     if (!changed) continue;
-    text += shownLine("    " + textOf(turn.after.get()));
+    lines.push_back("    " + textOf(turn.after.get()));
     ++changes;
   }
   const std::size_t rules = walk.turns().size();
-  return text + std::to_string(changes) + " of " + std::to_string(rules) +
-         (rules == 1 ? " rule" : " rules") + " changed the phrase\n";
+  lines.push_back(std::to_string(changes) + " of " + std::to_string(rules) +
+                  (rules == 1 ? " rule" : " rules") + " changed the phrase");
+  return lines;
 }
 
-}  // namespace marlune::tool
+}  // namespace marlune

@@ -1,4 +1,4 @@
-#include "tools/marlune/rewriting/slot_text.h"
+#include "marlune/workbench/derivation/slot_text.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include "marlune/grammar/model/cell.h"
 #include "marlune/grammar/model/compound_slot.h"
 
-namespace marlune::tool {
+namespace marlune {
 
 namespace {
 
@@ -69,4 +69,4 @@ std::string textOf(const SlotSequence* slots) {
   return slots ? joinedTexts(slots->slots(), ".") : "(null)";
 }
 
-}  // namespace marlune::tool
+}  // namespace marlune
