@@ -14,34 +14,25 @@
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
 #include "support/platform_fixture.h"
+#include "support/temporary_directory.h"
 
 namespace marlune {
 namespace {
 
 namespace fs = std::filesystem;
 
-class TemporaryFolder {
+class TemporaryFolder : public TemporaryDirectory {
  public:
-  ~TemporaryFolder() { fs::remove_all(_path); }
-  std::string path() const { return _path; }
-  std::string path(std::string_view name) const { return _path / name; }
-
   // The names in the folder, without hidden ones unless they begin with `hidden`.
   std::vector<std::string> names(std::string_view hidden = "..") const {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(_path)) {
+    for (const auto& entry : fs::directory_iterator(path())) {
       const std::string name = entry.path().filename();
       if (name.front() != '.' || name.starts_with(hidden)) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;
   }
-
- private:
-  fs::path _path = [] {
-    std::string pattern = testing::TempDir() + "preferences.XXXXXX";
-    return fs::path(mkdtemp(pattern.data()));
-  }();
 };
 
 // The contract of every implementation of Preferences, including the tests' fake.

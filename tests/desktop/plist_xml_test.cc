@@ -9,6 +9,7 @@
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/util/format.h"
 #include "support/small_stack.h"
+#include "support/temporary_directory.h"
 
 namespace marlune {
 namespace {
@@ -222,14 +223,10 @@ TEST(PlistXmlTest, RefusesMoreAttributesThanAnElementHas) {
 
 class PlistFileTest : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(_folder); }
-  void TearDown() override { std::filesystem::remove_all(_folder); }
-
-  std::string path(std::string_view name) const { return _folder / name; }
+  std::string path(const std::string& name) const { return _folder.path(name); }
 
  private:
-  std::filesystem::path _folder =
-      std::filesystem::path(testing::TempDir()) / ("plist_file_test." + std::to_string(getpid()));
+  const TemporaryDirectory _folder;
 };
 
 TEST_F(PlistFileTest, ReadsAFileAndNamesItInErrors) {

@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/temporary_directory.h"
 
 namespace marlune {
 
@@ -46,9 +47,6 @@ class PulseServer {
   }
 
   PulseServer() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "pulse-XXXXXX").string();
-    if (!::mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
-    _folder = pattern;
     std::filesystem::create_directories(_folder / "home/.config/pulse");
     std::ofstream(_folder / "home/.config/pulse/client.conf") << "autospawn = no\n";
     _setVariable("HOME", (_folder / "home").c_str());
@@ -63,7 +61,6 @@ class PulseServer {
   ~PulseServer() {
     _process.reset();
     for (const auto& [name, value] : _formerVariables) _set(name, value ? value->c_str() : nullptr);
-    std::filesystem::remove_all(_folder);
   }
   PulseServer(const PulseServer&) = delete;
   PulseServer& operator=(const PulseServer&) = delete;
@@ -120,7 +117,8 @@ class PulseServer {
     }
   }
 
-  std::filesystem::path _folder;
+  const TemporaryDirectory _directory;
+  const std::filesystem::path _folder = _directory.path();
   std::map<std::string, std::optional<std::string>> _formerVariables;
   std::unique_ptr<ChildProcess> _process;
 };

@@ -15,22 +15,14 @@
 #include <vector>
 
 #include "marlune/desktop/audio/base/audio_format.h"
+#include "support/temporary_directory.h"
 
 namespace marlune {
 
 // A folder for generated recordings, deleted at the end.
 class RecordingFolder {
  public:
-  RecordingFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "recordings-XXXXXX").string();
-    if (!::mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
-    _path = pattern;
-  }
-  ~RecordingFolder() { std::filesystem::remove_all(_path); }
-  RecordingFolder(const RecordingFolder&) = delete;
-  RecordingFolder& operator=(const RecordingFolder&) = delete;
-
-  std::string path(const std::string& name) const { return (_path / name).string(); }
+  std::string path(const std::string& name) const { return _folder.path(name); }
 
   // Writes interleaved 16-bit samples and returns the path.
   std::string write(const std::string& name, const std::vector<short>& samples, AudioFormat format,
@@ -60,7 +52,7 @@ class RecordingFolder {
   }
 
  private:
-  std::filesystem::path _path;
+  TemporaryDirectory _folder;
 };
 
 struct Sound {
