@@ -2,6 +2,9 @@
 #define MARLUNE_PLATFORM_OPEN_FILE_H_
 
 #include <sys/types.h>
+#include <unistd.h>
+
+#include <utility>
 
 #include "marlune/platform/visibility.h"
 
@@ -19,6 +22,28 @@ MARLUNE_INTERNAL_API int openFile(const char* path, int flags, mode_t mode = 0) 
 // the original. A negative descriptor is returned unchanged. Returns -1 and sets errno when no
 // descriptor is free for the copy.
 MARLUNE_INTERNAL_API int aboveStandardStreams(int descriptor) noexcept;
+
+// Owns a descriptor and closes it. A negative one stands for none.
+class FileDescriptor {
+ public:
+  FileDescriptor() = default;
+  explicit FileDescriptor(int descriptor) : _descriptor(descriptor) {}
+  FileDescriptor(FileDescriptor&& other) noexcept
+      : _descriptor(std::exchange(other._descriptor, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+    std::swap(_descriptor, other._descriptor);
+    return *this;
+  }
+  ~FileDescriptor() {
+    if (_descriptor >= 0) ::close(_descriptor);
+  }
+
+  bool isOpen() const { return _descriptor >= 0; }
+  int number() const { return _descriptor; }
+
+ private:
+  int _descriptor = -1;
+};
 
 }  // namespace marlune
 

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "marlune/platform/open_file.h"
 #include "marlune/platform/quiet_write.h"
 
 namespace marlune {
@@ -23,16 +22,12 @@ std::shared_ptr<LogFile> LogFile::openAtPath(const std::string& path) {
   return std::shared_ptr<LogFile>(new LogFile(aboveStandardStreams(descriptor)));
 }
 
-LogFile::~LogFile() {
-  if (_descriptor >= 0) ::close(_descriptor);
-}
-
 void LogFile::write(std::string_view line) const noexcept {
-  if (_descriptor >= 0) quietWrite(_descriptor, line);
+  if (_descriptor.isOpen()) quietWrite(_descriptor.number(), line);
 }
 
 void LogFile::flush() const noexcept {
-  if (_descriptor >= 0) ::fsync(_descriptor);
+  if (_descriptor.isOpen()) ::fsync(_descriptor.number());
 }
 
 }  // namespace marlune

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "marlune/platform/open_file.h"
+
 namespace marlune {
 
 // The log file of one run: an open descriptor, closed in the destructor. Lines that cannot be
@@ -16,10 +18,6 @@ class LogFile {
   // every line. Never blocks, whatever kind of file `path` is.
   static std::shared_ptr<LogFile> openAtPath(const std::string& path);
 
-  ~LogFile();
-  LogFile(const LogFile&) = delete;
-  LogFile& operator=(const LogFile&) = delete;
-
   // Appends `line` with a single write.
   void write(std::string_view line) const noexcept;
 
@@ -29,7 +27,7 @@ class LogFile {
  private:
   explicit LogFile(int descriptor) : _descriptor(descriptor) {}
 
-  const int _descriptor;  // negative if the open failed
+  const FileDescriptor _descriptor;  // not open if the open failed
 };
 
 }  // namespace marlune

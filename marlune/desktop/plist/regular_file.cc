@@ -20,19 +20,15 @@ class OpenFile {
   // Non-blocking: otherwise opening a FIFO without a writer would wait forever.
   explicit OpenFile(const char* path)
       : _descriptor(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY)) {
-    if (_descriptor < 0) _fail();
+    if (!_descriptor.isOpen()) _fail();
   }
-  ~OpenFile() {
-    if (_descriptor >= 0) ::close(_descriptor);
-  }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
 
   std::string content() const {
     std::string bytes(_checkedSize(), '\0');
     std::size_t filled = 0;
     while (filled < bytes.size()) {
-      const ssize_t got = ::read(_descriptor, bytes.data() + filled, bytes.size() - filled);
+      const ssize_t got =
+          ::read(_descriptor.number(), bytes.data() + filled, bytes.size() - filled);
       if (got < 0 && errno != EINTR) _fail();
       if (got == 0) break;  // the file was truncated in between
       if (got > 0) filled += static_cast<std::size_t>(got);
@@ -48,7 +44,7 @@ class OpenFile {
 
   std::size_t _checkedSize() const {
     struct stat status;
-    if (::fstat(_descriptor, &status) != 0) _fail();
+    if (::fstat(_descriptor.number(), &status) != 0) _fail();
     if (!S_ISREG(status.st_mode)) {
       throw PropertyListError{std::string("expected a regular file, found ") +
                               _kindOf(status.st_mode)};
@@ -67,7 +63,7 @@ class OpenFile {
     return "a device";
   }
 
-  int _descriptor;
+  const FileDescriptor _descriptor;
 };
 
 }  // namespace

@@ -38,27 +38,17 @@ constexpr std::chrono::milliseconds kLockPause{5};
                           "cannot " + std::string(doing) + ' ' + path);
 }
 
-class Descriptor {
- public:
-  Descriptor(const std::string& path, int flags, mode_t mode = 0)
-      : _descriptor(openFile(path.c_str(), flags | O_NONBLOCK, mode)) {
-    if (_descriptor < 0) fail("open", path);
-  }
-  ~Descriptor() { ::close(_descriptor); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  operator int() const { return _descriptor; }
-
- private:
-  int _descriptor;
-};
+FileDescriptor opened(const std::string& path, int flags, mode_t mode = 0) {
+  FileDescriptor file(openFile(path.c_str(), flags | O_NONBLOCK, mode));
+  if (!file.isOpen()) fail("open", path);
+  return file;
+}
 
 // Closing the descriptor releases the lock. The lock file is not deleted: otherwise two processes
 // could each lock a different file of that name.
-void lock(const Descriptor& file, const std::string& path) {
+void lock(const FileDescriptor& file, const std::string& path) {
   const auto end = steady_clock::now() + kLockPatience;
-  while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+  while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK && errno != EINTR) fail("lock", path);
     if (steady_clock::now() >= end) {
       throw std::runtime_error("cannot lock " + path + ": another process holds it");
@@ -75,22 +65,21 @@ std::string resolved(const std::string& path) {
 }
 
 void writeWhole(const std::string& path, std::string_view bytes, mode_t mode) {
-  const Descriptor file(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, mode);
-  if (::fchmod(file, mode) != 0) fail("write", path);
+  const FileDescriptor file = opened(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, mode);
+  if (::fchmod(file.number(), mode) != 0) fail("write", path);
   while (!bytes.empty()) {
-    const ssize_t written = quietWrite(file, bytes);
+    const ssize_t written = quietWrite(file.number(), bytes);
     if (written <= 0) fail("write", path);
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
-  if (::fsync(file) != 0) fail("write", path);
+  if (::fsync(file.number()) != 0) fail("write", path);
 }
 
 // Makes the rename itself survive a power cut. Ignores failure: some file systems cannot do it, and
 // nothing is lost then.
 void syncFolderOf(const std::string& path) {
   const std::string folder = fs::path(path).parent_path();
-  const Descriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
-  ::fsync(descriptor);
+  ::fsync(opened(folder, O_RDONLY | O_DIRECTORY).number());
 }
 
 bool exists(const std::string& path) {
@@ -125,7 +114,7 @@ std::shared_ptr<Dictionary> PreferencesFile::update(const std::function<void(Dic
                                                     const Dictionary& lastKnown,
                                                     std::vector<std::string>& lines) const {
   fs::create_directories(_folder);
-  const Descriptor lockFile(_lockPath, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+  const FileDescriptor lockFile = opened(_lockPath, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
   lock(lockFile, _lockPath);
   Content content = read();
   if (!content.values) {

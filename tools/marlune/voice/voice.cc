@@ -22,9 +22,8 @@ namespace {
 constexpr std::size_t kLongestPart = 10;
 
 void requireFolder(const std::string& folder) {
-  const int descriptor = openFile(folder.c_str(), O_RDONLY | O_DIRECTORY);
-  if (descriptor < 0) throw InputError(folder + ": " + std::strerror(errno));
-  ::close(descriptor);
+  const FileDescriptor descriptor(openFile(folder.c_str(), O_RDONLY | O_DIRECTORY));
+  if (!descriptor.isOpen()) throw InputError(folder + ": " + std::strerror(errno));
 }
 
 }  // namespace

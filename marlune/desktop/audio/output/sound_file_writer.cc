@@ -47,10 +47,6 @@ std::string SoundFileWriter::targetOf(std::string path) {
   return path;
 }
 
-SoundFileWriter::~SoundFileWriter() {
-  if (_descriptor >= 0) ::close(_descriptor);
-}
-
 bool SoundFileWriter::_fail(int error) {
   _cause = std::generic_category().message(error);
   return false;
@@ -63,25 +59,25 @@ bool SoundFileWriter::_open() {
   }
   if (!S_ISREG(status.st_mode)) {
     _isDirect = true;
-    _descriptor = openFile(_target.c_str(), O_WRONLY | O_NOCTTY);
-    return _descriptor >= 0 || _fail(errno);
+    _descriptor = FileDescriptor(openFile(_target.c_str(), O_WRONLY | O_NOCTTY));
+    return _descriptor.isOpen() || _fail(errno);
   }
   // Renaming needs only write permission on the folder, so check the file itself.
   if (::access(_target.c_str(), W_OK) != 0) return _fail(errno);
   const mode_t mode = status.st_mode & 0777;
   if (!_createDraft(mode)) return false;
-  return ::fchmod(_descriptor, mode) == 0 || _fail(errno);
+  return ::fchmod(_descriptor.number(), mode) == 0 || _fail(errno);
 }
 
 bool SoundFileWriter::_createDraft(unsigned mode) {
   const std::string path = _target + ".partial";
   constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL;
-  _descriptor = openFile(path.c_str(), kFlags, mode);
+  _descriptor = FileDescriptor(openFile(path.c_str(), kFlags, mode));
   // A draft left by an earlier run is unlinked, not truncated: it may have another hard link.
-  if (_descriptor < 0 && errno == EEXIST && ::unlink(path.c_str()) == 0) {
-    _descriptor = openFile(path.c_str(), kFlags, mode);
+  if (!_descriptor.isOpen() && errno == EEXIST && ::unlink(path.c_str()) == 0) {
+    _descriptor = FileDescriptor(openFile(path.c_str(), kFlags, mode));
   }
-  if (_descriptor < 0) return _fail(errno);
+  if (!_descriptor.isOpen()) return _fail(errno);
   _draftPath = path;
   return true;
 }
@@ -135,7 +131,7 @@ bool SoundFileWriter::_writeBuffer(std::uint64_t size) {
   }
   std::string_view rest(reinterpret_cast<const char*>(_buffer.get()), size);
   while (!rest.empty()) {
-    const ssize_t count = quietWrite(_descriptor, rest);
+    const ssize_t count = quietWrite(_descriptor.number(), rest);
     if (count <= 0) return _fail(errno);
     _fileBytes += static_cast<std::uint64_t>(count);
     rest.remove_prefix(static_cast<std::size_t>(count));
@@ -151,8 +147,8 @@ bool SoundFileWriter::_correctHeader() {
     return false;
   }
   const std::string header = _header(_fileBytes - _headerBytes);
-  const bool isCorrect =
-      ::pwrite(_descriptor, header.data(), header.size(), 0) == static_cast<ssize_t>(header.size());
+  const bool isCorrect = ::pwrite(_descriptor.number(), header.data(), header.size(), 0) ==
+                         static_cast<ssize_t>(header.size());
   return isCorrect || _fail(errno);
 }
 
@@ -170,7 +166,7 @@ bool SoundFileWriter::commit() {
 
 bool SoundFileWriter::_isDraftOurs() const {
   struct stat named, ours;
-  return ::lstat(_draftPath.c_str(), &named) == 0 && ::fstat(_descriptor, &ours) == 0 &&
+  return ::lstat(_draftPath.c_str(), &named) == 0 && ::fstat(_descriptor.number(), &ours) == 0 &&
          named.st_dev == ours.st_dev && named.st_ino == ours.st_ino;
 }
 

@@ -9,6 +9,7 @@
 
 #include "marlune/desktop/audio/base/audio_format.h"
 #include "marlune/desktop/audio/output/sound_file_kind.h"
+#include "marlune/platform/open_file.h"
 #include "marlune/platform/visibility.h"
 
 namespace marlune {
@@ -28,10 +29,6 @@ class MARLUNE_INTERNAL_API SoundFileWriter {
   // `path` with the symbolic links at its end resolved as far as possible.
   static std::string targetOf(std::string path);
   static std::string draftPathFor(const std::string& path) { return targetOf(path) + ".partial"; }
-
-  ~SoundFileWriter();  // writes nothing
-  SoundFileWriter(const SoundFileWriter&) = delete;
-  SoundFileWriter& operator=(const SoundFileWriter&) = delete;
 
   // Call it once, before any sample.
   void start(const AudioFormat& format);
@@ -67,7 +64,7 @@ class MARLUNE_INTERNAL_API SoundFileWriter {
 
   const std::string _target;
   const SoundFileKind _kind;
-  int _descriptor = -1;
+  FileDescriptor _descriptor;
   bool _isDirect = false;
   std::string _draftPath;
   std::string _cause;

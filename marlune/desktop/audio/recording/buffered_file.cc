@@ -9,8 +9,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "marlune/platform/open_file.h"
-
 namespace marlune {
 
 namespace {
@@ -24,22 +22,20 @@ constexpr std::size_t kBufferBytes = std::size_t{32} * 1024;
 }  // namespace
 
 std::unique_ptr<BufferedFile> BufferedFile::open(const std::string& path, std::string& cause) {
-  const int descriptor = openFile(path.c_str(), O_RDONLY | O_NONBLOCK);
-  if (descriptor < 0) {
+  FileDescriptor descriptor(openFile(path.c_str(), O_RDONLY | O_NONBLOCK));
+  if (!descriptor.isOpen()) {
     cause = std::strerror(errno);
     return nullptr;
   }
-  std::unique_ptr<BufferedFile> file(new BufferedFile(descriptor));
+  std::unique_ptr<BufferedFile> file(new BufferedFile(std::move(descriptor)));
   struct stat status;
-  if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+  if (::fstat(file->_descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
     cause = "it is not a regular file";
     return nullptr;
   }
   file->_size = status.st_size;
   return file;
 }
-
-BufferedFile::~BufferedFile() { ::close(_descriptor); }
 
 std::int64_t BufferedFile::read(void* bytes, std::int64_t count) {
   auto* target = static_cast<char*>(bytes);
@@ -65,7 +61,7 @@ bool BufferedFile::_fill() {
   _start = _position;
   const std::size_t most = _position == 0 ? kFirstBytes : kBufferBytes;
   _buffer.resize(std::min(most, static_cast<std::size_t>(_size - _position)));
-  const ssize_t count = ::pread(_descriptor, _buffer.data(), _buffer.size(), _start);
+  const ssize_t count = ::pread(_descriptor.number(), _buffer.data(), _buffer.size(), _start);
   _buffer.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
   return count > 0;
 }

@@ -4,7 +4,10 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "marlune/platform/open_file.h"
 
 namespace marlune {
 
@@ -16,20 +19,16 @@ class BufferedFile {
   // lead to a regular file. Never blocks on a FIFO or a device.
   static std::unique_ptr<BufferedFile> open(const std::string& path, std::string& cause);
 
-  ~BufferedFile();
-  BufferedFile(const BufferedFile&) = delete;
-  BufferedFile& operator=(const BufferedFile&) = delete;
-
   std::int64_t size() const { return _size; }  // in bytes
   std::int64_t read(void* bytes, std::int64_t count);
   std::int64_t seek(std::int64_t offset, int whence);
   std::int64_t position() const { return _position; }
 
  private:
-  explicit BufferedFile(int descriptor) : _descriptor(descriptor) {}
+  explicit BufferedFile(FileDescriptor descriptor) : _descriptor(std::move(descriptor)) {}
   bool _fill();
 
-  int _descriptor;
+  const FileDescriptor _descriptor;
   std::int64_t _size = 0;
   std::int64_t _position = 0;
   std::vector<char> _buffer;  // bytes of the file from _start
