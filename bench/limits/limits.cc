@@ -11,6 +11,7 @@
 
 #include "limits/reference_load.h"
 #include "limits/refused_inputs.h"
+#include "marlune/decompose/decomposer_implementation.h"
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/platform/platform.h"
