@@ -54,7 +54,7 @@ class PulseOutputTest : public PlatformFixture {
            waitUntil([&] { return _text().find(reason) != std::string::npos; });
   }
 
-  const RecordingFolder folder;
+  const RecordingFolder folder{};
   std::unique_ptr<PulseServer> server;
   const std::shared_ptr<AudioRoute> route = std::make_shared<AudioRoute>(
       std::make_shared<PulseOutput>(/*bufferSeconds=*/0.08, /*patienceSeconds=*/60));
