@@ -64,7 +64,8 @@ class MARLUNE_API Decomposer {
   // Why a phrase cannot be said: the positions of the words, counted from 0, that remain uncovered
   // in the split that covers the most words and, of several such, leaves out words furthest to the
   // right. A part counts as covered if it has a recording, or if an answer for it is remembered. No
-  // positions: every word is covered, but a delegate's answers have more files than words. Nothing:
+  // positions: every word is covered, but a delegate's answers have more files than words, or a
+  // failure is remembered for other words with the same key. Nothing:
   // the phrase is too long to be split. Does not ask the delegate, and remembers and counts
   // nothing.
   std::optional<std::vector<std::size_t>> uncoveredWordsOf(

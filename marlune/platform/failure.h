@@ -18,7 +18,7 @@ struct MARLUNE_API Failure {
   };
 
   Kind kind = Kind::unreadable;
-  std::string message;  // a sentence without a full stop and without a line feed
+  std::string message;  // a sentence without a full stop; names in it are as they were given
 
   bool operator==(const Failure&) const = default;
 };

@@ -74,6 +74,14 @@ TEST_F(DecomposeCommandTest, AnswersALineForALine) {
        "\n",
        "marlune: \"good job done\": no separate recording of \"done\"\n",
        1},
+      {"words with the key of others that cannot be said",
+       {},
+       "at_go\nat go\n",
+       "\n\n",
+       "marlune: line 1: \"at_go\": no recording of \"at_go\"\n"
+       "marlune: line 2: \"at go\": another phrase with the same key, its words joined by \"_\", "
+       "cannot be said\n",
+       1},
       {"nothing to say", {}, "\n", "\n", "marlune: line 1: \"\": there is nothing to say\n", 1},
       {"no phrase at all", {}, "", "", "", 0},
   };

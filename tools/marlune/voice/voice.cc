@@ -55,7 +55,11 @@ std::string Voice::_reasonAgainst(const Words& words) {
   if (words.empty()) return "there is nothing to say";
   const auto gaps = _decomposer->uncoveredWordsOf(words);
   if (!gaps) return "it is too long to be decomposed";
-  if (gaps->empty()) return "the overrides use more recordings than there are words";
+  if (gaps->empty()) {
+    return _overrides
+               ? "the overrides use more recordings than there are words"
+               : "another phrase with the same key, its words joined by \"_\", cannot be said";
+  }
   Words missing, dependent;
   for (const std::size_t gap : *gaps) {
     if (missing.size() > kMostQuoted) break;
