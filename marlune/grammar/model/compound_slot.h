@@ -37,6 +37,24 @@ class MARLUNE_API CompoundSlot : public Slot {
   std::shared_ptr<SlotSequence> _slots;
 };
 
+// What all kinds of compound slots share; `Self` is the kind.
+template <typename Self>
+class CompoundSlotOf : public CompoundSlot {
+ public:
+  // From the array of members, without the marker. Throws GrammarError when a member cannot be
+  // read.
+  static std::shared_ptr<Self> initFromPlist(const Value& plist);
+  static std::shared_ptr<Self> instanceFromPlist(const Value& plist);
+
+  static std::shared_ptr<Self> initWithArray(SlotArray members);
+
+ protected:
+  using CompoundSlot::CompoundSlot;
+
+ private:
+  std::shared_ptr<Slot> _reversed() override;
+};
+
 }  // namespace marlune
 
 #endif  // MARLUNE_GRAMMAR_MODEL_COMPOUND_SLOT_H_

@@ -9,16 +9,13 @@
 
 namespace marlune {
 
+class DisjunctionSlot;
+extern template class MARLUNE_API CompoundSlotOf<DisjunctionSlot>;
+
 // A slot that matches if one of its alternatives does; without alternatives it matches nothing. In
 // a sequence it takes exactly one position. Prints as "(a + b)".
-class MARLUNE_API DisjunctionSlot : public CompoundSlot {
+class MARLUNE_API DisjunctionSlot : public CompoundSlotOf<DisjunctionSlot> {
  public:
-  // From the array of members, without the marker. Throws GrammarError when a member cannot be
-  // read.
-  static std::shared_ptr<DisjunctionSlot> initFromPlist(const Value& plist);
-  static std::shared_ptr<DisjunctionSlot> instanceFromPlist(const Value& plist);
-
-  static std::shared_ptr<DisjunctionSlot> initWithArray(SlotArray members);
   static std::shared_ptr<DisjunctionSlot> disjunctionSlotWithArray(SlotArray members);
 
   Kind kind() const override { return Kind::disjunction; }
@@ -28,10 +25,7 @@ class MARLUNE_API DisjunctionSlot : public CompoundSlot {
   bool _writesLines() const override;
 
  protected:
-  using CompoundSlot::CompoundSlot;
-
- private:
-  std::shared_ptr<Slot> _reversed() override;
+  using CompoundSlotOf::CompoundSlotOf;
 };
 
 }  // namespace marlune

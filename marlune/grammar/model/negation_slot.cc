@@ -1,27 +1,16 @@
 #include "marlune/grammar/model/negation_slot.h"
 
-#include "marlune/grammar/base/make_shared_of.h"
+#include "marlune/grammar/model/compound_slot_of.h"
 
 namespace marlune {
 
-std::shared_ptr<NegationSlot> NegationSlot::initFromPlist(const Value& plist) {
-  return makeSharedOf<NegationSlot>(SlotSequence::initFromPlist(plist));
-}
-std::shared_ptr<NegationSlot> NegationSlot::instanceFromPlist(const Value& plist) {
-  return initFromPlist(plist);
-}
-std::shared_ptr<NegationSlot> NegationSlot::initWithArray(SlotArray members) {
-  return makeSharedOf<NegationSlot>(SlotSequence::initWithArray(std::move(members)));
-}
+template class CompoundSlotOf<NegationSlot>;
+
 std::shared_ptr<NegationSlot> NegationSlot::negationSlotWithArray(SlotArray members) {
   return initWithArray(std::move(members));
 }
 
 std::string NegationSlot::description() const { return "~(" + _joinedDescriptions(" + ") + ")"; }
-
-std::shared_ptr<Slot> NegationSlot::_reversed() {
-  return initWithArray(slots()->reversed()->slots());
-}
 
 bool NegationSlot::_matchesAt(const SlotRun& target, std::size_t index) const {
   return !_anyMemberMatchesAt(target, index);

@@ -9,16 +9,13 @@
 
 namespace marlune {
 
+class NegationSlot;
+extern template class MARLUNE_API CompoundSlotOf<NegationSlot>;
+
 // A slot that matches if none of its members does; with no members it matches anything. In a
 // sequence it takes exactly one position. Prints as "~(a + b)".
-class MARLUNE_API NegationSlot : public CompoundSlot {
+class MARLUNE_API NegationSlot : public CompoundSlotOf<NegationSlot> {
  public:
-  // From the array of members, without the marker. Throws GrammarError when a member cannot be
-  // read.
-  static std::shared_ptr<NegationSlot> initFromPlist(const Value& plist);
-  static std::shared_ptr<NegationSlot> instanceFromPlist(const Value& plist);
-
-  static std::shared_ptr<NegationSlot> initWithArray(SlotArray members);
   static std::shared_ptr<NegationSlot> negationSlotWithArray(SlotArray members);
 
   Kind kind() const override { return Kind::negation; }
@@ -28,10 +25,7 @@ class MARLUNE_API NegationSlot : public CompoundSlot {
   bool _writesLines() const override;
 
  protected:
-  using CompoundSlot::CompoundSlot;
-
- private:
-  std::shared_ptr<Slot> _reversed() override;
+  using CompoundSlotOf::CompoundSlotOf;
 };
 
 }  // namespace marlune
