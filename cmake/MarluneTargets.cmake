@@ -14,7 +14,7 @@ function(marlune_target_defaults target)
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror=switch)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # When optimising, g++ 12 reports false positives: overlapping copies in "text" + std::string,
     # and reads of an inactive pointer when a variant is destroyed.

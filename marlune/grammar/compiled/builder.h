@@ -1,15 +1,12 @@
 #ifndef MARLUNE_GRAMMAR_COMPILED_BUILDER_H_
 #define MARLUNE_GRAMMAR_COMPILED_BUILDER_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <span>
-#include <string>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "marlune/grammar/compiled/pattern_builder.h"
+#include "marlune/grammar/compiled/production_builder.h"
 #include "marlune/grammar/compiled/tables.h"
 #include "marlune/grammar/model/grammar_objects.h"
 #include "marlune/grammar/model/rule.h"
@@ -32,10 +29,6 @@ class CompiledBuilder {
   static Result build(const Value& plist);
 
  private:
-  using Element = CompiledPatterns::Element;
-  using Run = CompiledPatterns::Run;
-  using Id = Vocabulary::Id;
-  using Features = std::vector<std::uint64_t>;
   class Part;
 
   CompiledBuilder();
@@ -45,36 +38,12 @@ class CompiledBuilder {
   void _arrange(const std::vector<std::uint32_t>& numbers);
 
   bool _compile(const Dictionary& plist, CompiledRule& compiled);
-  bool _runUnder(const std::string& key, const Dictionary& plist, bool backwards, Run& run);
-  bool _run(std::span<const Value> slots, bool backwards, bool isAsked, Run& run);
-  bool _element(const Value& slot, bool backwards, bool isAsked, Element& element);
-  bool _literal(const Dictionary& attributes, Element& element);
-  Element _literalOf(std::size_t firstRequirement);
-  bool _group(std::span<const Value> slot, bool backwards, bool isAsked, Element& element);
-
-  bool _production(const Array& plist, std::size_t matched, std::uint32_t& production);
-  bool _settings(const Dictionary& overlay, std::size_t matched);
-  bool _choice(const Dictionary& plist, std::size_t matched, std::uint32_t& choice);
-  bool _reference(const Value& plist, std::size_t matched,
-                  CompiledProductions::Reference& reference);
-
-  void _fileRules();
-  void _countFeatures(const Element& element);
-  void _file(std::uint32_t number);
-  Features _triggerOf(const Element& element) const;
-  std::size_t _costOf(const Features& features) const;
-  template <typename Visit>
-  void _forEachElement(const CompiledRule& rule, Visit visit) const;
-
-  Id _id(std::string_view text) { return _tables.vocabulary->add(text); }
 
   CompiledTables _tables;
+  PatternBuilder _patterns;
+  ProductionBuilder _productions;
   std::vector<std::shared_ptr<const Rule>> _objects;  // indexed by rule; null where there is none
-  std::vector<char> _isIdle;                          // indexed by rule: whether it does nothing at
-                                                      // all
-  std::vector<Element> _elements;                     // of the runs being read
-  std::unordered_map<std::uint64_t, std::uint32_t> _frequencies;  // for each feature, the number of
-                                                                  // uses in rules
+  std::vector<char> _isIdle;                          // indexed by rule: whether it does nothing
 };
 
 }  // namespace marlune

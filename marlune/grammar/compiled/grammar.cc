@@ -6,12 +6,11 @@
 #include <utility>
 
 #include "marlune/grammar/base/grammar_error.h"
-#include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/base/repetition.h"
 #include "marlune/grammar/compiled/builder.h"
 #include "marlune/grammar/compiled/result.h"
 #include "marlune/grammar/file/grammar_loader.h"
 #include "marlune/grammar/file/insert_directive.h"
-#include "marlune/grammar/model/context_substitution.h"
 #include "marlune/grammar/model/rule.h"
 #include "marlune/grammar/model/simple_slot_sequence.h"
 #include "marlune/util/tq_utils.h"
@@ -177,10 +176,10 @@ bool CompiledGrammar::_repeat(std::uint32_t number, Work& work) const {
   for (int pass = 0; pass < kMostCompiledPasses; ++pass) {
     work.before = phrase.slots();
     const std::uint64_t asked = work.before.size() + std::exchange(work.kleeneSteps, 0);
-    work.steps += work.before.size() * ContextSubstitution::stepsOfSlot(phrase.mostAttributes()) +
-                  ContextSubstitution::stepsOfMatching(asked * weight, phrase.mostAttributes()) +
-                  phrase.mostText() / 16;
-    if (pass > 0 && work.steps > Rule::kMostSteps) return false;
+    work.steps += work.before.size() * Repetition::stepsOfSlot(phrase.mostAttributes()) +
+                  Repetition::stepsOfMatching(asked * weight, phrase.mostAttributes()) +
+                  Repetition::stepsOfText(phrase.mostText());
+    if (pass > 0 && work.steps > Repetition::kMostSteps) return false;
     if (!_rewrite(number, work)) return false;
     phrase.pad();
     if (phrase.matches(work.before)) return true;
@@ -202,17 +201,15 @@ bool CompiledGrammar::_rewrite(std::uint32_t number, Work& work) const {
     if (at < 0 || at + matched > std::ssize(slots)) return false;
     const std::span<const CompiledPhrase::Slot> occurrence(slots.data() + at,
                                                            rule.significant.count);
-    if (rule.isChoice) {
-      work.steps += 1 + _tables.productions.choices[rule.production].expansions.count / 16;
-    }
-    const CompiledProductions::Run* production = _productionFor(rule, phrase, occurrence);
-    if (!production) continue;
+    work.steps += _tables.productions.stepsOf(rule.production);
+    const CompiledProductions::Run* const replacement = _tables.productions.replacementFor(
+        rule.production, phrase, occurrence, *_tables.vocabulary);
+    if (!replacement) continue;
     const std::uint32_t firstNew = phrase.nextIdentity();
     work.replacement.clear();
-    if (!_tables.productions.append(*production, phrase, occurrence, work.replacement))
+    if (!_tables.productions.append(*replacement, phrase, occurrence, work.replacement))
       return false;
-    work.steps +=
-        work.replacement.size() * ContextSubstitution::stepsOfProduced(phrase.mostAttributes());
+    work.steps += work.replacement.size() * Repetition::stepsOfProduced(phrase.mostAttributes());
     const std::ptrdiff_t grown = std::ssize(work.replacement) - matched;
     if (slots.size() + work.replacement.size() >
         SimpleSlotSequence::kLongestPhrase + rule.significant.count) {
@@ -232,15 +229,6 @@ bool CompiledGrammar::_rewrite(std::uint32_t number, Work& work) const {
     shift += grown;
   }
   return true;
-}
-
-// nullptr when the occurrence stays unchanged.
-const CompiledProductions::Run* CompiledGrammar::_productionFor(
-    const CompiledRule& rule, const CompiledPhrase& phrase,
-    std::span<const CompiledPhrase::Slot> occurrence) const {
-  const CompiledProductions& all = _tables.productions;
-  if (!rule.isChoice) return &all.productions[rule.production];
-  return all.chosen(all.choices[rule.production], phrase, occurrence, *_tables.vocabulary);
 }
 
 void CompiledGrammar::_findOccurrences(const CompiledRule& rule, Work& work) const {

@@ -78,9 +78,6 @@ class CompiledGrammar {
   Outcome _apply(std::uint32_t number, Work& work) const;
   bool _repeat(std::uint32_t number, Work& work) const;
   bool _rewrite(std::uint32_t number, Work& work) const;
-  const CompiledProductions::Run* _productionFor(
-      const CompiledRule& rule, const CompiledPhrase& phrase,
-      std::span<const CompiledPhrase::Slot> occurrence) const;
 
   void _findOccurrences(const CompiledRule& rule, Work& work) const;
   void _findAtAnchor(const CompiledRule& rule, Work& work) const;

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "marlune/grammar/base/content_comparison.h"
 #include "marlune/grammar/model/attribute_dictionary.h"
 #include "marlune/grammar/model/cell.h"
 
@@ -31,7 +32,7 @@ bool CompiledObjects::_read(const Cell& cell, CompiledPhrase& phrase, CompiledPh
   if (!cell.attributes()) return true;
   for (const auto& [name, value] : cell.attributes()->entries()) {
     const std::string* text = value.asString();
-    if (!text || CompiledPhrase::isComparison(*name)) return false;
+    if (!text || contentComparisonOf(*name) != ContentComparison::none) return false;
     if (!phrase.set(slot, phrase.idOfName(*name), phrase.idOf(*text))) return false;
   }
   return true;

@@ -62,9 +62,9 @@ bool CompiledPatterns::_matchesOther(const Element& element, const CompiledPhras
                          requirements.begin() + element.first + element.count,
                          [&](const Requirement& each) { return _holds(each, phrase, slot); });
     case Kind::wildcard:
-      return slot.type != CellTypeBlank;
+      return *Cell::_matchOfTypes(CellTypeWildcard, slot.type);
     case Kind::blank:
-      return slot.type == CellTypeBlank;
+      return *Cell::_matchOfTypes(CellTypeBlank, slot.type);
     case Kind::any:
       return _anyMatches(element, phrase, slot);
     case Kind::none:

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/base/padding.h"
+#include "marlune/grammar/format/slot_form.h"
 
 namespace marlune {
 
@@ -49,8 +50,16 @@ bool CompiledPhrase::equal(Id left, Id right) const {
 }
 
 CompiledPhrase::Slot CompiledPhrase::fromString(std::string_view string) {
-  if (string == SpecialCharacters::wildcardSymbol()) return wildcard();
-  if (string == SpecialCharacters::blankSymbol()) return blank();
+  switch (cellFormOf(string)) {
+    case CellForm::wildcard:
+      return wildcard();
+    case CellForm::blank:
+      return blank();
+    case CellForm::word:
+    case CellForm::attributes:
+    case CellForm::other:
+      break;
+  }
   return word(idOf(string));
 }
 
@@ -95,11 +104,9 @@ void CompiledPhrase::_spell(Slot& slot) {
 }
 
 void CompiledPhrase::pad() {
-  const std::size_t count = _slots.size();
-  const bool lacksFirst = count == 0 || _slots.front().type != CellTypeBlank;
-  const bool lacksLast = count < 2 || _slots.back().type != CellTypeBlank;
-  if (lacksFirst) _slots.insert(_slots.begin(), blank());
-  if (lacksLast) _slots.push_back(blank());
+  addMissingBlanks(
+      _slots, [](const Slot& slot) { return slot.type == CellTypeBlank; },
+      [this] { return blank(); });
 }
 
 bool CompiledPhrase::matches(std::span<const Slot> earlier) const {
@@ -110,8 +117,8 @@ bool CompiledPhrase::matches(std::span<const Slot> earlier) const {
 
 bool CompiledPhrase::_matches(const Slot& pattern, const Slot& target) const {
   if (pattern.identity == target.identity) return true;
-  if (pattern.type == CellTypeBlank) return target.type == CellTypeBlank;
-  if (pattern.type == CellTypeWildcard) return target.type != CellTypeBlank;
+  const auto decided = Cell::_matchOfTypes(pattern.type, target.type);
+  if (decided) return *decided;
   if (pattern.attributeCount == 0) {
     return pattern.content == Vocabulary::kAbsent || equal(pattern.content, target.content);
   }

@@ -37,13 +37,6 @@ class CompiledPhrase {
   static constexpr std::size_t kMaxAttributes = 0xFFFF;
   static constexpr std::size_t kMostRoom = std::size_t{1} << 20;  // in attributes
 
-  // Whether an attribute of that name, in a cell used as a pattern, is compared with part of the
-  // content. A phrase with such a name has no compiled form.
-  static bool isComparison(std::string_view name) {
-    return (name.starts_with('#') && name.ends_with('-')) ||
-           (name.starts_with('-') && name.ends_with('#'));
-  }
-
   // Clears the phrase. `vocabulary` must outlive the phrase's use.
   void reset(const Vocabulary& vocabulary);
 
@@ -101,7 +94,7 @@ class CompiledPhrase {
   // Returns false when the slot is full. REQUIRES: the value is not kAbsent.
   bool set(Slot& slot, Id name, Id value);
 
-  // Adds the blanks missing at either end. A single blank counts as one end only.
+  // Adds the blanks missing at either end.
   void pad();
 
   // Whether an earlier state of the phrase, taken as a pattern, matches the phrase's beginning.

@@ -2,21 +2,44 @@
 
 #include <algorithm>
 
+#include "marlune/grammar/base/repetition.h"
 #include "marlune/grammar/model/simple_slot_sequence.h"
 
 namespace marlune {
 
-const CompiledProductions::Run* CompiledProductions::chosen(const Choice& choice,
-                                                            const CompiledPhrase& phrase,
-                                                            std::span<const Slot> occurrence,
-                                                            const Vocabulary& vocabulary) const {
+const CompiledProductions::Run* CompiledProductions::replacementFor(
+    const Production& production, const CompiledPhrase& phrase, std::span<const Slot> occurrence,
+    const Vocabulary& vocabulary) const {
+  switch (production.kind) {
+    case Production::Kind::replacement:
+      return &replacements[production.number];
+    case Production::Kind::choice:
+      return _chosen(choices[production.number], phrase, occurrence, vocabulary);
+  }
+  return nullptr;
+}
+
+std::uint64_t CompiledProductions::stepsOf(const Production& production) const {
+  switch (production.kind) {
+    case Production::Kind::replacement:
+      return 0;
+    case Production::Kind::choice:
+      return Repetition::stepsOfChoice(choices[production.number].expansions.count);
+  }
+  return 0;
+}
+
+const CompiledProductions::Run* CompiledProductions::_chosen(const Choice& choice,
+                                                             const CompiledPhrase& phrase,
+                                                             std::span<const Slot> occurrence,
+                                                             const Vocabulary& vocabulary) const {
   const Id signature = _signatureOf(choice, phrase, occurrence, vocabulary);
   const auto begin = expansions.begin() + choice.expansions.first;
   const auto end = begin + choice.expansions.count;
   const auto place = std::lower_bound(
       begin, end, signature, [](const Expansion& each, Id id) { return each.signature < id; });
   if (place == end || place->signature != signature) return nullptr;
-  return &productions[place->production];
+  return &replacements[place->replacement];
 }
 
 // The number of the joined values; when the grammar does not contain the text, a number that no
@@ -41,11 +64,11 @@ CompiledProductions::Id CompiledProductions::_signatureOf(const Choice& choice,
   return isFirst ? only : vocabulary.find(_joined);
 }
 
-bool CompiledProductions::append(Run production, CompiledPhrase& phrase,
+bool CompiledProductions::append(Run replacement, CompiledPhrase& phrase,
                                  std::span<const Slot> occurrence,
                                  std::vector<Slot>& result) const {
-  for (std::uint32_t i = 0; i < production.count; ++i) {
-    const Produced& each = produced[production.first + i];
+  for (std::uint32_t i = 0; i < replacement.count; ++i) {
+    const Produced& each = produced[replacement.first + i];
     if (each.isOverlaid) {
       if (!_overlay(each, phrase, occurrence, result)) return false;
     } else if (each.index < 0) {

@@ -54,27 +54,40 @@ class CompiledProductions {
   };
   struct Expansion {
     Id signature = 0;
-    std::uint32_t production = 0;
+    std::uint32_t replacement = 0;
   };
 
-  std::vector<Run> productions;  // of Produced
+  // The right-hand side of a rule.
+  struct Production {
+    enum class Kind : unsigned char { replacement, choice };
+
+    Kind kind = Kind::replacement;
+    std::uint32_t number = 0;  // in the vector of its kind
+  };
+
+  std::vector<Run> replacements;  // of Produced
   std::vector<Choice> choices;
   std::vector<Produced> produced;
   std::vector<Setting> settings;
   std::vector<Reference> references;
   std::vector<Expansion> expansions;
 
-  // The replacement that `choice` selects for the matched slots; nullptr when it has none.
-  const Run* chosen(const Choice& choice, const CompiledPhrase& phrase,
-                    std::span<const Slot> occurrence, const Vocabulary& vocabulary) const;
+  // The replacement for the matched slots; nullptr when they stay unchanged.
+  const Run* replacementFor(const Production& production, const CompiledPhrase& phrase,
+                            std::span<const Slot> occurrence, const Vocabulary& vocabulary) const;
 
-  // Appends to `result` the slots that `production` makes of the matched ones. Returns false when a
-  // cell would have more attributes than a compiled phrase can hold, or the phrase could exceed its
-  // limit of text.
-  bool append(Run production, CompiledPhrase& phrase, std::span<const Slot> occurrence,
+  // The steps of selecting it, as ConditionalProduction counts them.
+  std::uint64_t stepsOf(const Production& production) const;
+
+  // Appends to `result` the slots that `replacement` makes of the matched ones. Returns false when
+  // a cell would have more attributes than a compiled phrase can hold, or the phrase could exceed
+  // its limit of text.
+  bool append(Run replacement, CompiledPhrase& phrase, std::span<const Slot> occurrence,
               std::vector<Slot>& result) const;
 
  private:
+  const Run* _chosen(const Choice& choice, const CompiledPhrase& phrase,
+                     std::span<const Slot> occurrence, const Vocabulary& vocabulary) const;
   Id _signatureOf(const Choice& choice, const CompiledPhrase& phrase,
                   std::span<const Slot> occurrence, const Vocabulary& vocabulary) const;
   bool _overlay(const Produced& each, CompiledPhrase& phrase, std::span<const Slot> occurrence,

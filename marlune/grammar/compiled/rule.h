@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "marlune/grammar/compiled/patterns.h"
+#include "marlune/grammar/compiled/productions.h"
 
 namespace marlune {
 
@@ -23,8 +24,7 @@ struct CompiledRule {
   std::uint32_t anchor = kNoAnchor;
   std::int32_t anchorOffset = 0;
 
-  std::uint32_t production = 0;  // or, with isChoice, the choice
-  bool isChoice = false;
+  CompiledProductions::Production production;
   bool repeats = false;
   bool hasKleene = false;
 

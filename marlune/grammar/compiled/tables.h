@@ -15,7 +15,7 @@ namespace marlune {
 // The result of compiling a grammar. Fixed after compilation, except that `productions` has a
 // scratch buffer, so only one thread may use the tables at a time.
 struct CompiledTables {
-  std::shared_ptr<Vocabulary> vocabulary;  // shared with results
+  std::shared_ptr<Vocabulary> vocabulary = std::make_shared<Vocabulary>();  // shared with results
   CompiledPatterns patterns;
   CompiledProductions productions;
   std::vector<CompiledRule> rules;

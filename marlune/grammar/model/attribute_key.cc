@@ -2,6 +2,7 @@
 
 #include "marlune/grammar/base/make_shared_of.h"
 #include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/format/production_form.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -15,19 +16,21 @@ std::shared_ptr<AttributeKey> AttributeKey::initWithIndex(
 }
 
 std::shared_ptr<AttributeKey> AttributeKey::initFromPlist(const Value& plist) {
-  const auto& fields = plist.asDictionary();
-  if (!fields) {
-    TQUtils::systemLog("ERROR: AttributeKey expected a dictionary. Found a %@.", plist.kindName());
-    return nullptr;
+  const ReferenceForm form = ReferenceForm::of(plist);
+  switch (form.kind) {
+    case ReferenceForm::Kind::complete:
+      return initWithIndex(form.index, form.name->sharedString());
+    case ReferenceForm::Kind::incomplete:
+      TQUtils::systemLog(
+          "ERROR: AttributeKey expected two entries, a Number '%@' and a String '%@'.",
+          SpecialCharacters::indexKey(), SpecialCharacters::attributeNameKey());
+      break;
+    case ReferenceForm::Kind::notADictionary:
+      TQUtils::systemLog("ERROR: AttributeKey expected a dictionary. Found a %@.",
+                         plist.kindName());
+      break;
   }
-  const Value& index = fields->valueForKey(SpecialCharacters::indexKey());
-  const Value& name = fields->valueForKey(SpecialCharacters::attributeNameKey());
-  if (!index.isNumber() || !name.asString()) {
-    TQUtils::systemLog("ERROR: AttributeKey expected two entries, a Number '%@' and a String '%@'.",
-                       SpecialCharacters::indexKey(), SpecialCharacters::attributeNameKey());
-    return nullptr;
-  }
-  return initWithIndex(index.integerValue(), name.sharedString());
+  return nullptr;
 }
 
 std::shared_ptr<AttributeKey> AttributeKey::instanceFromPlist(const Value& plist) {

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "marlune/grammar/base/content_comparison.h"
 #include "marlune/grammar/base/make_shared_of.h"
 #include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/format/slot_form.h"
 #include "marlune/util/tq_utils.h"
 #include "marlune/util/utf16.h"
 
@@ -20,10 +22,6 @@ const AttributeValue& emptyText() {
   static const AttributeValue kText(std::string{});
   return kText;
 }
-
-// A single character cannot be both marks.
-bool isPrefixKey(std::string_view name) { return name.starts_with('#') && name.ends_with('-'); }
-bool isSuffixKey(std::string_view name) { return name.starts_with('-') && name.ends_with('#'); }
 
 std::string textOr(const Cell& cell, std::string_view name, std::string_view otherwise) {
   const AttributeValue* value = cell.valueForKey(name);
@@ -69,12 +67,18 @@ std::shared_ptr<Cell> Cell::_literalWithContent(std::shared_ptr<const std::strin
 }
 
 std::shared_ptr<Cell> Cell::initFromPlist(const Value& plist) {
-  if (const std::string* text = plist.asString()) {
-    if (*text == SpecialCharacters::wildcardSymbol()) return initAsWildcard();
-    if (*text == SpecialCharacters::blankSymbol()) return initAsBlank();
-    return _literalWithContent(plist.sharedString());
+  switch (cellFormOf(plist)) {
+    case CellForm::wildcard:
+      return initAsWildcard();
+    case CellForm::blank:
+      return initAsBlank();
+    case CellForm::word:
+      return _literalWithContent(plist.sharedString());
+    case CellForm::attributes:
+      return initWithAttributesDictionary(*plist.asDictionary());
+    case CellForm::other:
+      break;
   }
-  if (plist.asDictionary()) return initWithAttributesDictionary(*plist.asDictionary());
   return makeSharedOf<Cell>(CellTypeWildcard, nullptr);
 }
 
@@ -155,8 +159,7 @@ std::shared_ptr<Cell> Cell::copyWithZone() const {
 
 bool Cell::matches(const Cell* target) const {
   const CellType targetType = target ? target->_type : CellTypeWildcard;
-  if (_type == CellTypeBlank) return targetType == CellTypeBlank;
-  if (_type == CellTypeWildcard) return targetType != CellTypeBlank;
+  if (const auto decided = _matchOfTypes(_type, targetType)) return *decided;
   if (!_attributes) return true;
   return std::ranges::all_of(_attributes->entries(), [&](const auto& attribute) {
     return _attributeMatches(attribute, target);
@@ -169,9 +172,10 @@ bool Cell::_attributeMatches(const AttributeDictionary::Entry& attribute,
   const auto equalsCharacters = [&value = value](std::optional<std::string_view> characters) {
     return characters && value.asString() && *value.asString() == *characters;
   };
-  if (isPrefixKey(*name)) {
+  const ContentComparison comparison = contentComparisonOf(*name);
+  if (comparison == ContentComparison::prefix) {
     const std::string* content = target ? target->content() : nullptr;
-    const std::size_t length = utf16Length(*name) - 2;
+    const std::size_t length = comparedLength(*name);
     const auto start = content ? utf16Prefix(*content, length) : std::nullopt;
     TQUtils::systemLog("Prefix! (unsigned long)chars = %lu   This: %@    Other: %@", length,
                        value.text(), start ? FormatArgument(*start) : FormatArgument(nullptr));
@@ -179,9 +183,9 @@ bool Cell::_attributeMatches(const AttributeDictionary::Entry& attribute,
     TQUtils::systemLog("MATCH!");
     return true;
   }
-  if (isSuffixKey(*name)) {
+  if (comparison == ContentComparison::suffix) {
     const std::string* content = target ? target->content() : nullptr;
-    return content && equalsCharacters(utf16Suffix(*content, utf16Length(*name) - 2));
+    return content && equalsCharacters(utf16Suffix(*content, comparedLength(*name)));
   }
   const AttributeValue* theirs = target ? target->valueForKey(*name) : nullptr;
   return value.equals(theirs ? *theirs : emptyText());
@@ -212,8 +216,9 @@ std::string Cell::description() const {
 
 bool Cell::_writesLines() const {
   return _type == CellTypeLiteral && _attributes &&
-         std::ranges::any_of(_attributes->entries(),
-                             [](const auto& attribute) { return isPrefixKey(*attribute.first); });
+         std::ranges::any_of(_attributes->entries(), [](const auto& attribute) {
+           return contentComparisonOf(*attribute.first) == ContentComparison::prefix;
+         });
 }
 
 }  // namespace marlune

@@ -52,6 +52,13 @@ class MARLUNE_API Cell : public Describable {
 
   CellType type() const { return _type; }
 
+  // Whether a pattern of one type matches a target of the other; nothing when their attributes
+  // decide.
+  static std::optional<bool> _matchOfTypes(std::uint32_t pattern, std::uint32_t target) {
+    if (pattern == CellTypeLiteral) return std::nullopt;
+    return (pattern == CellTypeBlank) == (target == CellTypeBlank);
+  }
+
   // The dictionary itself, not a copy; nullptr when there is none. The setter shares its argument.
   const std::shared_ptr<AttributeDictionary>& attributes() const { return _attributes; }
   void setAttributes(std::shared_ptr<AttributeDictionary> attributes);

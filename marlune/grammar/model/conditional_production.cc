@@ -4,7 +4,9 @@
 
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/base/make_shared_of.h"
+#include "marlune/grammar/base/repetition.h"
 #include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/format/production_form.h"
 #include "marlune/util/format.h"
 
 namespace marlune {
@@ -30,20 +32,15 @@ std::shared_ptr<ConditionalProduction> ConditionalProduction::initFromPlist(cons
   const auto& fields = plist.asDictionary();
   if (!fields) return result;
 
-  const Value& delimiter = fields->valueForKey(SpecialCharacters::delimiterKey());
-  result->_delimiter = delimiter.isAbsent() ? SpecialCharacters::defaultSignatureDelimiter()
-                                            : formatted("%@", {delimiter});
-  const Value& signature = fields->valueForKey(SpecialCharacters::signatureKey());
-  if (signature.asArray()) {
-    result->_signature = GrammarError::within(SpecialCharacters::signatureKey(), [&signature] {
-      return signatureOf(*signature.asArray());
-    });
+  ConditionalForm form = ConditionalForm::of(*fields);
+  result->_delimiter = std::move(form.delimiter);
+  if (form.signature) {
+    result->_signature = GrammarError::within(SpecialCharacters::signatureKey(),
+                                              [&form] { return signatureOf(*form.signature); });
   }
-  const Value& expansions = fields->valueForKey(SpecialCharacters::expansionsKey());
-  if (expansions.asDictionary()) {
-    result->_expansions = GrammarError::within(SpecialCharacters::expansionsKey(), [&expansions] {
-      return _expansionsOf(*expansions.asDictionary());
-    });
+  if (form.expansions) {
+    result->_expansions = GrammarError::within(SpecialCharacters::expansionsKey(),
+                                               [&form] { return _expansionsOf(*form.expansions); });
     for (const Expansion& each : *result->_expansions) {
       result->_longestKey = std::max(result->_longestKey, each.first->size());
     }
@@ -66,6 +63,12 @@ std::vector<ConditionalProduction::Expansion> ConditionalProduction::_expansions
 std::shared_ptr<ConditionalProduction> ConditionalProduction::instanceFromPlist(
     const Value& plist) {
   return initFromPlist(plist);
+}
+
+const NewProduction* ConditionalProduction::_productionFor(const SimpleSlotSequence* occurrence,
+                                                           std::uint64_t& steps) const {
+  if (_expansions) steps += Repetition::stepsOfChoice(_expansions->size());
+  return expansionForKey(keyForOccurrence(occurrence)).get();
 }
 
 std::string ConditionalProduction::keyForOccurrence(const SimpleSlotSequence* occurrence) const {

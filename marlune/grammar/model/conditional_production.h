@@ -1,6 +1,7 @@
 #ifndef MARLUNE_GRAMMAR_MODEL_CONDITIONAL_PRODUCTION_H_
 #define MARLUNE_GRAMMAR_MODEL_CONDITIONAL_PRODUCTION_H_
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,6 +29,8 @@ class MARLUNE_API ConditionalProduction : public GenericProduction {
   static std::shared_ptr<ConditionalProduction> instanceFromPlist(const Value& plist);
 
   Kind kind() const override { return Kind::conditional; }
+  const NewProduction* _productionFor(const SimpleSlotSequence* occurrence,
+                                      std::uint64_t& steps) const override;
 
   const std::optional<std::string>& delimiter() const { return _delimiter; }
   const std::optional<Signature>& signature() const { return _signature; }

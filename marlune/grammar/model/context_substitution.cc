@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "marlune/grammar/model/conditional_production.h"
+#include "marlune/grammar/base/repetition.h"
 #include "marlune/grammar/model/simple_slot.h"
 #include "marlune/util/tq_utils.h"
 
@@ -90,21 +90,19 @@ ContextSubstitution::ContextSubstitution(const SimpleSlotSequence& phrase,
                                          const SlotsInContext* leftHandSide,
                                          const GenericProduction* production)
     : _leftHandSide(leftHandSide), _production(production) {
-  const auto target = SimpleSlotSequence::initWithArray(phrase.slots());
-  target->pad();
   std::size_t mostAttributes = 0;
-  for (const std::shared_ptr<Slot>& slot : target->slots()) {
+  for (const std::shared_ptr<Slot>& slot : phrase.slots()) {
     _text += textOf(*slot);
     const std::size_t attributes = attributeCountOf(*slot);
     mostAttributes = std::max(mostAttributes, attributes);
-    _steps += stepsOfSlot(attributes);
+    _steps += Repetition::stepsOfSlot(attributes);
   }
-  _longest = std::max(SimpleSlotSequence::kLongestPhrase, target->count());
+  _longest = std::max(SimpleSlotSequence::kLongestPhrase, phrase.count());
   _mostText = std::max(SimpleSlotSequence::kMostText, _text);
   std::uint64_t matching = 0;
-  if (leftHandSide) _indices = leftHandSide->_indicesOfOccurrences(*target, matching);
-  _steps += _text / 16 + stepsOfMatching(matching, mostAttributes);
-  _back.assign(target->slots().rbegin(), target->slots().rend());
+  if (leftHandSide) _indices = leftHandSide->_indicesOfOccurrences(phrase, matching);
+  _steps += Repetition::stepsOfText(_text) + Repetition::stepsOfMatching(matching, mostAttributes);
+  _back.assign(phrase.slots().rbegin(), phrase.slots().rend());
 }
 
 std::shared_ptr<SimpleSlotSequence> ContextSubstitution::result() {
@@ -133,7 +131,8 @@ void ContextSubstitution::_replace(std::int32_t index) {
   // Null near the phrase's end, when a Kleene slot let the pattern match fewer slots than it has.
   // Then there are no slots, no values and nothing after the occurrence.
   const auto occurrence = _occurrenceAt(position);
-  const auto production = _productionFor(occurrence.get());
+  const NewProduction* const production =
+      _production ? _production->_productionFor(occurrence.get(), _steps) : nullptr;
   if (!production) return;
   std::size_t textKept = _text;
   for (std::size_t at = position; at < std::min(_count(), position + matched); ++at) {
@@ -151,7 +150,7 @@ void ContextSubstitution::_replace(std::int32_t index) {
   _text = textKept;
   for (const std::shared_ptr<Slot>& slot : *replacement) {
     _text += textOf(*slot);
-    _steps += stepsOfProduced(attributeCountOf(*slot));
+    _steps += Repetition::stepsOfProduced(attributeCountOf(*slot));
   }
   _front.insert(_front.end(), replacement->begin(), replacement->end());
   _shift += static_cast<std::int32_t>(replacement->size()) - static_cast<std::int32_t>(matched);
@@ -173,19 +172,6 @@ std::shared_ptr<SimpleSlotSequence> ContextSubstitution::_occurrenceAt(std::size
 void ContextSubstitution::_moveTo(std::size_t position) {
   for (; _front.size() < position; _back.pop_back()) _front.push_back(std::move(_back.back()));
   for (; _front.size() > position; _front.pop_back()) _back.push_back(std::move(_front.back()));
-}
-
-std::shared_ptr<const NewProduction> ContextSubstitution::_productionFor(
-    const SimpleSlotSequence* occurrence) {
-  using Kind = GenericProduction::Kind;
-  if (!_production) return nullptr;
-  if (_production->kind() == Kind::conditional) {
-    const auto& conditional = static_cast<const ConditionalProduction&>(*_production);
-    if (conditional.expansions()) _steps += 1 + conditional.expansions()->size() / 16;
-    return conditional.expansionForKey(conditional.keyForOccurrence(occurrence));
-  }
-  if (_production->kind() != Kind::newProduction) return nullptr;
-  return {std::shared_ptr<const void>(), static_cast<const NewProduction*>(_production)};
 }
 
 std::optional<SlotArray> ContextSubstitution::_replacement(const NewProduction& production,

@@ -18,7 +18,8 @@ namespace marlune {
 // left-hand side by the slots that a production makes of it. An object serves one call.
 class ContextSubstitution {
  public:
-  // `leftHandSide` and `production` may be null. All arguments must outlive the object.
+  // `leftHandSide` and `production` may be null. All arguments must outlive the object. REQUIRES:
+  // the phrase is padded.
   ContextSubstitution(const SimpleSlotSequence& phrase, const SlotsInContext* leftHandSide,
                       const GenericProduction* production);
 
@@ -28,30 +29,14 @@ class ContextSubstitution {
   // Whether the phrase would have grown too long; the remaining occurrences were left unchanged.
   bool isFull() const { return _isFull; }
 
-  // The work done, in the steps of SequenceMatcher::steps: the matching, the slots of the phrase
-  // and those produced, one step per 16 bytes of the phrase's text and one per 16 expansions
-  // searched.
+  // The work done, in the steps of Repetition: of the matching, the slots of the phrase and those
+  // produced, the phrase's text and the expansions searched.
   std::uint64_t steps() const { return _steps; }
-
-  // The steps of carrying one slot to the next pass, of producing one, and of matching. A look-up
-  // passes the attributes one by one, so their number makes matching dearer and counts squared.
-  static std::uint64_t stepsOfSlot(std::uint64_t attributes) {
-    return 20 + 2 * attributes + attributes * attributes / 4;
-  }
-  static std::uint64_t stepsOfProduced(std::uint64_t attributes) {
-    return 20 + 6 * attributes + attributes * attributes;
-  }
-  static std::uint64_t stepsOfMatching(std::uint64_t steps, std::uint64_t mostAttributes) {
-    return steps * (1 + mostAttributes / 8);
-  }
 
  private:
   // Rewrites the occurrence at `index` of the current phrase. Throws std::out_of_range, without any
   // change, when that would reach outside the phrase or the occurrence.
   void _replace(std::int32_t index);
-
-  // The production for the occurrence, which may be null; nullptr when there is none.
-  std::shared_ptr<const NewProduction> _productionFor(const SimpleSlotSequence* occurrence);
 
   // The slots that the production makes of the occurrence; nothing, after a log line, when they
   // exceed `mostText` bytes. The second function checks the number of slots.

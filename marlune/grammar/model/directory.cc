@@ -4,7 +4,7 @@
 
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/base/make_shared_of.h"
-#include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/format/rule_form.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -26,7 +26,7 @@ std::shared_ptr<Directory> Directory::initFromPlist(const Value& plist) {
   auto result = makeSharedOf<Directory>();
   result->genericSetUpFromPlist(*fields);
   for (const auto& [name, value] : fields->entries()) {
-    if (*name == SpecialCharacters::orderKey()) continue;
+    if (!isNameOfSubpart(*name)) continue;
     TQUtils::forDefaultLog(kTrace, "%@", *name);
     if (value.asDictionary()) result->_addSubpart(name, value);
   }
@@ -47,13 +47,13 @@ void Directory::_addSubpart(const std::shared_ptr<const std::string>& name, cons
 }
 
 std::shared_ptr<SimpleSlotSequence> Directory::appliedTo(const SimpleSlotSequence& phrase) const {
-  auto current = SimpleSlotSequence::slotSequenceWithArray(phrase.slots());
+  std::shared_ptr<SimpleSlotSequence> current;
   for (const std::shared_ptr<GrammarPart>& part : _orderedSubparts) {
-    const auto result = part->appliedTo(*current);
-    current = SimpleSlotSequence::slotSequenceWithArray(result ? result->slots() : SlotArray());
+    current = part->appliedTo(current ? *current : phrase);
+    if (!current) current = SimpleSlotSequence::emptySlotSequence();
     TQUtils::forDefaultLog(kTrace, "Midway Result: %@", current);
   }
-  return current;
+  return current ? current : SimpleSlotSequence::slotSequenceWithArray(phrase.slots());
 }
 
 std::string Directory::description() const {

@@ -5,7 +5,7 @@
 
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/base/make_shared_of.h"
-#include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/format/production_form.h"
 #include "marlune/grammar/model/simple_slot.h"
 #include "marlune/util/tq_utils.h"
 
@@ -44,7 +44,7 @@ std::shared_ptr<Slot> overlayOf(const Dictionary& plist) {
   auto attributes = std::make_shared<AttributeDictionary>();
   attributes->reserve(plist.count() - 1);
   for (const auto& [name, value] : plist.entries()) {
-    if (*name == SpecialCharacters::indexKey()) continue;
+    if (!ProducedForm::isAttribute(*name)) continue;
     attributes->setValueForKey(attributeOf(*name, value), name);
   }
   TQUtils::forDefaultLog(kTrace, "Testing dictTemp: %@", PrintedAttributes(*attributes));
@@ -68,18 +68,18 @@ std::shared_ptr<NewProduction> NewProduction::initFromPlist(const Value& plist) 
   indices->reserve(entries.size());
   overlays.reserve(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (entries[i].asString()) {
-      indices->push_back(-1);
+    const ProducedForm form = ProducedForm::of(entries[i]);
+    if (form.kind == ProducedForm::Kind::ignored) continue;
+    if (form.kind == ProducedForm::Kind::last) {
+      TQUtils::forDefaultLog(kTrace, "NO INDEX!");
+      break;
+    }
+    indices->push_back(form.index);
+    if (form.kind == ProducedForm::Kind::word) {
       overlays.push_back(overlayOfWord(entries[i]));
-    } else if (const auto& fields = entries[i].asDictionary()) {
-      const Value& index = fields->valueForKey(SpecialCharacters::indexKey());
-      if (!index.isNumber()) {
-        TQUtils::forDefaultLog(kTrace, "NO INDEX!");
-        break;
-      }
-      TQUtils::forDefaultLog(kTrace, "*** intValue: %i", index.integerValue());
-      indices->push_back(index.integerValue());
-      overlays.push_back(GrammarError::within(i, [&fields] { return overlayOf(*fields); }));
+    } else {
+      TQUtils::forDefaultLog(kTrace, "*** intValue: %i", form.index);
+      overlays.push_back(GrammarError::within(i, [&form] { return overlayOf(*form.overlay); }));
     }
   }
   return initWithOverlays(SimpleSlotSequence::initWithArray(std::move(overlays)),

@@ -37,6 +37,9 @@ class MARLUNE_API NewProduction : public GenericProduction {
       std::shared_ptr<SimpleSlotSequence> overlays, std::shared_ptr<Indices> indices);
 
   Kind kind() const override { return Kind::newProduction; }
+  const NewProduction* _productionFor(const SimpleSlotSequence*, std::uint64_t&) const override {
+    return this;
+  }
 
   // For each produced slot, the position in the occurrence, from 0, of the slot that it is made
   // from; negative: a new one. Null when absent, which counts as none. The setters share their

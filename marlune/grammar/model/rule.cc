@@ -1,10 +1,14 @@
 #include "marlune/grammar/model/rule.h"
 
 #include <unordered_set>
+#include <utility>
 
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/base/make_shared_of.h"
+#include "marlune/grammar/base/repetition.h"
 #include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/format/production_form.h"
+#include "marlune/grammar/format/rule_form.h"
 #include "marlune/grammar/model/conditional_production.h"
 #include "marlune/grammar/model/context_substitution.h"
 #include "marlune/grammar/model/phrase_digest.h"
@@ -12,38 +16,35 @@
 
 namespace marlune {
 
-namespace {
-
-std::shared_ptr<SimpleSlotSequence> paddedCopy(const SimpleSlotSequence& phrase) {
-  auto copy = SimpleSlotSequence::slotSequenceWithArray(phrase.slots());
-  copy->pad();
-  return copy;
-}
-
-}  // namespace
-
 std::shared_ptr<Rule> Rule::initFromPlist(const Value& plist) {
   auto result = makeSharedOf<Rule>();
   const auto& fields = plist.asDictionary();
   if (!fields) return result;
 
   result->genericSetUpFromPlist(*fields);
-  for (const std::string* side : {&SpecialCharacters::lhsKey(), &SpecialCharacters::rhsKey()}) {
-    if (!fields->contains(*side)) TQUtils::systemLog("ERROR!");
+  const RuleForm form = RuleForm::of(*fields);
+  for (const Value* side : {form.leftHandSide, form.rightHandSide}) {
+    if (!side) TQUtils::systemLog("ERROR!");
   }
-  result->_leftHandSide = GrammarError::within(SpecialCharacters::lhsKey(), [&fields] {
-    return SlotsInContext::initFromPlist(fields->valueForKey(SpecialCharacters::lhsKey()));
+  result->_leftHandSide = GrammarError::within(SpecialCharacters::lhsKey(), [&form] {
+    return SlotsInContext::initFromPlist(form.leftHandSide ? *form.leftHandSide : Value());
   });
-  result->_rightHandSide = GrammarError::within(SpecialCharacters::rhsKey(), [&fields] {
-    return _productionFromPlist(fields->valueForKey(SpecialCharacters::rhsKey()));
+  result->_rightHandSide = GrammarError::within(SpecialCharacters::rhsKey(), [&form] {
+    return form.rightHandSide ? _productionFromPlist(*form.rightHandSide) : nullptr;
   });
-  result->_repeat = fields->valueForKey(SpecialCharacters::repeatKey()).integerValue() != 0;
+  result->_repeat = form.repeats;
   return result;
 }
 
 std::shared_ptr<GenericProduction> Rule::_productionFromPlist(const Value& plist) {
-  if (plist.asArray()) return NewProduction::initFromPlist(plist);
-  if (plist.asDictionary()) return ConditionalProduction::initFromPlist(plist);
+  switch (productionFormOf(plist)) {
+    case ProductionForm::newProduction:
+      return NewProduction::initFromPlist(plist);
+    case ProductionForm::conditional:
+      return ConditionalProduction::initFromPlist(plist);
+    case ProductionForm::none:
+      break;
+  }
   return nullptr;
 }
 
@@ -77,11 +78,11 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
   TQUtils::forDefaultLog(kTrace, "Applying '%@' (%i): %@",
                          name() ? FormatArgument(*name()) : FormatArgument(nullptr), order(),
                          _leftHandSide);
-  auto current = paddedCopy(phrase);
+  std::shared_ptr<SimpleSlotSequence> current = phrase._paddedCopy();
   std::unordered_set<PhraseDigest, PhraseDigest::Hash> earlier;
   std::uint64_t steps = 0;
   for (int passes = 1;; ++passes) {
-    const auto before = paddedCopy(current->pad());
+    const std::shared_ptr<SimpleSlotSequence> before = std::move(current);
     ContextSubstitution pass(*before, _leftHandSide.get(), _rightHandSide.get());
     current = pass.result();
     if (!_repeat) return current;
@@ -96,7 +97,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
       return current;
     }
     steps += pass.steps();
-    if (passes == kMostPasses || steps > kMostSteps) {
+    if (passes == Repetition::kMostPasses || steps > Repetition::kMostSteps) {
       TQUtils::log(
           "ERROR: The repeating rule '%@' stopped after %i passes, although each had "
           "changed the phrase.",

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "marlune/grammar/base/make_shared_of.h"
+#include "marlune/grammar/base/padding.h"
 #include "marlune/grammar/model/simple_slot.h"
 #include "marlune/util/tq_utils.h"
 
@@ -60,11 +61,16 @@ std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::_withPendingSlots(
 }
 
 SimpleSlotSequence& SimpleSlotSequence::pad() {
-  const bool needsFirst = empty() || !isBlank(*slots().front());
-  const bool needsLast = count() < 2 || !isBlank(*slots().back());
-  if (needsFirst) slots().insert(slots().begin(), SimpleSlot::blank());
-  if (needsLast) slots().push_back(SimpleSlot::blank());
+  addMissingBlanks(
+      slots(), [](const std::shared_ptr<Slot>& slot) { return isBlank(*slot); },
+      [] { return SimpleSlot::blank(); });
   return *this;
+}
+
+std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::_paddedCopy() const {
+  auto copy = initWithArray(slots());
+  copy->pad();
+  return copy;
 }
 
 std::vector<std::string> SimpleSlotSequence::stringArray() const {

@@ -43,6 +43,9 @@ class MARLUNE_API SimpleSlotSequence : public SlotSequence {
   // blank, one at the end unless it has two slots and ends with a blank.
   SimpleSlotSequence& pad();
 
+  // A copy with these blanks.
+  std::shared_ptr<SimpleSlotSequence> _paddedCopy() const;
+
   // The contents of the cells that have content, in order, without other attributes. Content that
   // is not a string is given in its printed form.
   std::vector<std::string> stringArray() const;
@@ -59,8 +62,8 @@ class MARLUNE_API SimpleSlotSequence : public SlotSequence {
 
   // The padded phrase with each occurrence of the left-hand side rewritten by the production. All
   // occurrences are found before any is rewritten. They are rewritten from left to right, at
-  // positions shifted by the growth of earlier ones; overlapping ones are not dropped. A null or
-  // unknown production and a null left-hand side leave the phrase unchanged.
+  // positions shifted by the growth of earlier ones; overlapping ones are not dropped. A null
+  // production and a null left-hand side leave the phrase unchanged.
   //
   // An occurrence whose rewriting would reach outside the phrase or the occurrence is left
   // unchanged, with an unconditional line. So are all remaining ones once the phrase would grow

@@ -13,7 +13,7 @@ namespace marlune {
 std::shared_ptr<SimpleSlotSequence>
 SimpleSlotSequence::sequenceByReplacingOccurencesOfSlotsInContext(
     const SlotsInContext* leftHandSide, const GenericProduction* withProduction) const {
-  return ContextSubstitution(*this, leftHandSide, withProduction).result();
+  return ContextSubstitution(*_paddedCopy(), leftHandSide, withProduction).result();
 }
 
 std::shared_ptr<SimpleSlotSequence> SimpleSlotSequence::sequenceByReplacingOccurencesOfSequence(

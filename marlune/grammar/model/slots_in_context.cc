@@ -5,6 +5,7 @@
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/base/make_shared_of.h"
 #include "marlune/grammar/base/special_characters.h"
+#include "marlune/grammar/format/rule_form.h"
 #include "marlune/grammar/model/sequence_matcher.h"
 #include "marlune/util/tq_utils.h"
 
@@ -12,12 +13,11 @@ namespace marlune {
 
 namespace {
 
-// The sequence under the key, nullptr when the key is missing.
+// The sequence that the value under the key describes; nullptr when the key is missing.
 template <typename Sequence>
-std::shared_ptr<Sequence> sequenceUnder(const Dictionary& fields, const std::string& key) {
-  const Value& plist = fields.valueForKey(key);
-  if (plist.isAbsent()) return nullptr;
-  return GrammarError::within(key, [&plist] { return Sequence::initFromPlist(plist); });
+std::shared_ptr<Sequence> sequenceOf(const Value* plist, const std::string& key) {
+  if (!plist) return nullptr;
+  return GrammarError::within(key, [plist] { return Sequence::initFromPlist(*plist); });
 }
 
 }  // namespace
@@ -27,19 +27,22 @@ std::shared_ptr<SlotsInContext> SlotsInContext::initFromPlist(const Value& plist
   const auto& fields = plist.asDictionary();
   if (!fields) return result;
 
-  result->_significantSlots =
-      sequenceUnder<SimpleSlotSequence>(*fields, SpecialCharacters::significantSlotsKey());
+  const LeftHandSideForm form = LeftHandSideForm::of(*fields);
+  result->_significantSlots = sequenceOf<SimpleSlotSequence>(
+      form.significantSlots, SpecialCharacters::significantSlotsKey());
   if (!result->_significantSlots) {
     TQUtils::systemLog("ERROR: An LHS must have a 'significantSlots' key.");
   }
-  result->_preContext = sequenceUnder<SlotSequence>(*fields, SpecialCharacters::preContextKey());
+  result->_preContext =
+      sequenceOf<SlotSequence>(form.preContext, SpecialCharacters::preContextKey());
   if (result->_preContext) {
     result->_preContextReversed = result->_preContext->reversed();
   } else {
     result->_preContext = SlotSequence::emptySlotSequence();
     result->_preContextReversed = result->_preContext;
   }
-  result->_postContext = sequenceUnder<SlotSequence>(*fields, SpecialCharacters::postContextKey());
+  result->_postContext =
+      sequenceOf<SlotSequence>(form.postContext, SpecialCharacters::postContextKey());
   if (!result->_postContext) result->_postContext = SlotSequence::emptySlotSequence();
   return result;
 }

@@ -1,0 +1,40 @@
+#include "marlune/grammar/format/production_form.h"
+
+#include "marlune/util/format.h"
+
+namespace marlune {
+
+ProductionForm productionFormOf(const Value& rightHandSide) {
+  if (rightHandSide.asArray()) return ProductionForm::newProduction;
+  return rightHandSide.asDictionary() ? ProductionForm::conditional : ProductionForm::none;
+}
+
+ProducedForm ProducedForm::of(const Value& element) {
+  if (element.asString()) return {Kind::word};
+  const auto& fields = element.asDictionary();
+  if (!fields) return {Kind::ignored};
+  const Value& index = fields->valueForKey(SpecialCharacters::indexKey());
+  if (!index.isNumber()) return {Kind::last};
+  return {Kind::overlay, index.integerValue(), fields.get()};
+}
+
+ReferenceForm ReferenceForm::of(const Value& value) {
+  const auto& fields = value.asDictionary();
+  if (!fields) return {Kind::notADictionary};
+  const Value& index = fields->valueForKey(SpecialCharacters::indexKey());
+  const Value& name = fields->valueForKey(SpecialCharacters::attributeNameKey());
+  if (!index.isNumber() || !name.asString()) return {Kind::incomplete};
+  return {Kind::complete, index.integerValue(), &name};
+}
+
+ConditionalForm ConditionalForm::of(const Dictionary& fields) {
+  ConditionalForm form;
+  const Value& delimiter = fields.valueForKey(SpecialCharacters::delimiterKey());
+  form.delimiter = delimiter.isAbsent() ? SpecialCharacters::defaultSignatureDelimiter()
+                                        : formatted("%@", {delimiter});
+  form.signature = fields.valueForKey(SpecialCharacters::signatureKey()).asArray().get();
+  form.expansions = fields.valueForKey(SpecialCharacters::expansionsKey()).asDictionary().get();
+  return form;
+}
+
+}  // namespace marlune
