@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "marlune/decompose/key_hash.h"
+#include "marlune/util/open_addressing.h"
 
 namespace marlune {
 
@@ -70,12 +71,10 @@ std::uint32_t DecompositionMemo::_tag(std::uint64_t hash) {
 }
 
 std::size_t DecompositionMemo::_slotOf(std::string_view key, std::uint32_t tag) const {
-  const std::size_t mask = _slots.size() - 1;
-  for (std::size_t at = tag & mask;; at = (at + 1) & mask) {
+  return slotFor(tag, _slots.size(), [&](std::size_t at) {
     const Slot& slot = _slots[at];
-    if (slot.id == 0) return at;
-    if (slot.tag == tag && text(slot.id) == key) return at;
-  }
+    return slot.id == 0 || (slot.tag == tag && text(slot.id) == key);
+  });
 }
 
 DecompositionMemo::Id DecompositionMemo::find(const Key& key) const {
@@ -135,10 +134,9 @@ void DecompositionMemo::_makeRoomFor(std::size_t keys) {
     _slots[used] = slot;
     used += slot.id != 0;
   }
-  const std::size_t mask = slots.size() - 1;
   for (std::size_t i = 0; i < used; ++i) {
-    std::size_t at = _slots[i].tag & mask;
-    while (slots[at].id != 0) at = (at + 1) & mask;
+    const std::size_t at =
+        slotFor(_slots[i].tag, slots.size(), [&](std::size_t slot) { return slots[slot].id == 0; });
     slots[at] = _slots[i];
   }
   _slots = std::move(slots);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "marlune/decompose/key_hash.h"
+#include "marlune/util/open_addressing.h"
 
 namespace marlune {
 
@@ -103,24 +104,19 @@ void PhraseMemo::clear() {
 
 // The slot of the packed phrase, or the free slot in which to put it.
 std::size_t PhraseMemo::_slotOf(std::uint64_t hash) const {
-  const std::size_t mask = _slots.size() - 1;
-  std::size_t at = static_cast<std::size_t>(hash) & mask;
-  for (; _slots[at] != kNone; at = (at + 1) & mask) {
+  return slotFor(static_cast<std::size_t>(hash), _slots.size(), [&](std::size_t at) {
+    if (_slots[at] == kNone) return true;
     const Phrase& phrase = _phrases[_slots[at]];
-    if (phrase.hash == hash && phrase.size == _packedSize &&
-        std::equal(_packed.data(), _packed.data() + _packedSize, _words.data() + phrase.begin)) {
-      break;
-    }
-  }
-  return at;
+    return phrase.hash == hash && phrase.size == _packedSize &&
+           std::equal(_packed.data(), _packed.data() + _packedSize, _words.data() + phrase.begin);
+  });
 }
 
 void PhraseMemo::_grow() {
   std::vector<std::uint32_t> slots(2 * _slots.size(), kNone);
-  const std::size_t mask = slots.size() - 1;
   for (std::size_t i = 0; i < _phrases.size(); ++i) {
-    std::size_t at = static_cast<std::size_t>(_phrases[i].hash) & mask;
-    while (slots[at] != kNone) at = (at + 1) & mask;
+    const std::size_t at = slotFor(static_cast<std::size_t>(_phrases[i].hash), slots.size(),
+                                   [&](std::size_t slot) { return slots[slot] == kNone; });
     slots[at] = static_cast<std::uint32_t>(i);
   }
   _slots = std::move(slots);

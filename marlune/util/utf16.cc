@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "marlune/util/utf8.h"
+
 namespace marlune {
 
 namespace {
@@ -11,26 +13,11 @@ struct Character {
   std::size_t units;
 };
 
-bool isContinuation(std::string_view text, std::size_t at) {
-  return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
-}
-
 // The character at `at`, a byte index inside the text.
 Character characterAt(std::string_view text, std::size_t at) {
-  const auto lead = static_cast<unsigned char>(text[at]);
-  const auto next = at + 1 < text.size() ? static_cast<unsigned char>(text[at + 1]) : 0;
-  if (lead >= 0xC2 && lead <= 0xDF && isContinuation(text, at + 1)) return {2, 1};
-  if (lead >= 0xE0 && lead <= 0xEF && isContinuation(text, at + 1) &&
-      isContinuation(text, at + 2) && (lead != 0xE0 || next >= 0xA0) &&
-      (lead != 0xED || next < 0xA0)) {
-    return {3, 1};
-  }
-  if (lead >= 0xF0 && lead <= 0xF4 && isContinuation(text, at + 1) &&
-      isContinuation(text, at + 2) && isContinuation(text, at + 3) &&
-      (lead != 0xF0 || next >= 0x90) && (lead != 0xF4 || next < 0x90)) {
-    return {4, 2};
-  }
-  return {1, 1};
+  const Utf8Character character = utf8CharacterAt(text, at);
+  if (character.bytes == 0) return {1, 1};
+  return {character.bytes, character.code > 0xffff ? std::size_t{2} : std::size_t{1}};
 }
 
 bool isAscii(std::string_view text) {

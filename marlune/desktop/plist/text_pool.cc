@@ -1,7 +1,9 @@
 #include "marlune/desktop/plist/text_pool.h"
 
-#include <functional>
 #include <utility>
+
+#include "marlune/util/open_addressing.h"
+#include "marlune/util/text_hash.h"
 
 namespace marlune {
 
@@ -15,7 +17,7 @@ constexpr std::size_t kMostProbes = 24;
 
 std::shared_ptr<const std::string> TextPool::textFor(std::string_view text) {
   if (text.size() > kLongestShared) return _made(text);
-  const std::size_t hash = std::hash<std::string_view>()(text);
+  const std::size_t hash = textHash(text);
   Slot* slot = _slotFor(text, hash);
   if (!slot) return _made(text);
   if (slot->text) return slot->text;
@@ -33,12 +35,12 @@ std::shared_ptr<const std::string> TextPool::_made(std::string_view text) {
 // The slot that contains `text` or is free for it; nullptr if too many other texts occupy its probe
 // sequence.
 TextPool::Slot* TextPool::_slotFor(std::string_view text, std::size_t hash) {
-  const std::size_t mask = _slots.size() - 1;
-  for (std::size_t probe = 0; probe < kMostProbes; ++probe) {
-    Slot& slot = _slots[(hash + probe) & mask];
-    if (!slot.text || (slot.hash == hash && *slot.text == text)) return &slot;
-  }
-  return nullptr;
+  std::size_t probes = 0;
+  const std::size_t at = slotFor(hash, _slots.size(), [&](std::size_t each) {
+    const Slot& slot = _slots[each];
+    return !slot.text || (slot.hash == hash && *slot.text == text) || ++probes == kMostProbes;
+  });
+  return probes == kMostProbes ? nullptr : &_slots[at];
 }
 
 void TextPool::_grow() {

@@ -6,6 +6,7 @@
 
 #include "marlune/desktop/plist/property_list_limits.h"
 #include "marlune/desktop/plist/scalar_text.h"
+#include "marlune/util/utf8.h"
 
 namespace marlune {
 
@@ -18,20 +19,9 @@ constexpr std::string_view kReplacement = "\xef\xbf\xbd";
 
 // The length of the first UTF-8 character of `text`, or 0 if XML cannot represent it.
 std::size_t lengthOfCharacter(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned first = byte(0);
-  if (first < 0x80) return first >= 0x20 || first == '\t' || first == '\n' ? 1 : 0;
-  const std::size_t length = first < 0xc2 ? 0 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-  if (length == 0 || first > 0xf4 || text.size() < length) return 0;
-  char32_t c = first & (0x7fu >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xc0) != 0x80) return 0;
-    c = c << 6 | (byte(i) & 0x3f);
-  }
-  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  const bool isWritable = c >= kSmallest[length] && c <= 0x10ffff && c >> 11 != 0xd800 >> 11 &&
-                          c != 0xfffe && c != 0xffff;
-  return isWritable ? length : 0;
+  const auto [length, code] = utf8CharacterAt(text, 0);
+  const bool isControl = code < 0x20 && code != '\t' && code != '\n';
+  return isControl || code == 0xfffe || code == 0xffff ? 0 : length;
 }
 
 class Writer {

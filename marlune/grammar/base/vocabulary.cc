@@ -1,30 +1,12 @@
 #include "marlune/grammar/base/vocabulary.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "marlune/grammar/base/special_characters.h"
+#include "marlune/util/open_addressing.h"
+#include "marlune/util/text_hash.h"
 
 namespace marlune {
-namespace {
-
-constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
-
-// Eight bytes per step: most words take one or two.
-std::uint32_t hashOf(std::string_view text) {
-  std::uint64_t hash = text.size() * kMultiplier;
-  while (!text.empty()) {
-    std::uint64_t chunk = 0;
-    const std::size_t length = text.size() < 8 ? text.size() : 8;
-    std::memcpy(&chunk, text.data(), length);
-    hash = (hash ^ chunk) * kMultiplier;
-    hash ^= hash >> 32;
-    text.remove_prefix(length);
-  }
-  return static_cast<std::uint32_t>(hash);
-}
-
-}  // namespace
 
 Vocabulary::Vocabulary() : _ends{0}, _table(64) {
   add("");
@@ -32,7 +14,7 @@ Vocabulary::Vocabulary() : _ends{0}, _table(64) {
 }
 
 Vocabulary::Id Vocabulary::add(std::string_view text) {
-  const std::uint32_t hash = hashOf(text);
+  const std::uint32_t hash = textHash(text);
   std::size_t place = _placeOf(text, hash);
   if (_table[place].id != kAbsent) return _table[place].id;
   if (2 * count() > _table.size()) {
@@ -48,7 +30,7 @@ Vocabulary::Id Vocabulary::add(std::string_view text) {
 }
 
 Vocabulary::Id Vocabulary::find(std::string_view text) const {
-  return _table[_placeOf(text, hashOf(text))].id;
+  return _table[_placeOf(text, textHash(text))].id;
 }
 
 void Vocabulary::shrinkToFit() {
@@ -63,13 +45,10 @@ void Vocabulary::finish() {
 
 // The index of `text` in the table, or of the free place where it belongs.
 std::size_t Vocabulary::_placeOf(std::string_view text, std::uint32_t hash) const {
-  const std::size_t mask = _table.size() - 1;
-  std::size_t place = hash & mask;
-  while (_table[place].id != kAbsent &&
-         (_table[place].hash != hash || this->text(_table[place].id) != text)) {
-    place = (place + 1) & mask;
-  }
-  return place;
+  return slotFor(hash, _table.size(), [&](std::size_t place) {
+    const Entry& entry = _table[place];
+    return entry.id == kAbsent || (entry.hash == hash && this->text(entry.id) == text);
+  });
 }
 
 void Vocabulary::_grow() {
