@@ -69,7 +69,7 @@ std::optional<Failure> Parser::_nameFailure(std::string_view name) const {
   {
     const std::lock_guard making(GrammarFile::making());
     names = similarNames(name, _file->opened());
-    _file->putAway();
+    _file->putAway(nullptr);
   }
   std::string message = "there is no grammar named " + std::string(name);
   for (std::size_t i = 0; i < names.size(); ++i) {

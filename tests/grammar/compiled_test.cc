@@ -60,7 +60,7 @@ class CompiledTest : public PlatformFixture {
     root = GrammarPart::instanceFromPlist(tree.asDictionary()->valueForKey("Main"));
     GrammarFile file(std::move(tree));
     compiled = CompiledGrammar::initFromFile(file, "Main", /*isTraced=*/false);
-    ASSERT_NE(file.putAway(), nullptr);
+    ASSERT_NE(file.putAway(nullptr), nullptr);
   }
 
   // The result for words; checks that all details and the lines equal the tree's.
@@ -209,7 +209,7 @@ TEST_F(CompiledTest, DeepRepetitionsGiveWhatThePlainRecursionGives) {
     RandomRepetitions random(seed);
     const Value file = random.rule();
     reference::Grammar reference(file, "Main");
-    compile(PackedList::pack(file)->unpacked());
+    compile(PackedList::pack(file, nullptr)->unpacked());
     reference.mostSteps = 3000;
     for (int i = 0; i < 4; ++i) {
       const Words words = random.phrase();

@@ -124,7 +124,7 @@ class ExhaustivePatternsTest : public PlatformFixture {
     const auto rule = GrammarPart::instanceFromPlist(file.asDictionary()->valueForKey("Main"));
     GrammarFile packed(std::move(file));
     const auto compiled = CompiledGrammar::initFromFile(packed, "Main", /*isTraced=*/false);
-    packed.putAway();
+    packed.putAway(nullptr);
     for (const Phrase& phrase : _phrases) {
       const Words strings = compiled->appliedToStrings(phrase.words)->stringArray();
       if (const auto expected = _expected(pattern, phrase)) {

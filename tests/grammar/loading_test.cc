@@ -12,6 +12,7 @@
 #include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/file/packed_list.h"
 #include "marlune/grammar/model/directory.h"
+#include "marlune/grammar/model/grammar_objects.h"
 #include "marlune/grammar/model/rule.h"
 #include "marlune/grammar/parser.h"
 #include "support/platform_fixture.h"
@@ -293,6 +294,27 @@ TEST_F(LoadingTest, ATreeThatItsReaderKeepsStaysTheSame) {
   EXPECT_EQ(parser->grammarsPlist().asDictionary(), keeping->tree.asDictionary());
 }
 
+// The tree is packed after each grammar, and unpacked for the next one.
+TEST_F(LoadingTest, SwitchingGrammarsWritesIntoTheTreeWhatMakingTheObjectsWrites) {
+  const std::string text =
+      "{A={B={C={_lhs={_significantSlots=[a]}; _rhs=[b]}; _order=#2}; D='#insert Chunk'};"
+      " Chunk={E={_lhs={_significantSlots=[b]}; _rhs=[c]}}; Bad={F={_lhs={_significantSlots=[[]]}};"
+      " G={}}}";
+  const auto parser = Parser::initWithPlistAtPath(file(text), std::nullopt);
+  const Value tree = Parser::loadGrammarsFromPlistAtPath(file(text + " "));
+  for (const std::string_view name : {"A.B", "Chunk", "A", "Bad", "A.B", "A.B", "Chunk"}) {
+    for (const bool isParser : {true, false}) {
+      try {
+        isParser ? parser->setGrammar(name) : (void)GrammarObjects::rootIn(tree, name);
+      } catch (const GrammarError&) {
+        EXPECT_EQ(name, "Bad");
+      }
+    }
+  }
+  EXPECT_EQ(parser->resultOfRulesAppliedToStrings({"a", "b"})->stringArray(), (Words{"a", "c"}));
+  EXPECT_EQ(formatted("%@", {parser->grammarsPlist()}), formatted("%@", {tree}));
+}
+
 TEST(PackedListTest, UnpacksToTheSameTreeAndPacksNoneThatIsHeldElsewhere) {
   Value tree = plist("{a=[#0, #-70000, #2.5, #true, #false, '', {}, []]; b={a=[a]}}");
   Dictionary& root = *tree.asDictionary();
@@ -301,7 +323,9 @@ TEST(PackedListTest, UnpacksToTheSameTreeAndPacksNoneThatIsHeldElsewhere) {
   root.setValueForKey(Value::date(-0.25), "date");
   root.setValueForKey(root.valueForKey("b"), "b again");
   root.setValueForKey(root.valueForKey("b").asDictionary()->valueForKey("a"), "inner again");
-  const auto packed = PackedList::pack(tree);
+  const auto known = std::make_shared<Vocabulary>();
+  known->add("b again");  // "a" has a number of its own
+  const auto packed = PackedList::pack(tree, known);
   ASSERT_NE(packed, nullptr);
   const Value unpacked = packed->unpacked();
   EXPECT_TRUE(unpacked.equals(tree));
@@ -313,10 +337,10 @@ TEST(PackedListTest, UnpacksToTheSameTreeAndPacksNoneThatIsHeldElsewhere) {
   EXPECT_NE(copy.valueForKey("b").asDictionary(), root.valueForKey("b").asDictionary());
   for (const std::string_view key : {"b", "inner again"}) {
     const Value held = root.valueForKey(key);
-    EXPECT_EQ(PackedList::pack(tree), nullptr) << key;
+    EXPECT_EQ(PackedList::pack(tree, nullptr), nullptr) << key;
   }
-  EXPECT_EQ(PackedList::pack(Value(tree)), nullptr);
-  EXPECT_NE(PackedList::pack(tree), nullptr);
+  EXPECT_EQ(PackedList::pack(Value(tree), nullptr), nullptr);
+  EXPECT_NE(PackedList::pack(tree, nullptr), nullptr);
 }
 
 }  // namespace

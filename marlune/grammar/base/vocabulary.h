@@ -38,11 +38,6 @@ class Vocabulary {
   // The bytes of the longest text.
   std::size_t longest() const { return _longest; }
 
-  // Whether both have the same texts under the same numbers.
-  bool equals(const Vocabulary& other) const {
-    return _ends == other._ends && _texts == other._texts;
-  }
-
   void shrinkToFit();
 
   // Frees the table that finds numbers. Afterwards texts are available by number only.

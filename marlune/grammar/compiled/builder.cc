@@ -29,8 +29,8 @@ class CompiledBuilder::Part : public GrammarPart {
   std::vector<std::uint32_t> rules;
 };
 
-CompiledBuilder::Result CompiledBuilder::build(const Value& plist) {
-  CompiledBuilder builder;
+CompiledBuilder::Result CompiledBuilder::build(const Value& plist, bool& isChanged) {
+  CompiledBuilder builder(isChanged);
   builder._arrange(builder._part(plist).rules);
   IndexBuilder(builder._tables).file(builder._isIdle);
   builder._tables.vocabulary->shrinkToFit();
@@ -42,14 +42,17 @@ CompiledBuilder::Result CompiledBuilder::build(const Value& plist) {
   return result;
 }
 
-CompiledBuilder::CompiledBuilder()
-    : _patterns(_tables.patterns, *_tables.vocabulary),
+CompiledBuilder::CompiledBuilder(bool& isChanged)
+    : _isChanged(isChanged),
+      _patterns(_tables.patterns, *_tables.vocabulary),
       _productions(_tables.productions, *_tables.vocabulary) {}
 
 CompiledBuilder::Part CompiledBuilder::_part(const Value& plist) {
   Dictionary& fields = *plist.asDictionary();
   Part part;
+  const std::size_t entries = fields.count();
   part.genericSetUpFromPlist(fields);
+  _isChanged = _isChanged || fields.count() != entries;
   if (partFormOf(plist) == PartForm::rule) {
     part.rules.push_back(_addRule(plist));
     return part;
@@ -57,7 +60,7 @@ CompiledBuilder::Part CompiledBuilder::_part(const Value& plist) {
   std::vector<Part> subparts;
   for (const auto& [name, value] : fields.entries()) {
     if (!value.asDictionary() || !isNameOfSubpart(*name)) continue;
-    part._placeSubpart(*value.asDictionary(), name);
+    _isChanged = part._placeSubpart(*value.asDictionary(), name) || _isChanged;
     subparts.push_back(
         GrammarError::within(*name, [this, &value = value] { return _part(value); }));
   }

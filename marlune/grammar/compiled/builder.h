@@ -25,13 +25,14 @@ class CompiledBuilder {
     GrammarObjects::Rules objects;  // of the rules left to their objects
   };
 
-  // REQUIRES: a dictionary. Throws GrammarError when the grammar is broken.
-  static Result build(const Value& plist);
+  // Sets `isChanged` when it changes the list. REQUIRES: a dictionary. Throws GrammarError when the
+  // grammar is broken.
+  static Result build(const Value& plist, bool& isChanged);
 
  private:
   class Part;
 
-  CompiledBuilder();
+  explicit CompiledBuilder(bool& isChanged);
 
   Part _part(const Value& plist);
   std::uint32_t _addRule(const Value& plist);
@@ -39,6 +40,7 @@ class CompiledBuilder {
 
   bool _compile(const Dictionary& plist, CompiledRule& compiled);
 
+  bool& _isChanged;
   CompiledTables _tables;
   PatternBuilder _patterns;
   ProductionBuilder _productions;

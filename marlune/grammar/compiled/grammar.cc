@@ -52,15 +52,16 @@ class CompiledGrammar::Borrowed {
   std::shared_ptr<GrammarPart> root;
   std::optional<TQUtils::Silence> silence;
   if (isTraced) {
+    file.isChanged() = true;
     root = GrammarObjects::rootIn(file.opened(), name);
     silence.emplace();
   }
   auto built = GrammarError::within(name, [&]() -> std::optional<CompiledBuilder::Result> {
     const Value plist = GrammarLoader::valueAtPath(piecesOf(name, '.'), file.opened());
     if (!plist.asDictionary()) return std::nullopt;
-    return CompiledBuilder::build(plist);
+    return CompiledBuilder::build(plist, file.isChanged());
   });
-  auto packed = file.putAway();
+  auto packed = file.putAway(built ? built->tables.vocabulary : nullptr);
   if (!built) return nullptr;
   // Holders of a retained tree may change it, so make the objects now.
   if (!root && !packed) {

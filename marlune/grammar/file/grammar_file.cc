@@ -36,18 +36,19 @@ const Value& GrammarFile::opened() {
   return _unpacked();
 }
 
-std::shared_ptr<const PackedList> GrammarFile::putAway() {
+std::shared_ptr<const PackedList> GrammarFile::putAway(std::shared_ptr<const Vocabulary> known) {
   const std::lock_guard lock(_mutex);
   if (_isGivenOut) return nullptr;
-  if (_tree.isAbsent()) return _packed;
   try {
-    auto packed = PackedList::pack(_tree);
-    if (!packed) {
-      _isGivenOut = true;
-      return nullptr;
+    if (!_packed || _isChanged) {
+      auto packed = PackedList::pack(_unpacked(), std::move(known));
+      if (!packed) {
+        _isGivenOut = true;
+        return nullptr;
+      }
+      _packed = std::move(packed);
+      _isChanged = false;
     }
-    // Building the same grammar again leaves the same tree; then the existing bytes are kept.
-    if (!_packed || !_packed->equals(*packed)) _packed = std::move(packed);
     _tree = Value();
     return _packed;
   } catch (const std::bad_alloc&) {

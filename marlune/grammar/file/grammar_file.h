@@ -36,10 +36,13 @@ class GrammarFile {
   // caller holds making() until then.
   const Value& opened();
 
-  // Packs the tree and returns the packed form. nullptr when the tree stays in memory: it has been
-  // handed out, its reader or a grammar's object holds part of it, or memory is too short to pack
-  // it.
-  std::shared_ptr<const PackedList> putAway();
+  // To be set when the tree is changed. REQUIRES: the caller holds making().
+  bool& isChanged() { return _isChanged; }
+
+  // Drops the tree and returns its packed form, which is made anew if the tree was changed, and
+  // then shares the texts of `known`. nullptr when the tree stays in memory: it has been handed
+  // out, its reader or a grammar's object holds part of it, or memory is too short to pack it.
+  std::shared_ptr<const PackedList> putAway(std::shared_ptr<const Vocabulary> known);
 
  private:
   const Value& _unpacked();
@@ -47,7 +50,8 @@ class GrammarFile {
   Value _tree;  // absent while packed
   std::shared_ptr<const PackedList> _packed;
   bool _isGivenOut = false;
-  std::mutex _mutex;  // for tree(): several threads may have parsers on one file
+  bool _isChanged = false;  // since it was packed
+  std::mutex _mutex;        // for tree(): several threads may have parsers on one file
 };
 
 }  // namespace marlune

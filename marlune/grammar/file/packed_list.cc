@@ -118,7 +118,7 @@ class PackedList::Writer {
 
   void _mark(Mark mark) { _list._bytes.push_back(static_cast<char>(mark)); }
   void _number(std::uint64_t number) { appendNumber(_list._bytes, number); }
-  void _text(std::string_view text) { _number(_list._texts.add(text)); }
+  void _text(std::string_view text) { _number(_list._addText(text)); }
 
   PackedList& _list;
   std::unordered_map<const void*, Shared> _shared;
@@ -126,7 +126,8 @@ class PackedList::Writer {
 
 class PackedList::Reader {
  public:
-  explicit Reader(const PackedList& list) : _list(list), _texts(list._texts.count()) {}
+  explicit Reader(const PackedList& list)
+      : _list(list), _texts(list._known->count() + list._texts.count()) {}
 
   Value read() {
     switch (static_cast<Mark>(_byte())) {
@@ -191,7 +192,7 @@ class PackedList::Reader {
   const std::shared_ptr<const std::string>& _text() {
     const auto id = static_cast<Vocabulary::Id>(_number());
     std::shared_ptr<const std::string>& text = _texts[id];
-    if (!text) text = std::make_shared<const std::string>(_list._texts.text(id));
+    if (!text) text = std::make_shared<const std::string>(_list._text(id));
     return text;
   }
 
@@ -215,8 +216,23 @@ class PackedList::Reader {
   std::vector<Value> _shared;
 };
 
-std::shared_ptr<const PackedList> PackedList::pack(const Value& root) {
-  const std::shared_ptr<PackedList> list(new PackedList);
+PackedList::PackedList(std::shared_ptr<const Vocabulary> known)
+    : _known(known ? std::move(known) : std::make_shared<const Vocabulary>()) {}
+
+Vocabulary::Id PackedList::_addText(std::string_view text) {
+  const Vocabulary::Id known = _known->find(text);
+  if (known != Vocabulary::kAbsent) return known;
+  return static_cast<Vocabulary::Id>(_known->count() + _texts.add(text));
+}
+
+std::string_view PackedList::_text(Vocabulary::Id id) const {
+  const std::size_t known = _known->count();
+  return id < known ? _known->text(id) : _texts.text(static_cast<Vocabulary::Id>(id - known));
+}
+
+std::shared_ptr<const PackedList> PackedList::pack(const Value& root,
+                                                   std::shared_ptr<const Vocabulary> known) {
+  const std::shared_ptr<PackedList> list(new PackedList(std::move(known)));
   Writer writer(*list);
   writer.write(root);
   if (!writer.isWhole()) return nullptr;

@@ -12,17 +12,14 @@
 namespace marlune {
 
 // A property list serialised into one byte array (about a tenth of the size), unpacked on demand.
-// Every text is stored once. Immutable.
+// Every text is stored once, and shared with a grammar that was compiled from the list. Immutable.
 class PackedList {
  public:
-  // nullptr when a container in the list, or `root` itself, has a holder other than the list and
-  // `root`: such a holder could observe that there are two copies. REQUIRES: no cycle, few levels.
-  static std::shared_ptr<const PackedList> pack(const Value& root);
-
-  // Whether both have the same bytes.
-  bool equals(const PackedList& other) const {
-    return _bytes == other._bytes && _texts.equals(other._texts);
-  }
+  // Texts in `known`, which must not grow any more, are taken from there; it may be null. nullptr
+  // when a container in the list, or `root` itself, has a holder other than the list and `root`:
+  // such a holder could observe that there are two copies. REQUIRES: no cycle, few levels.
+  static std::shared_ptr<const PackedList> pack(const Value& root,
+                                                std::shared_ptr<const Vocabulary> known);
 
   // The list in new containers. A container held in several places is again a single one.
   Value unpacked() const;
@@ -31,9 +28,13 @@ class PackedList {
   class Writer;
   class Reader;
 
-  PackedList() = default;
+  explicit PackedList(std::shared_ptr<const Vocabulary> known);
 
-  Vocabulary _texts;
+  Vocabulary::Id _addText(std::string_view text);
+  std::string_view _text(Vocabulary::Id id) const;
+
+  std::shared_ptr<const Vocabulary> _known;  // has the lowest numbers
+  Vocabulary _texts;                         // the others
   std::string _bytes;
 };
 

@@ -44,9 +44,16 @@ bool GrammarPart::_runsBefore(const GrammarPart& sibling) const {
   return compared != 0 ? compared < 0 : *_name < *sibling._name;
 }
 
-void GrammarPart::_placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const {
-  plist.setValueForKey(Value::integer(_depth + 1), SpecialCharacters::depthKey());
-  plist.setValueForKey(Value::string(std::move(name)), SpecialCharacters::partNameKey());
+bool GrammarPart::_placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const {
+  const Value depth = Value::integer(_depth + 1);
+  const Value newName = Value::string(std::move(name));
+  if (plist.valueForKey(SpecialCharacters::depthKey()).equals(depth) &&
+      plist.valueForKey(SpecialCharacters::partNameKey()).equals(newName)) {
+    return false;
+  }
+  plist.setValueForKey(depth, SpecialCharacters::depthKey());
+  plist.setValueForKey(newName, SpecialCharacters::partNameKey());
+  return true;
 }
 
 std::shared_ptr<SimpleSlotSequence> GrammarPart::appliedTo(const SimpleSlotSequence&) const {

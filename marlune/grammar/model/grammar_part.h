@@ -47,8 +47,9 @@ class MARLUNE_API GrammarPart : public Describable {
   // order is not guaranteed.
   bool _runsBefore(const GrammarPart& sibling) const;
 
-  // Writes the place of a subpart of this part into its dictionary.
-  void _placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const;
+  // Writes the place of a subpart of this part into its dictionary. Returns whether that changes
+  // the dictionary.
+  bool _placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const;
 
  protected:
   GrammarPart() = default;
