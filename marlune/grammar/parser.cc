@@ -4,11 +4,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include "marlune/grammar/base/grammar_error.h"
 #include "marlune/grammar/compiled/grammar.h"
 #include "marlune/grammar/file/grammar_file.h"
 #include "marlune/grammar/file/grammar_loader.h"
 #include "marlune/grammar/file/insert_directive.h"
 #include "marlune/grammar/file/similar_names.h"
+#include "marlune/grammar/model/rewriting_fault.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -56,7 +58,12 @@ void Parser::setGrammar(std::optional<std::string_view> name) {
   if (!name) return;
   const bool isTraced = TQUtils::isWantedForDefault(ZKPlistNotificationDefault);
   if (_file) {
-    _compiled = CompiledGrammar::initFromFile(*_file, *name, isTraced);
+    try {
+      _compiled = CompiledGrammar::initFromFile(*_file, *name, isTraced);
+    } catch (const GrammarError& error) {
+      if (!_compiled) _failure = Failure::malformed(error.what());
+      throw;
+    }
     _failure = _compiled ? std::nullopt : _nameFailure(*name);
   }
   if (!isTraced) return;
@@ -91,14 +98,27 @@ const std::shared_ptr<GrammarPart>& Parser::theGrammar() const {
 
 std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedToStrings(
     const std::vector<std::string>& strings) const {
-  if (_worksCompiled()) return _compiled->appliedToStrings(strings);
-  return resultOfRulesAppliedTo(*SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(strings));
+  if (!_worksCompiled()) {
+    return resultOfRulesAppliedTo(
+        *SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(strings));
+  }
+  return _watched([&] { return _compiled->appliedToStrings(strings); });
 }
 
 std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedTo(
     const SimpleSlotSequence& phrase) const {
-  if (_worksCompiled()) return _compiled->appliedTo(phrase);
-  return theGrammar() ? theGrammar()->appliedTo(phrase) : nullptr;
+  return _watched([&] {
+    if (_worksCompiled()) return _compiled->appliedTo(phrase);
+    return theGrammar() ? theGrammar()->appliedTo(phrase) : nullptr;
+  });
+}
+
+template <typename Rewrite>
+std::shared_ptr<SimpleSlotSequence> Parser::_watched(Rewrite rewrite) const {
+  RewritingFault fault;
+  auto result = rewrite();
+  _unfinished = std::move(fault.failure);
+  return result;
 }
 
 // The compiled grammar skips work that only the trace would show.

@@ -70,6 +70,11 @@ class MARLUNE_API Parser {
   std::shared_ptr<SimpleSlotSequence> resultOfRulesAppliedTo(
       const SimpleSlotSequence& phrase) const;
 
+  // Why the last phrase was not rewritten to the end, although there is a result: a rule was left
+  // because the phrase would have grown too large, or a repeating rule was stopped because it would
+  // not end. Of several reasons the first. A line was logged for each.
+  const std::optional<Failure>& whyUnfinished() const { return _unfinished; }
+
   // Always nullptr.
   std::shared_ptr<const std::vector<std::string>> productionRules() const { return nullptr; }
   bool debugging() const { return _debugging; }  // true; for callers
@@ -82,19 +87,23 @@ class MARLUNE_API Parser {
   const std::shared_ptr<GrammarPart>& theGrammar() const;
   bool hasGrammar() const { return _compiled != nullptr; }
 
-  // Why there is no grammar: the file is unreadable or malformed, or the name selects nothing in
-  // it; then the message has the nearest names. Nothing if there is a grammar, or none was named.
+  // Why there is no grammar: the file is unreadable or malformed, the grammar is broken (for which
+  // setGrammar has thrown), or the name selects nothing in the file; then the message has the
+  // nearest names. Nothing if there is a grammar, or none was named.
   const std::optional<Failure>& whyNoGrammar() const { return _failure; }
 
  private:
   Parser();
 
   bool _worksCompiled() const;
+  template <typename Rewrite>
+  std::shared_ptr<SimpleSlotSequence> _watched(Rewrite rewrite) const;
 
   std::optional<Failure> _nameFailure(std::string_view name) const;
 
   GrammarFile* _file = nullptr;  // owned by the process; null when it cannot be read
   std::optional<Failure> _failure;
+  mutable std::optional<Failure> _unfinished;
   bool _debugging = false;
   std::unique_ptr<CompiledGrammar> _compiled;  // null without a grammar
 };

@@ -15,15 +15,29 @@ struct MARLUNE_API Failure {
     unreadable,   // a file that does not exist or cannot be read
     malformed,    // a file that can be read and is not what it should be; the message has the place
     unknownName,  // a name that selects nothing; the message has similar ones
+    unwritable,   // a file that cannot be written
+    unavailable,  // a library, server or device that is missing, gone or refuses its service
+    tooLarge,     // a limit of this library is exceeded
+    endless,      // a repetition that would not end was stopped
   };
 
+  static Failure unreadable(std::string message) { return {Kind::unreadable, std::move(message)}; }
+  static Failure malformed(std::string message) { return {Kind::malformed, std::move(message)}; }
+  static Failure unwritable(std::string message) { return {Kind::unwritable, std::move(message)}; }
+  static Failure unavailable(std::string message) {
+    return {Kind::unavailable, std::move(message)};
+  }
+
   Kind kind = Kind::unreadable;
-  std::string message;  // a sentence without a full stop; names in it are as they were given
+  // For people. A sentence without a full stop, unless the function that returns it says otherwise.
+  // Names in it are as they were given.
+  std::string message;
 
   bool operator==(const Failure&) const = default;
 };
 
-// A value, or the failure to get one.
+// A value, or the failure to get one. Where there is no value to give, functions return an
+// std::optional<Failure>.
 template <typename Answer>
 class Result {
  public:

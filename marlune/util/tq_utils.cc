@@ -52,13 +52,8 @@ LogSettings& settings() {
   return *shared;
 }
 
-thread_local int silences = 0;  // Silence objects alive on this thread
-
-SystemLog& systemLogInUse() {
-  static StandardErrorLog* const standardError = new StandardErrorLog;
-  SystemLog* const log = Platform::shared().systemLog.get();
-  return log ? *log : *standardError;
-}
+thread_local int silences = 0;                           // Silence objects alive on this thread
+thread_local const TQUtils::Capture* capture = nullptr;  // the innermost one of this thread
 
 std::string pathInDirectory(const std::string& directory, const std::string& name) {
   const bool needsSlash = !directory.empty() && directory.back() != '/';
@@ -76,6 +71,18 @@ std::shared_ptr<LogFile> fileToLogTo() {
 
 TQUtils::Silence::Silence() { ++silences; }
 TQUtils::Silence::~Silence() { --silences; }
+
+TQUtils::Capture::Capture(SystemLog& log, Kept kept) : _log(log), _kept(kept), _outer(capture) {
+  capture = this;
+}
+TQUtils::Capture::~Capture() { capture = _outer; }
+
+SystemLog& TQUtils::_systemLogInUse() {
+  static StandardErrorLog* const standardError = new StandardErrorLog;
+  if (capture) return capture->_log;
+  SystemLog* const log = Platform::shared().systemLog.get();
+  return log ? *log : *standardError;
+}
 
 bool TQUtils::isWantedForDefault(std::string_view key) {
   const Preferences* const preferences = Platform::shared().preferences.get();
@@ -101,17 +108,23 @@ void TQUtils::_log(std::string_view format, std::initializer_list<FormatArgument
 void TQUtils::_systemLog(std::string_view format,
                          std::initializer_list<FormatArgument> arguments) noexcept try {
   if (silences > 0) return;
-  systemLogInUse().write(formatted(format, arguments));
+  _systemLogInUse().write(formatted(format, arguments));
 } catch (const std::exception&) {
   // A line that cannot be formatted is lost, like one that cannot be written.
+}
+
+void TQUtils::_comparisonLog(std::string_view format,
+                             std::initializer_list<FormatArgument> arguments) noexcept {
+  if (capture && capture->_kept == Capture::Kept::messages) return;
+  _systemLog(format, arguments);
 }
 
 void TQUtils::_write(std::string_view type, std::string_view format,
                      std::initializer_list<FormatArgument> arguments) noexcept try {
   if (silences > 0) return;
   const std::string message = formatted(format, arguments);
-  systemLogInUse().write(message);
-  __logToFileForMessageType(type, message);
+  _systemLogInUse().write(message);
+  if (!capture) __logToFileForMessageType(type, message);
 } catch (const std::exception&) {
   // The line is lost.
 }

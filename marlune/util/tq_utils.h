@@ -14,6 +14,8 @@
 
 namespace marlune {
 
+class SystemLog;
+
 // Boolean preferences that switch traces on. The value of each constant is its own name.
 inline constexpr std::string_view ZKPlistErrorDefault = "ZKPlistErrorDefault";
 inline constexpr std::string_view ZKPlistNotificationDefault = "ZKPlistNotificationDefault";
@@ -63,6 +65,13 @@ class MARLUNE_API TQUtils {
     _systemLog(format, {FormatArgument(arguments)...});
   }
 
+  // A line straight to the system log about one comparison of a pattern with a word. There can be
+  // millions, so a Capture may leave them out.
+  template <typename... Arguments>
+  static void comparisonLog(std::string_view format, const Arguments&... arguments) {
+    _comparisonLog(format, {FormatArgument(arguments)...});
+  }
+
   // While one exists, this thread logs nothing. Used when work that has already logged its lines is
   // repeated. Silences nest.
   class Silence {
@@ -71,6 +80,26 @@ class MARLUNE_API TQUtils {
     ~Silence();
     Silence(const Silence&) = delete;
     Silence& operator=(const Silence&) = delete;
+  };
+
+  // While one exists, it receives what this thread would write to the system log, and log files
+  // receive nothing. Captures nest: the innermost one receives the lines.
+  class MARLUNE_INTERNAL_API Capture {
+   public:
+    enum class Kept { messages, everything };  // `messages`: without the lines of comparisons
+
+    // The log must outlive the object.
+    explicit Capture(SystemLog& log, Kept kept = Kept::messages);
+    ~Capture();
+    Capture(const Capture&) = delete;
+    Capture& operator=(const Capture&) = delete;
+
+   private:
+    friend TQUtils;
+
+    SystemLog& _log;
+    const Kept _kept;
+    const Capture* const _outer;
   };
 
   // Starts a new log file in `directory` and writes every later line to it too. nullptr stops that
@@ -106,6 +135,9 @@ class MARLUNE_API TQUtils {
   static void _log(std::string_view format, std::initializer_list<FormatArgument> arguments);
   static void _systemLog(std::string_view format,
                          std::initializer_list<FormatArgument> arguments) noexcept;
+  static void _comparisonLog(std::string_view format,
+                             std::initializer_list<FormatArgument> arguments) noexcept;
+  static SystemLog& _systemLogInUse();
   // Writes to the system log and the log file; `type` is the type of the line in the file.
   static void _write(std::string_view type, std::string_view format,
                      std::initializer_list<FormatArgument> arguments) noexcept;

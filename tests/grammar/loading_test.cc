@@ -206,7 +206,9 @@ TEST_F(LoadingTest, SaysWhyThereIsNoGrammar) {
   EXPECT_EQ(Parser::initWithPlistAtPath("/nowhere", "Main")->whyNoGrammar(),
             (Failure{Kind::unreadable, "no file at /nowhere"}));
   const auto parser = Parser::initWithPlistAtPath(
-      file("{Main={Units={}; Text=x}; Mains={}; Man={}; Min={}; Other={}; Mien=x}"), std::nullopt);
+      file("{Main={Units={}; Text=x}; Mains={}; Man={}; Min={}; Other={}; Mien=x;"
+           " Broken={Rule={_lhs={_significantSlots=[[]]}}}}"),
+      std::nullopt);
   EXPECT_EQ(parser->whyNoGrammar(), std::nullopt);
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"Mian", "there is no grammar named Mian; did you mean Man, Min or Main?"},
@@ -219,8 +221,34 @@ TEST_F(LoadingTest, SaysWhyThereIsNoGrammar) {
     parser->setGrammar(name);
     EXPECT_EQ(parser->whyNoGrammar(), (Failure{Kind::unknownName, std::string(message)}));
   }
+  EXPECT_THROW(parser->setGrammar("Broken"), GrammarError);
+  EXPECT_EQ(parser->whyNoGrammar()->kind, Kind::malformed);
+  EXPECT_THAT(parser->whyNoGrammar()->message, testing::StartsWith("Broken.Rule._lhs"));
   parser->setGrammar("Main");
   EXPECT_EQ(parser->whyNoGrammar(), std::nullopt);
+  EXPECT_THROW(parser->setGrammar("Broken"), GrammarError);
+  EXPECT_EQ(parser->whyNoGrammar(), std::nullopt) << "it keeps its grammar";
+}
+
+TEST_F(LoadingTest, SaysWhyAPhraseIsUnfinished) {
+  const auto parser = Parser::initWithPlistAtPath(
+      file("{Grow={_lhs={_significantSlots=[a]}; _rhs=[a, a]; _repeat=#1};"
+           " Flip={__name=Flip; _lhs={_significantSlots=[[+, a, b]]}; _repeat=#1;"
+           " _rhs={_signature=[{_index=#0; _attribute=content}]; _expansions={a=[b]; b=[a]}}}}"),
+      "Grow");
+  for (const bool isTraced : {false, true}) {
+    preferences->set(ZKPlistNotificationDefault, Value::boolean(isTraced));
+    parser->setGrammar("Grow");
+    parser->resultOfRulesAppliedToStrings({"a"});
+    EXPECT_EQ(parser->whyUnfinished(),
+              (Failure{Failure::Kind::tooLarge, "the phrase would grow past 10000 words"}));
+    parser->resultOfRulesAppliedToStrings({"b"});
+    EXPECT_EQ(parser->whyUnfinished(), std::nullopt);
+    parser->setGrammar("Flip");
+    parser->resultOfRulesAppliedTo(*SimpleSlotSequence::slotSequenceWithStrings({"b"}));
+    EXPECT_EQ(parser->whyUnfinished(),
+              (Failure{Failure::Kind::endless, "the repeating rule Flip would not end"}));
+  }
 }
 
 TEST_F(LoadingTest, TheTreePrintsByOrderThenName) {
@@ -285,7 +313,7 @@ TEST_F(LoadingTest, AGrammarIsThatOfItsLoadingWhateverItsFileBecomes) {
 
 TEST_F(LoadingTest, ATreeThatItsReaderKeepsStaysTheSame) {
   struct KeepingReader : PropertyListReader {
-    Result readFile(const std::string&) const noexcept override { return {tree, ""}; }
+    Result<Value> readFile(const std::string&) const noexcept override { return tree; }
     Value tree = plist("{Main={In={R={_lhs={_significantSlots=[a]}; _rhs=[b]}}}}");
   };
   const auto keeping = std::make_shared<KeepingReader>();

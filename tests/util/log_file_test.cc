@@ -192,6 +192,26 @@ TEST_F(LogFileTest, ClosedStandardErrorDoesNotLeadIntoTheFile) {
   EXPECT_THAT(directory.contents(), ElementsAre(MatchesRegex("[-0-9]+ ERROR written\n")));
 }
 
+TEST_F(LogFileTest, ACaptureReceivesItsThreadsLinesAlone) {
+  using Kept = TQUtils::Capture::Kept;
+  FakeSystemLog outer, inner;
+  {
+    const TQUtils::Capture all(outer, Kept::everything);
+    TQUtils::comparisonLog("compared");
+    {
+      const TQUtils::Capture messages(inner);
+      TQUtils::comparisonLog("left out");
+      TQUtils::log("message");
+      std::thread([] { TQUtils::log("other thread"); }).join();
+    }
+    TQUtils::systemLog("again");
+  }
+  TQUtils::systemLog("after");
+  EXPECT_THAT(outer.lines(), ElementsAre("compared", "again"));
+  EXPECT_THAT(inner.lines(), ElementsAre("message"));
+  EXPECT_THAT(log->lines(), ElementsAre("other thread", "after"));
+}
+
 TEST_F(LogFileTest, LinesAreWholeWhileThreadsWriteAndFilesChange) {
   logTo(directory.path());
   const auto writeLines = [](std::size_t length, char letter) {

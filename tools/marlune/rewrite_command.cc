@@ -63,7 +63,7 @@ class RewriteCommand : public PhraseCommand {
     if (_options.trace == "rules") {
       const GrammarWalk walk = _rewriter.walkOf(words);
       _show(readableTrace(walk));
-      for (const Turn& turn : walk.turns()) requireNoLimitAmong(turn.messages);
+      for (const Turn& turn : walk.turns()) requireWithinLimits(turn.unfinished);
       return walk.after()->stringArray();
     }
     if (_options.trace == "raw") std::cerr << _rewriter.rawTraceOf(words) << std::flush;

@@ -177,10 +177,10 @@ bool Cell::_attributeMatches(const AttributeDictionary::Entry& attribute,
     const std::string* content = target ? target->content() : nullptr;
     const std::size_t length = comparedLength(*name);
     const auto start = content ? utf16Prefix(*content, length) : std::nullopt;
-    TQUtils::systemLog("Prefix! (unsigned long)chars = %lu   This: %@    Other: %@", length,
-                       value.text(), start ? FormatArgument(*start) : FormatArgument(nullptr));
+    TQUtils::comparisonLog("Prefix! (unsigned long)chars = %lu   This: %@    Other: %@", length,
+                           value.text(), start ? FormatArgument(*start) : FormatArgument(nullptr));
     if (!equalsCharacters(start)) return false;
-    TQUtils::systemLog("MATCH!");
+    TQUtils::comparisonLog("MATCH!");
     return true;
   }
   if (comparison == ContentComparison::suffix) {

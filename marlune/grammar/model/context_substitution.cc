@@ -5,6 +5,7 @@
 #include <string>
 
 #include "marlune/grammar/base/repetition.h"
+#include "marlune/grammar/model/rewriting_fault.h"
 #include "marlune/grammar/model/simple_slot.h"
 #include "marlune/util/tq_utils.h"
 
@@ -199,7 +200,7 @@ std::optional<SlotArray> ContextSubstitution::_replacement(const NewProduction& 
     if (text <= mostText) continue;
     TQUtils::log("ERROR: The phrase would grow past %lu bytes of text and is left as it is.",
                  _mostText);
-    _isFull = true;
+    _setFull(_mostText, " bytes of text");
     return std::nullopt;
   }
   return slots;
@@ -210,8 +211,14 @@ bool ContextSubstitution::_fits(std::size_t replacementCount) {
   if (replacementCount <= replaced) return true;
   if (_count() + (replacementCount - replaced) <= _longest) return true;
   TQUtils::log("ERROR: The phrase would grow past %lu words and is left as it is.", _longest);
-  _isFull = true;
+  _setFull(_longest, " words");
   return false;
+}
+
+void ContextSubstitution::_setFull(std::size_t most, const char* unit) {
+  _isFull = true;
+  RewritingFault::report(Failure::Kind::tooLarge,
+                         "the phrase would grow past " + std::to_string(most) + unit);
 }
 
 }  // namespace marlune

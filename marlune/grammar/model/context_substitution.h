@@ -43,6 +43,7 @@ class ContextSubstitution {
   std::optional<SlotArray> _replacement(const NewProduction& production,
                                         const SimpleSlotSequence* occurrence, std::size_t mostText);
   bool _fits(std::size_t replacementCount);
+  void _setFull(std::size_t most, const char* unit);
 
   // The current phrase: _front, then _back from its end to its start. Occurrences are rewritten
   // from left to right, so replacing all of them moves each slot about once.

@@ -12,6 +12,7 @@
 #include "marlune/grammar/model/conditional_production.h"
 #include "marlune/grammar/model/context_substitution.h"
 #include "marlune/grammar/model/phrase_digest.h"
+#include "marlune/grammar/model/rewriting_fault.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -94,6 +95,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
           "ERROR: The repeating rule '%@' stopped after %i passes: the phrase came back "
           "to what it had been.",
           name() ? FormatArgument(*name()) : FormatArgument(nullptr), passes);
+      _reportStopped();
       return current;
     }
     steps += pass.steps();
@@ -102,9 +104,15 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
           "ERROR: The repeating rule '%@' stopped after %i passes, although each had "
           "changed the phrase.",
           name() ? FormatArgument(*name()) : FormatArgument(nullptr), passes);
+      _reportStopped();
       return current;
     }
   }
+}
+
+void Rule::_reportStopped() const {
+  RewritingFault::report(Failure::Kind::endless,
+                         "the repeating rule " + (name() ? *name() : "") + " would not end");
 }
 
 std::string Rule::description() const { return GrammarPart::description() + "RULE"; }

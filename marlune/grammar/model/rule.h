@@ -55,6 +55,7 @@ class MARLUNE_API Rule : public GrammarPart {
 
  private:
   static std::shared_ptr<GenericProduction> _productionFromPlist(const Value& plist);
+  void _reportStopped() const;
 
   std::shared_ptr<SlotsInContext> _leftHandSide;
   std::shared_ptr<GenericProduction> _rightHandSide;

@@ -4,6 +4,7 @@
 
 #include "marlune/grammar/model/cell.h"
 #include "marlune/grammar/model/directory.h"
+#include "marlune/grammar/model/rewriting_fault.h"
 #include "marlune/workbench/derivation/captured_log.h"
 
 namespace marlune {
@@ -57,10 +58,11 @@ void GrammarWalk::_apply(const GrammarPart& part, const std::string& path) {
 
 void GrammarWalk::_applyRule(const Rule& rule, const std::string& path) {
   const CapturedLog log;
+  RewritingFault fault;
   const PhrasePointer before = padded(*_current);
   const PhrasePointer after = rule.appliedTo(*before);
   _current = arePhrasesEqual(*before, *after) ? before : after;
-  _turns.push_back({path, &rule, before, _current, log.lines()});
+  _turns.push_back({path, &rule, before, _current, log.lines(), std::move(fault.failure)});
 }
 
 }  // namespace marlune

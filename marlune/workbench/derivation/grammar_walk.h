@@ -2,10 +2,12 @@
 #define MARLUNE_WORKBENCH_DERIVATION_GRAMMAR_WALK_H_
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "marlune/grammar/model/rule.h"
+#include "marlune/platform/failure.h"
 
 namespace marlune {
 
@@ -18,6 +20,7 @@ struct Turn {
   PhrasePointer before;               // with a blank at each end
   PhrasePointer after;                // the same object as `before` if the rule changed nothing
   std::vector<std::string> messages;  // what the rule logged, without the comparisons
+  std::optional<Failure> unfinished;  // why the rule stopped early
 };
 
 // Applies all rules of a grammar to a phrase, in the grammar's own order, and keeps each step. The

@@ -2,6 +2,7 @@
 #define MARLUNE_TOOLS_MARLUNE_REWRITING_REWRITER_H_
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,9 +34,8 @@ class Rewriter {
   std::unique_ptr<Parser> _parser;
 };
 
-// Throws PhraseError if one of the grammar's messages reports that a rule stopped because the
-// phrase would have become too long.
-void requireNoLimitAmong(const std::vector<std::string>& messages);
+// Throws PhraseError if a rule stopped because the phrase would have become too long.
+void requireWithinLimits(const std::optional<Failure>& unfinished);
 
 }  // namespace marlune::tool
 

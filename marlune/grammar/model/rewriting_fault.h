@@ -1,0 +1,31 @@
+#ifndef MARLUNE_GRAMMAR_MODEL_REWRITING_FAULT_H_
+#define MARLUNE_GRAMMAR_MODEL_REWRITING_FAULT_H_
+
+#include <optional>
+
+#include "marlune/platform/failure.h"
+#include "marlune/platform/visibility.h"
+
+namespace marlune {
+
+// While one exists, keeps the first reason for which this thread left a phrase unfinished. They
+// nest: the innermost one keeps it.
+class MARLUNE_INTERNAL_API RewritingFault {
+ public:
+  RewritingFault();
+  ~RewritingFault();
+  RewritingFault(const RewritingFault&) = delete;
+  RewritingFault& operator=(const RewritingFault&) = delete;
+
+  std::optional<Failure> failure;
+
+  // Called where the reason arises, beside the line in the log.
+  static void report(Failure::Kind kind, std::string message);
+
+ private:
+  RewritingFault* const _outer;
+};
+
+}  // namespace marlune
+
+#endif  // MARLUNE_GRAMMAR_MODEL_REWRITING_FAULT_H_
