@@ -50,11 +50,14 @@ void play(ClipDecoder& decoder, std::size_t most) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kMostBytes = 16'384;
   if (size > kMostBytes) return 0;
-  std::string cause;
-  const auto decoder = ClipDecoder::open(fileOf(data, size), cause);
-  require((decoder == nullptr) != cause.empty(), "refused without a cause, or accepted with one");
-  if (!decoder) return 0;
-  require(decoder->convertTo({48'000, 2}, cause), cause.c_str());
+  auto opened = ClipDecoder::open(fileOf(data, size));
+  if (!opened.succeeded()) {
+    require(!opened.failure().message.empty(), "refused without a cause");
+    return 0;
+  }
+  const std::unique_ptr<ClipDecoder> decoder = std::move(opened.value());
+  const auto failure = decoder->convertTo({48'000, 2});
+  require(!failure, failure ? failure->message.c_str() : "");
   play(*decoder, size * 4 * 12);
   return 0;
 }

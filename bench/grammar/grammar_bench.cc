@@ -155,7 +155,7 @@ BENCHMARK(BM_Ready)->Arg(100)->Arg(500)->Arg(2000)->Iterations(5)->Unit(benchmar
 void readList(benchmark::State& state, const std::string& path) {
   for (auto _ : state) {
     auto result = PropertyListFile().readFile(path);
-    if (result.root.isAbsent()) return state.SkipWithError(result.error.c_str());
+    if (!result.succeeded()) return state.SkipWithError(result.failure().message.c_str());
     benchmark::DoNotOptimize(result);
   }
 }

@@ -48,7 +48,7 @@ void renderThroughTheEngine(const Paths& recordings, const std::string& target) 
   queue->play();
   queue->waitUntilSettled();
   session.setActive(false);
-  if (const auto failure = output->finish()) stop(*failure);
+  if (const auto failure = output->finish()) stop(failure->message);
 }
 
 void copyWithSndfile(const std::string& path, SNDFILE*& target, const std::string& targetPath) {

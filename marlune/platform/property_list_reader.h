@@ -2,7 +2,6 @@
 #define MARLUNE_PLATFORM_PROPERTY_LIST_READER_H_
 
 #include <string>
-#include <string_view>
 
 #include "marlune/platform/failure.h"
 #include "marlune/platform/value.h"
@@ -16,17 +15,12 @@ namespace marlune {
 // Threads: any, at any time.
 class MARLUNE_API PropertyListReader {
  public:
-  struct Result {
-    Value root;         // absent when the file could not be read
-    std::string error;  // the cause and the place in the file, if root is absent: a sentence
-                        // without a line feed
-    Failure::Kind kind = Failure::Kind::unreadable;  // of the error
-  };
-
   virtual ~PropertyListReader() = default;
 
-  // Reads the whole file at `path`. Never throws, whatever the file contains or is.
-  virtual Result readFile(const std::string& path) const noexcept = 0;
+  // Reads the whole file at `path`. A value that is read is not absent. The message of a failure
+  // has the cause and the place in the file, without a line feed. Never throws, whatever the file
+  // contains or is.
+  virtual Result<Value> readFile(const std::string& path) const noexcept = 0;
 };
 
 }  // namespace marlune

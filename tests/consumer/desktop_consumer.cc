@@ -4,5 +4,5 @@
 
 int main() {
   const marlune::PropertyListFile reader;
-  return reader.readFile("no-such-file.plist").error.empty() ? 1 : 0;
+  return reader.readFile("no-such-file.plist").succeeded() ? 1 : 0;
 }

@@ -69,7 +69,7 @@ namespace {
 // A clock that counts what happens inside its callback.
 class WatchedOutput : public AudioOutput, private AudioSource {
  public:
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override {
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override {
     _source = &source;
     return _clock.open(*this, role);
   }

@@ -45,11 +45,13 @@ void lie(Bytes& bytes, Random& random) {
 
 // The number of frames played; nothing if the recording is refused, which requires a reason.
 std::optional<std::size_t> framesPlayedOf(const std::string& path) {
-  std::string cause;
-  const std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(path, cause);
-  EXPECT_EQ(cause.empty(), decoder != nullptr);
-  if (!decoder) return std::nullopt;
-  EXPECT_TRUE(decoder->convertTo(kOutput, cause)) << cause;
+  auto opened = ClipDecoder::open(path);
+  if (!opened.succeeded()) {
+    EXPECT_FALSE(opened.failure().message.empty());
+    return std::nullopt;
+  }
+  const std::unique_ptr<ClipDecoder> decoder = std::move(opened.value());
+  EXPECT_EQ(decoder->convertTo(kOutput), std::nullopt);
   std::size_t frames = 0;
   SoundBlock block;
   do {
@@ -107,9 +109,9 @@ TEST(CorruptRecordingsTest, PlainSamplesAreThoseOfTheLibrary) {
     Bytes bytes = kOriginals[i % std::size(kOriginals)];
     if (i >= 3) kDamages[i / std::size(kOriginals) % std::size(kDamages)](bytes, random);
     const std::string path = folder.writeBytes("damaged.aif", bytes);
-    std::string cause;
-    const std::unique_ptr<Recording> recording = Recording::open(path, cause);
-    if (!recording || !recording->hasShorts()) continue;
+    const auto opened = Recording::open(path);
+    if (!opened.succeeded() || !opened.value()->hasShorts()) continue;
+    const std::unique_ptr<Recording>& recording = opened.value();
     std::vector<short> plain(static_cast<std::size_t>(recording->frameCount()) *
                              static_cast<std::size_t>(recording->format().channels));
     recording->read(plain.data(), static_cast<std::size_t>(recording->frameCount()));
@@ -139,11 +141,11 @@ TEST(CorruptRecordingsTest, SayHowMuchIsMissing) {
     SCOPED_TRACE(c.why);
     Bytes bytes =
         readBytes(folder.write("whole.aif", samples, {22'050, 2}, SF_FORMAT_AIFF | c.encoding));
-    std::string cause;
-    EXPECT_EQ(Recording::open(folder.path("whole.aif"), cause)->missingFrames(), 0);
+    EXPECT_EQ(Recording::open(folder.path("whole.aif")).value()->missingFrames(), 0);
     bytes.resize(bytes.size() - 500 * c.bytesAFrame + 1);
-    const auto recording = Recording::open(folder.writeBytes("cut.aif", bytes), cause);
-    ASSERT_NE(recording, nullptr) << cause;
+    const auto opened = Recording::open(folder.writeBytes("cut.aif", bytes));
+    ASSERT_TRUE(opened.succeeded());
+    const std::unique_ptr<Recording>& recording = opened.value();
     EXPECT_EQ(recording->missingFrames(), 500);
     EXPECT_EQ(recording->frameCount(), 1'000);
   }

@@ -86,7 +86,7 @@ class SilentSource : public AudioSource {
 TEST(DeviceHandoverTest, ADeviceThatAnswersAsPatienceEndsBelongsToExactlyOneSide) {
   constexpr Microseconds kPatience(400);
   StandInSdl sdl;
-  const auto load = [&](std::string&) { return &sdl.library; };
+  const auto load = [&]() -> Result<const SdlLibrary*> { return &sdl.library; };
   SilentSource source;
   std::mt19937 random(8);  // NOLINT(bugprone-random-generator-seed): reproducible
   std::array<int, 2> outcomes = {};

@@ -103,9 +103,10 @@ TEST_F(FileOutputTest, WritesDevicesAndPipesDirectly) {
   DesktopAudioSession session(route);
   EXPECT_EQ(session.setActive(true).error, std::nullopt);
   session.setActive(false);
-  EXPECT_EQ(route->output()->loss(), "The sound file \"" + folder.path("full.wav") +
-                                         "\" cannot be written any further: No space left on "
-                                         "device.");
+  EXPECT_EQ(route->output()->loss()->message,
+            "The sound file \"" + folder.path("full.wav") +
+                "\" cannot be written any further: No space left on "
+                "device.");
 }
 
 TEST_F(FileOutputTest, FinerSamplesAreRoundedAndLouderOnesClipped) {

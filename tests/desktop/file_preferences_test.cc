@@ -13,6 +13,7 @@
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
+#include "support/list_read.h"
 #include "support/platform_fixture.h"
 #include "support/temporary_directory.h"
 
@@ -91,7 +92,7 @@ class FilePreferencesTest : public PlatformFixture {
   }
   std::string path() const { return folder.path("org.example.own.plist"); }
   Value stored(std::string_view key) const {
-    const Value root = PropertyListFile().readFile(path()).root;
+    const Value root = ListRead(PropertyListFile().readFile(path())).root;
     return root.asDictionary() ? root.asDictionary()->valueForKey(key) : Value();
   }
   void write(std::string_view content) const { std::ofstream(path()) << content; }
@@ -261,13 +262,13 @@ TEST_F(FilePreferencesTest, ManyWritersLoseNothing) {
       preferences.setValueForKey(Value::integer(i), key, "");
       EXPECT_TRUE(preferences.synchronize(""));
       EXPECT_EQ(preferences.valueForKey(key, "").int64(), i);
-      EXPECT_EQ(PropertyListFile().readFile(path()).error, "");
+      EXPECT_TRUE(PropertyListFile().readFile(path()).succeeded());
     }
   };
   std::vector<std::jthread> writers;
   for (int writer = 0; writer < kWriters; ++writer) writers.emplace_back(work, writer);
   writers.clear();
-  EXPECT_EQ(PropertyListFile().readFile(path()).root.asDictionary()->count(),
+  EXPECT_EQ(PropertyListFile().readFile(path()).value().asDictionary()->count(),
             std::size_t{kWriters * kKeys});
 }
 
@@ -289,7 +290,7 @@ TEST_F(FilePreferencesTest, TheDesktopBringsWhatTheTableLacks) {
   installDesktopServices({.preferencesDomain = "own", .preferencesFolder = folder.path()});
   EXPECT_EQ(Platform::shared().systemLog, log);
   write("<plist><integer>5</integer></plist>");
-  EXPECT_EQ(Platform::shared().propertyListReader->readFile(path()).root.int64(), 5);
+  EXPECT_EQ(Platform::shared().propertyListReader->readFile(path()).value().int64(), 5);
   Platform::shared().preferences->setValueForKey(Value::boolean(true), TQUtilsPacketTraceDefault,
                                                  "");
   EXPECT_TRUE(Platform::shared().preferences->synchronize(""));

@@ -7,18 +7,18 @@
 #include "marlune/desktop/plist/xml_list_writer.h"
 #include "support/binary_list.h"
 #include "support/dense_lists.h"
+#include "support/list_read.h"
 #include "support/small_stack.h"
 
 namespace marlune {
 namespace {
 
-using Result = PropertyListReader::Result;
 using std::string_literals::operator""s;
 
-Result read(std::string_view bytes) { return PropertyListFile().readBytes(bytes, ""); }
+ListRead read(std::string_view bytes) { return PropertyListFile().readBytes(bytes, ""); }
 
 // Reads a list whose only object is `object`, at byte 8.
-Result readObject(std::string object) {
+ListRead readObject(std::string object) {
   BinaryList list;
   return read(list.file(list.add(std::move(object))));
 }
@@ -53,7 +53,7 @@ TEST(PlistBinaryTest, ReadsEveryKind) {
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(testing::PrintToString(c.object));
-    const Result result = readObject(c.object);
+    const ListRead result = readObject(c.object);
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(result.root.kind(), c.value.kind());
     EXPECT_TRUE(result.root.equals(c.value)) << *writePropertyListXml(result.root);
@@ -67,7 +67,7 @@ TEST(PlistBinaryTest, ReadsWhatTheXmlFormHolds) {
           "<key>a</key><dict><key>b</key><integer>-5</integer></dict></dict></plist>")
           .root;
   BinaryList list;
-  const Result result = read(list.file(list.addValue(root)));
+  const ListRead result = read(list.file(list.addValue(root)));
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(*writePropertyListXml(result.root), *writePropertyListXml(root));
 }
@@ -96,7 +96,7 @@ TEST(PlistBinaryTest, AnErrorSaysTheByteAndWhatWasExpected) {
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(testing::PrintToString(c.object));
-    const Result result = readObject(c.object);
+    const ListRead result = readObject(c.object);
     EXPECT_EQ(result.error, c.error);
     EXPECT_TRUE(result.root.isAbsent());
   }
@@ -186,7 +186,7 @@ TEST(PlistBinaryTest, NestsToItsBoundOnASmallStackAndRefusesMore) {
     for (int level = 1; level < 256; ++level) object = list.addDictionary({key}, {object});
     EXPECT_EQ(read(list.file(object)).error, "");
     for (int level = 256; level < 60'000; ++level) object = list.addArray({object});
-    const Result result = read(list.file(object));
+    const ListRead result = read(list.file(object));
     EXPECT_NE(result.error.find("expected at most 256 levels of dictionaries and arrays"),
               std::string::npos)
         << result.error;

@@ -21,7 +21,7 @@ constexpr std::string_view kList =
     "</dict></plist>\n";
 
 std::string binaryList() {
-  const Value root = PropertyListFile().readBytes(kList, "").root;
+  const Value root = PropertyListFile().readBytes(kList, "").value();
   Dictionary& dictionary = *root.asDictionary();
   dictionary.removeKey("data");
   dictionary.removeKey("date");
@@ -38,10 +38,10 @@ TEST(PlistMalformedTest, EveryTruncationIsRefused) {
   // Only the line feed after the root may be missing.
   for (std::size_t length = 0; length + 1 < kList.size(); ++length) {
     const auto result = PropertyListFile().readBytes(kList.substr(0, length), "");
-    ASSERT_TRUE(result.root.isAbsent() && !result.error.empty()) << length;
+    ASSERT_TRUE(!result.succeeded() && !result.failure().message.empty()) << length;
   }
   const std::string binary = binaryList();
-  ASSERT_FALSE(PropertyListFile().readBytes(binary, "").root.isAbsent());
+  ASSERT_TRUE(PropertyListFile().readBytes(binary, "").succeeded());
   for (std::size_t length = 0; length < binary.size(); ++length) {
     ASSERT_EQ(faultOfReading(std::string_view(binary).substr(0, length)), std::nullopt) << length;
   }

@@ -8,22 +8,21 @@
 
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/util/format.h"
+#include "support/list_read.h"
 #include "support/small_stack.h"
 #include "support/temporary_directory.h"
 
 namespace marlune {
 namespace {
 
-using Result = PropertyListReader::Result;
-
 constexpr std::string_view kUsualStart =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
     "<!DOCTYPE plist PUBLIC \"-//Example//DTD PLIST 1.0//EN\" \"http://localhost:9/list.dtd\">\n";
 
-Result read(std::string_view bytes) { return PropertyListFile().readBytes(bytes, ""); }
+ListRead read(std::string_view bytes) { return PropertyListFile().readBytes(bytes, ""); }
 
 // Reads a list that contains `content`, which begins on line 3, column 22.
-Result readContent(std::string_view content) {
+ListRead readContent(std::string_view content) {
   return read(std::string(kUsualStart) + "<plist version=\"1.0\">" + std::string(content) +
               "</plist>\n");
 }
@@ -36,7 +35,7 @@ std::string repeated(std::string_view text, std::size_t times) {
 }
 
 TEST(PlistXmlTest, ReadsEveryKindInTheOrderOfTheFile) {
-  const Result result = readContent(
+  const ListRead result = readContent(
       "<dict> <key>zeta</key><string>a &lt;b&gt; &#xfc;<![CDATA[ & ]]><!-- not this -->c</string>\n"
       "<key>alpha &amp; omega</key><array><integer>-7</integer><real> 2.5 </real><true/><false/>"
       "<array/><dict></dict><string/></array><key/><data>\n\tbWFy bHVu\nZQ==\n</data>"
@@ -67,7 +66,7 @@ TEST(PlistXmlTest, ReadsNumbersToTheEndsOfTheirRange) {
                    {"-9223372036854775808", INT64_MIN}};
   for (const auto& c : kIntegers) {
     SCOPED_TRACE(c.text);
-    const Result result = readContent("<integer>" + std::string(c.text) + "</integer>");
+    const ListRead result = readContent("<integer>" + std::string(c.text) + "</integer>");
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(result.root.int64(), c.number);
   }
@@ -124,7 +123,7 @@ TEST(PlistXmlTest, AnErrorSaysLineColumnAndWhatWasExpected) {
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.content);
-    const Result result = readContent(c.content);
+    const ListRead result = readContent(c.content);
     EXPECT_EQ(result.error, c.error);
     EXPECT_TRUE(result.root.isAbsent());
   }
@@ -233,11 +232,11 @@ TEST_F(PlistFileTest, ReadsAFileAndNamesItInErrors) {
   std::ofstream(path("good.plist")) << "<plist><integer>5</integer></plist>";
   std::ofstream(path("bad\n.plist")) << "<plist>";
   const PropertyListFile reader;
-  EXPECT_EQ(reader.readFile(path("good.plist")).root.int64(), 5);
-  EXPECT_EQ(reader.readFile(path("bad\n.plist")).error,
+  EXPECT_EQ(ListRead(reader.readFile(path("good.plist"))).root.int64(), 5);
+  EXPECT_EQ(ListRead(reader.readFile(path("bad\n.plist"))).error,
             path("bad?.plist: line 1, column 8: expected a value, found the end of the file"));
-  EXPECT_EQ(reader.readFile(path("bad\n.plist")).kind, Failure::Kind::malformed);
-  EXPECT_EQ(reader.readFile(path("none.plist")).kind, Failure::Kind::unreadable);
+  EXPECT_EQ(ListRead(reader.readFile(path("bad\n.plist"))).kind, Failure::Kind::malformed);
+  EXPECT_EQ(ListRead(reader.readFile(path("none.plist"))).kind, Failure::Kind::unreadable);
 }
 
 TEST_F(PlistFileTest, RefusesWhatIsNoRegularFileOfBoundedSize) {
@@ -245,14 +244,15 @@ TEST_F(PlistFileTest, RefusesWhatIsNoRegularFileOfBoundedSize) {
   std::ofstream(path("large"));
   std::filesystem::resize_file(path("large"), (std::uintmax_t{64} << 20) + 1);
   const PropertyListFile reader;
-  EXPECT_EQ(reader.readFile(path("")).error, path(": expected a regular file, found a directory"));
-  EXPECT_EQ(reader.readFile(path("fifo")).error,
+  EXPECT_EQ(ListRead(reader.readFile(path(""))).error,
+            path(": expected a regular file, found a directory"));
+  EXPECT_EQ(ListRead(reader.readFile(path("fifo"))).error,
             path("fifo: expected a regular file, found a FIFO"));
-  EXPECT_EQ(reader.readFile("/dev/zero").error,
+  EXPECT_EQ(ListRead(reader.readFile("/dev/zero")).error,
             "/dev/zero: expected a regular file, found a device");
-  EXPECT_EQ(reader.readFile(path("large")).error,
+  EXPECT_EQ(ListRead(reader.readFile(path("large"))).error,
             path("large: expected at most 64 MiB, found 67108865 bytes"));
-  EXPECT_EQ(reader.readFile(path("none")).error, path("none: No such file or directory"));
+  EXPECT_EQ(ListRead(reader.readFile(path("none"))).error, path("none: No such file or directory"));
 }
 
 }  // namespace

@@ -21,8 +21,8 @@ TEST(PlistXmlWriterTest, WhatIsWrittenReadsBackEqual) {
   root->setValueForKey(Value::date(252423993598.5), "late date");
   const std::optional<std::string> xml = writePropertyListXml(Value::dictionary(root));
   const auto result = PropertyListFile().readBytes(*xml, "");
-  EXPECT_EQ(result.error, "");
-  EXPECT_TRUE(result.root.equals(Value::dictionary(root))) << *xml;
+  ASSERT_TRUE(result.succeeded());
+  EXPECT_TRUE(result.value().equals(Value::dictionary(root))) << *xml;
 }
 
 TEST(PlistXmlWriterTest, IndentsWithTabsAndReplacesWhatXmlCannotHold) {

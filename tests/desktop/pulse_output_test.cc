@@ -150,7 +150,7 @@ TEST_F(PulseOutputTest, GivesUpOnAServerThatDoesNotAnswerAndSucceedsOnceItDoes) 
   PulseOutput impatient(/*bufferSeconds=*/0.08, /*patienceSeconds=*/0.02);
   PulseOutput patient(/*bufferSeconds=*/0.08, /*patienceSeconds=*/60);
   server->suspend();
-  EXPECT_EQ(impatient.open(source, ""), "The sound server does not answer.");
+  EXPECT_EQ(impatient.open(source, "")->message, "The sound server does not answer.");
   EXPECT_TRUE(impatient.hasFoundServer());
   server->resume();
   EXPECT_EQ(patient.open(source, ""), std::nullopt);

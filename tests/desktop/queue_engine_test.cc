@@ -315,7 +315,7 @@ TEST_F(QueueEngineTest, TheSessionOpensAndClosesTheOutputButNotWhileSoundIsRunni
   const AudioSession::Outcome refused = rig.session.setActive(true);
   EXPECT_FALSE(refused.succeeded);
   EXPECT_EQ(refused.error, "There is no device.");
-  rig.output->refuse(std::nullopt);
+  rig.output->stopRefusing();
 
   EXPECT_TRUE(rig.session.setActive(true).succeeded);
   EXPECT_TRUE(rig.session.setActive(true).succeeded);
@@ -409,9 +409,9 @@ TEST_F(QueueEngineTest, ARecordingThatIsCutOffPlaysWhatItHoldsAndGetsALine) {
   std::vector<char> bytes =
       readBytes(folder.write("cut.aif", countingSamples(44'100, 0), {22'050, 1}));
   bytes.resize(bytes.size() - 2 * 11'025);
-  std::string cause;
   const std::string path = folder.writeBytes("cut.aif", bytes);
-  const auto item = std::make_shared<FilePlayerItem>(path, Recording::open(path, cause));
+  const auto item =
+      std::make_shared<FilePlayerItem>(path, std::move(Recording::open(path).value()));
   std::filesystem::remove(path);  // it is open: nothing opens it again
   queue->insert(item, nullptr);
   rig.session.setActive(true);

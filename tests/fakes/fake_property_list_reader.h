@@ -16,11 +16,11 @@ class FakePropertyListReader : public PropertyListReader {
   std::map<std::string, Value> files;
   mutable std::atomic<int> reads = 0;
 
-  Result readFile(const std::string& path) const noexcept override {
+  Result<Value> readFile(const std::string& path) const noexcept override {
     ++reads;
     const auto found = files.find(path);
-    if (found == files.end()) return {Value(), "no file at " + path};
-    return {_copy(found->second), ""};
+    if (found == files.end()) return Failure::unreadable("no file at " + path);
+    return _copy(found->second);
   }
 
  private:

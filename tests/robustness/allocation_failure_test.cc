@@ -20,6 +20,7 @@
 #include "reference/reference_decomposer.h"
 #include "robustness/failing_allocation.h"
 #include "support/binary_list.h"
+#include "support/list_read.h"
 #include "support/plist_notation.h"
 #include "support/temporary_directory.h"
 
@@ -133,8 +134,8 @@ TEST_F(AllocationFailureTest, AListIsReadOrRefusedInOneSentence) {
   const PropertyListFile reader;
   for (const bool isBinary : {false, true}) {
     const std::string path = grammarFile(isBinary ? "binary" : "xml", isBinary);
-    const std::string expected = *writePropertyListXml(reader.readFile(path).root);
-    PropertyListReader::Result result;
+    const std::string expected = *writePropertyListXml(reader.readFile(path).value());
+    ListRead result(Value{});
     const std::size_t count =
         sweep([](std::size_t) {}, [&] { result = reader.readFile(path); },
               [&] {

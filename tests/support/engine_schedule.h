@@ -199,7 +199,7 @@ class EngineSchedule {
     if (_crank) {
       _crank->setFormat(_format = _anyFormat());
       _crank->setLatencyFrames(_latency = _anyLatency());
-      _crank->refuse(_any(6) == 0 ? std::optional<std::string>("It is refused.") : std::nullopt);
+      _any(6) == 0 ? _crank->refuse("It is refused.") : _crank->stopRefusing();
     } else if (_device) {
       _device->format = _format = _anyFormat();
       _device->latency = _latency = _anyLatency();
@@ -245,7 +245,7 @@ class EngineSchedule {
     if (_output->loss()) _close();
     if (!_route->isOpen()) {
       _prepareOpening();
-      if (_crank) _crank->refuse(std::nullopt);
+      if (_crank) _crank->stopRefusing();
       if (_device) _device->refuses = false;
     }
     _session->setActive(true);

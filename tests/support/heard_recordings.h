@@ -64,9 +64,10 @@ class HeardRecordings {
   using Voice = std::vector<Samples>;
 
   static Samples _decoded(const std::string& path, AudioFormat format) {
-    std::string cause;
-    const auto decoder = ClipDecoder::open(path, cause);
-    if (!decoder || !decoder->convertTo(format, cause)) throw std::runtime_error(cause);
+    auto opened = ClipDecoder::open(path);
+    if (!opened.succeeded()) throw std::runtime_error(opened.failure().message);
+    const std::unique_ptr<ClipDecoder> decoder = std::move(opened.value());
+    if (auto failure = decoder->convertTo(format)) throw std::runtime_error(failure->message);
     Samples samples;
     SoundBlock block;
     do {

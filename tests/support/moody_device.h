@@ -31,9 +31,9 @@ class MoodyDevice : public AudioOutput {
   // Any thread; lasts until the next opening.
   void lose() { _isLost.store(true); }
 
-  std::optional<std::string> open(AudioSource& source, const std::string&) override {
+  std::optional<Failure> open(AudioSource& source, const std::string&) override {
     for (unsigned i = 0; i < lateness; ++i) std::this_thread::yield();
-    if (refuses) return "The device does not answer.";
+    if (refuses) return Failure::unavailable("The device does not answer.");
     _opened = format;
     _openedLatency = latency;
     _isLost.store(false);
@@ -47,9 +47,9 @@ class MoodyDevice : public AudioOutput {
   }
   AudioFormat formatForClip(const AudioFormat&) override { return _opened; }
   std::size_t latencyFrames() const override { return _openedLatency; }
-  std::optional<std::string> loss() const override {
+  std::optional<Failure> loss() const override {
     if (!_isLost.load()) return std::nullopt;
-    return "The device is gone.";
+    return Failure::unavailable("The device is gone.");
   }
 
  private:

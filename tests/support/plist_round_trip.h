@@ -7,6 +7,7 @@
 
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
+#include "support/list_read.h"
 
 namespace marlune {
 
@@ -14,7 +15,7 @@ namespace marlune {
 // after writing it as XML and reading it again. Returns the violation, or nothing if there is none.
 inline std::optional<std::string> faultOfReading(std::string_view bytes) {
   const PropertyListFile reader;
-  const PropertyListReader::Result first = reader.readBytes(bytes, "f");
+  const ListRead first = reader.readBytes(bytes, "f");
   if (first.root.isAbsent()) {
     const bool isLine =
         first.error.starts_with("f: ") && first.error.find('\n') == std::string::npos;
@@ -24,7 +25,7 @@ inline std::optional<std::string> faultOfReading(std::string_view bytes) {
   const std::optional<std::string> xml = writePropertyListXml(first.root);
   if (!xml) return "not written";
   if (xml->find("\xef\xbf\xbd") != std::string::npos) return std::nullopt;  // perhaps replaced
-  const PropertyListReader::Result second = reader.readBytes(*xml, "f");
+  const ListRead second = reader.readBytes(*xml, "f");
   if (second.root.isAbsent()) return "not read again: " + second.error;
   const bool hasNan = xml->find("<real>nan</real>") != std::string::npos;  // equals nothing
   if (!hasNan && !first.root.equals(second.root)) return "differs after rereading: " + *xml;

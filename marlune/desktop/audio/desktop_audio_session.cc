@@ -18,7 +18,7 @@ AudioSession::Outcome DesktopAudioSession::setCategory(std::string_view category
 AudioSession::Outcome DesktopAudioSession::setActive(bool active) {
   if (active) {
     auto error = _route->open(_options & kDuckOthers ? _duckingRole : std::string());
-    return error ? failure(*std::move(error)) : Outcome{};
+    return error ? failure(std::move(error->message)) : Outcome{};
   }
   if (_route->isOpen() && _route->isSounding()) {
     return failure("Sound is running: the session stays active.");

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "marlune/platform/failure.h"
+
 namespace marlune {
 
 // A shared library loaded on demand, so that programs that do not use it start faster. Stays loaded
@@ -17,14 +19,23 @@ class LoadedLibrary {
     function = reinterpret_cast<Function>(_find(name));
   }
 
-  // The library or the first function that could not be found; empty if nothing is missing.
-  const std::string& fault() const { return _fault; }
+  // Whether the library and all functions were found.
+  bool isComplete() const { return _fault.empty(); }
+  // What could not be found first, as a clause. REQUIRES: not isComplete().
+  Failure failure() const { return Failure::unavailable(_fault); }
+
+  // `functions` if the library is complete.
+  template <typename Functions>
+  Result<const Functions*> offering(const Functions& functions) const {
+    if (!isComplete()) return failure();
+    return &functions;
+  }
 
  private:
   void* _find(const char* name);
 
   void* const _library;
-  std::string _fault;
+  std::string _fault;  // empty if nothing is missing
 };
 
 }  // namespace marlune

@@ -7,8 +7,8 @@ namespace marlune {
 const ExpatLibrary& ExpatLibrary::shared() {
   static LoadedLibrary library("libexpat.so.1");
   static const ExpatLibrary functions(library);
-  if (library.fault().empty()) return functions;
-  throw PropertyListError{"the XML form cannot be read: " + library.fault()};
+  if (library.isComplete()) return functions;
+  throw PropertyListError{"the XML form cannot be read: " + library.failure().message};
 }
 
 ExpatLibrary::ExpatLibrary(LoadedLibrary& library) {

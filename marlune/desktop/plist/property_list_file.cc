@@ -38,39 +38,38 @@ Value valueOfBytes(std::string_view bytes) {
   throw PropertyListError{"expected an XML or binary property list, found something else"};
 }
 
-PropertyListReader::Result failure(std::string_view name, std::string_view message,
-                                   Failure::Kind kind) {
-  if (name.empty()) return {Value(), std::string(message), kind};
-  return {Value(), onOneLine(name) + ": " + std::string(message), kind};
+Failure failureOf(std::string_view name, std::string_view message, Failure::Kind kind) {
+  if (name.empty()) return {kind, std::string(message)};
+  return {kind, onOneLine(name) + ": " + std::string(message)};
 }
 
 // `bytes` returns the file's content.
 template <typename Bytes>
-PropertyListReader::Result resultOf(std::string_view name, const Bytes& bytes) noexcept {
+Result<Value> resultOf(std::string_view name, const Bytes& bytes) noexcept {
   Failure::Kind kind = Failure::Kind::unreadable;
   try {
     try {
       const auto content = bytes();
       kind = Failure::Kind::malformed;
-      return {valueOfBytes(content), "", {}};
+      return valueOfBytes(content);
     } catch (const PropertyListError& error) {
-      return failure(name, error.message, kind);
+      return failureOf(name, error.message, kind);
     } catch (const std::exception&) {
-      return failure(name, "out of memory", Failure::Kind::unreadable);
+      return failureOf(name, "out of memory", Failure::Kind::unreadable);
     }
   } catch (...) {
-    return {Value(), "out of memory", Failure::Kind::unreadable};
+    return Failure::unreadable("out of memory");
   }
 }
 
 }  // namespace
 
-PropertyListReader::Result PropertyListFile::readFile(const std::string& path) const noexcept {
+Result<Value> PropertyListFile::readFile(const std::string& path) const noexcept {
   return resultOf(path, [&] { return contentOfRegularFile(path); });
 }
 
-PropertyListReader::Result PropertyListFile::readBytes(std::string_view bytes,
-                                                       std::string_view name) const noexcept {
+Result<Value> PropertyListFile::readBytes(std::string_view bytes,
+                                          std::string_view name) const noexcept {
   return resultOf(name, [&] {
     if (bytes.size() > kMostPropertyListBytes) {
       throw PropertyListError{"expected at most 64 MiB, found more"};

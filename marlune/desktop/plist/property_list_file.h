@@ -20,10 +20,10 @@ namespace marlune {
 // Threads: any, at any time.
 class MARLUNE_API PropertyListFile : public PropertyListReader {
  public:
-  Result readFile(const std::string& path) const noexcept override;
+  Result<Value> readFile(const std::string& path) const noexcept override;
 
   // The list in `bytes`. Errors start with `name`, unless it is empty.
-  Result readBytes(std::string_view bytes, std::string_view name) const noexcept;
+  Result<Value> readBytes(std::string_view bytes, std::string_view name) const noexcept;
 };
 
 }  // namespace marlune

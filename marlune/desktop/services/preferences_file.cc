@@ -103,8 +103,8 @@ PreferencesFile::Content PreferencesFile::read() const {
     return {nullptr, false, "cannot read " + _path + ": " + error.message};
   }
   const auto read = PropertyListFile().readBytes(bytes, _path);
-  const Value& root = read.root;
-  if (root.isAbsent()) return {nullptr, true, read.error};
+  if (!read.succeeded()) return {nullptr, true, read.failure().message};
+  const Value& root = read.value();
   if (root.asDictionary()) return {root.asDictionary(), false, ""};
   return {nullptr, true,
           _path + ": expected a dictionary, found a " + std::string(root.kindName())};

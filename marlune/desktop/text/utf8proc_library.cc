@@ -7,8 +7,9 @@ namespace marlune {
 namespace {
 
 bool isComplete(const LoadedLibrary& library) {
-  if (library.fault().empty()) return true;
-  TQUtils::log("ERROR: Text cannot be composed, and is used as it stands: %@.", library.fault());
+  if (library.isComplete()) return true;
+  TQUtils::log("ERROR: Text cannot be composed, and is used as it stands: %@.",
+               library.failure().message);
   return false;
 }
 

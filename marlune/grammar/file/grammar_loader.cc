@@ -13,10 +13,10 @@ namespace marlune {
 
 namespace {
 
-PropertyListReader::Result readFile(const std::string& path) {
+Result<Value> readFile(const std::string& path) {
   const auto reader = Platform::shared().propertyListReader;
   if (reader) return reader->readFile(path);
-  return {Value(), "there is no property-list reader"};
+  return Failure::unavailable("there is no property-list reader");
 }
 
 // The same value in its own container; the elements stay shared.
@@ -29,12 +29,12 @@ Value oneLevelCopy(const Value& value) {
 }  // namespace
 
 Result<Value> GrammarLoader::treeOfFile(const std::string& path) {
-  PropertyListReader::Result read = readFile(path);
-  if (read.root.isAbsent()) {
-    TQUtils::systemLog("ERROR loading grammar from plist: %@", read.error);
-    return Failure{read.kind, std::move(read.error)};
+  Result<Value> read = readFile(path);
+  if (!read.succeeded()) {
+    TQUtils::systemLog("ERROR loading grammar from plist: %@", read.failure().message);
+    return read;
   }
-  GrammarLoader loader(std::move(read.root));
+  GrammarLoader loader(std::move(read.value()));
   const std::size_t valuesRead = loader._printedValues(loader._root, 0);
   loader._mostValues = kMostValues + kMostValuesPerValueRead * valuesRead;
   if (loader._mayHoldDirectives) InsertCircles(loader._root).requireNone();

@@ -44,13 +44,13 @@ Value composed(Value value) {
 
 }  // namespace
 
-PropertyListReader::Result ComposedListReader::readFile(const std::string& path) const noexcept {
-  Result result = PropertyListFile().readFile(path);
+Result<Value> ComposedListReader::readFile(const std::string& path) const noexcept {
+  Result<Value> result = PropertyListFile().readFile(path);
+  if (!result.succeeded()) return result;
   try {
-    result.root = composed(std::move(result.root));
-    return result;
+    return composed(std::move(result.value()));
   } catch (const std::bad_alloc&) {
-    return {Value(), "ran out of memory"};
+    return Failure::unreadable("ran out of memory");
   }
 }
 

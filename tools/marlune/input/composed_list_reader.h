@@ -9,7 +9,7 @@ namespace marlune::tool {
 // names of recordings use the same form, and words are compared byte by byte.
 class ComposedListReader : public PropertyListReader {
  public:
-  Result readFile(const std::string& path) const noexcept override;
+  Result<Value> readFile(const std::string& path) const noexcept override;
 };
 
 }  // namespace marlune::tool

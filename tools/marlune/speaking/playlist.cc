@@ -11,16 +11,16 @@ constexpr std::size_t kMostOpen = 64;  // each takes a descriptor
 
 Playlist::Playlist(const Words& files, const ResourceBundle& bundle) {
   for (const std::string& name : files) {
-    std::string cause;
     std::string path = bundle.pathForResource(name, "aif", "").value_or(name);
-    std::unique_ptr<Recording> recording = Recording::open(path, cause);
-    if (recording) {
+    auto opened = Recording::open(path);
+    if (opened.succeeded()) {
+      std::unique_ptr<Recording> recording = std::move(opened.value());
       _entries.push_back({name, recording->seconds()});
       _seconds += recording->seconds();
       if (_open.size() < kMostOpen) _open.emplace_back(std::move(path), std::move(recording));
     } else {
       _faults.append(_faults.empty() ? "" : "; ").append(name);
-      _faults.append(".aif cannot be played: ").append(cause);
+      _faults.append(".aif cannot be played: ").append(opened.failure().message);
     }
   }
 }

@@ -71,20 +71,20 @@ void Speaker::say(const Words& files, Playlist& playlist) {
 void Speaker::finish() {
   Platform::shared().audioSession->setActive(false);
   if (!_file) return;
-  if (const auto failure = _output->failure()) throw InputError(*failure);
-  if (const auto failure = _file->finish()) throw InputError(*failure);
+  if (const auto failure = _output->failure()) throw InputError(failure->message);
+  if (const auto failure = _file->finish()) throw InputError(failure->message);
   _lastWords.reset();
 }
 
 // A lost device may come back for the next phrase: fatal only if none has ever been opened.
 void Speaker::_throwLosses(std::size_t recordings) {
   if (_file || !_output->hasOpened()) {
-    if (const auto failure = _output->failure()) throw InputError(*failure);
+    if (const auto failure = _output->failure()) throw InputError(failure->message);
   }
   const auto failure = _output->takeFailure();
   const std::string losses = _items.lossesAmong(recordings);
   if (!losses.empty())
-    throw PhraseError("it was not played completely: " + failure.value_or(losses));
+    throw PhraseError("it was not played completely: " + (failure ? failure->message : losses));
 }
 
 void Speaker::_runUntilHeard(const Playlist& playlist, const Interruption& interruption) {

@@ -2,17 +2,17 @@
 
 namespace marlune::tool {
 
-std::optional<std::string> WatchedOutput::failure() const {
+std::optional<Failure> WatchedOutput::failure() const {
   const std::lock_guard lock(_mutex);
   return _failure;
 }
 
-std::optional<std::string> WatchedOutput::takeFailure() {
+std::optional<Failure> WatchedOutput::takeFailure() {
   const std::lock_guard lock(_mutex);
   return std::exchange(_failure, std::nullopt);
 }
 
-std::optional<std::string> WatchedOutput::open(AudioSource& source, const std::string& role) {
+std::optional<Failure> WatchedOutput::open(AudioSource& source, const std::string& role) {
   auto failure = _noted(_output->open(source, role));
   _hasOpened = _hasOpened || !failure;
   return failure;
@@ -23,9 +23,9 @@ void WatchedOutput::close() {
   _noted(_output->loss());
 }
 
-std::optional<std::string> WatchedOutput::loss() const { return _noted(_output->loss()); }
+std::optional<Failure> WatchedOutput::loss() const { return _noted(_output->loss()); }
 
-std::optional<std::string> WatchedOutput::_noted(std::optional<std::string> failure) const {
+std::optional<Failure> WatchedOutput::_noted(std::optional<Failure> failure) const {
   if (failure) {
     const std::lock_guard lock(_mutex);
     if (!_failure) _failure = failure;

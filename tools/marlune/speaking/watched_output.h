@@ -19,29 +19,29 @@ class WatchedOutput : public AudioOutput {
 
   // The first failure to open, or loss up to the closing, since takeFailure was last called, as a
   // sentence. Any thread.
-  std::optional<std::string> failure() const;
-  std::optional<std::string> takeFailure();
+  std::optional<Failure> failure() const;
+  std::optional<Failure> takeFailure();
 
   // Whether an open has ever succeeded. Main thread.
   bool hasOpened() const { return _hasOpened; }
 
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override;
   void close() override;
   AudioFormat formatForClip(const AudioFormat& clip) override {
     return _output->formatForClip(clip);
   }
   std::size_t latencyFrames() const override { return _output->latencyFrames(); }
-  std::optional<std::string> loss() const override;
+  std::optional<Failure> loss() const override;
   std::optional<double> stallLimitSeconds() const override { return _output->stallLimitSeconds(); }
   std::uint64_t gapCount() const override { return _output->gapCount(); }
   void takeAvailable(std::size_t frames) override { _output->takeAvailable(frames); }
 
  private:
-  std::optional<std::string> _noted(std::optional<std::string> failure) const;
+  std::optional<Failure> _noted(std::optional<Failure> failure) const;
 
   const std::shared_ptr<AudioOutput> _output;
   mutable std::mutex _mutex;
-  mutable std::optional<std::string> _failure;
+  mutable std::optional<Failure> _failure;
   bool _hasOpened = false;
 };
 

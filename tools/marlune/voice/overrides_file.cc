@@ -17,14 +17,15 @@ class OverridesReader {
   explicit OverridesReader(const std::string& path) : _path(path) {}
 
   Overrides read() const {
-    const PropertyListReader::Result list = ComposedListReader().readFile(_path);
-    if (list.root.isAbsent()) throw InputError(list.error);
-    if (!list.root.asDictionary()) {
+    const Result<Value> list = ComposedListReader().readFile(_path);
+    if (!list.succeeded()) throw InputError(list.failure().message);
+    const Value& root = list.value();
+    if (!root.asDictionary()) {
       throw InputError(_path + ": expected a dictionary with \"whole\" and \"parts\", found " +
-                       _article(list.root));
+                       _article(root));
     }
     Overrides overrides;
-    for (const auto& [key, value] : list.root.asDictionary()->entries()) {
+    for (const auto& [key, value] : root.asDictionary()->entries()) {
       if (*key == "whole") {
         overrides.whole = _table(*key, value);
       } else if (*key == "parts") {

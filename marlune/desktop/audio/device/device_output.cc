@@ -30,11 +30,11 @@ class DeviceOutput : public AudioOutput {
   explicit DeviceOutput(const DeviceOptions& options)
       : _pulse(boundedBuffer(options.bufferSeconds)) {}
 
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override {
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override {
     close();
     if (!isOtherDriverChosen()) {
       _current = &_pulse;
-      std::optional<std::string> error = _pulse.open(source, role);
+      std::optional<Failure> error = _pulse.open(source, role);
       if (!error || _pulse.hasFoundServer()) return error;
     }
     _current = &_sdl;
@@ -46,7 +46,7 @@ class DeviceOutput : public AudioOutput {
     return _current->formatForClip(clip);
   }
   std::size_t latencyFrames() const override { return _current->latencyFrames(); }
-  std::optional<std::string> loss() const override { return _current->loss(); }
+  std::optional<Failure> loss() const override { return _current->loss(); }
   std::optional<double> stallLimitSeconds() const override { return _current->stallLimitSeconds(); }
   std::uint64_t gapCount() const override { return _pulse.gapCount() + _sdl.gapCount(); }
 

@@ -8,8 +8,8 @@ namespace {
 
 class NoDeviceOutput : public AudioOutput {
  public:
-  std::optional<std::string> open(AudioSource&, const std::string&) override {
-    return "This build has no sound device: it only renders to files.";
+  std::optional<Failure> open(AudioSource&, const std::string&) override {
+    return Failure::unavailable("This build has no sound device: it only renders to files.");
   }
   void close() override {}
   AudioFormat formatForClip(const AudioFormat& clip) override { return clip; }

@@ -2,12 +2,10 @@
 
 namespace marlune {
 
-const PulseLibrary* PulseLibrary::shared(std::string& cause) {
+Result<const PulseLibrary*> PulseLibrary::shared() {
   static LoadedLibrary library("libpulse.so.0");
   static const PulseLibrary functions(library);
-  if (library.fault().empty()) return &functions;
-  cause = library.fault();
-  return nullptr;
+  return library.offering(functions);
 }
 
 PulseLibrary::PulseLibrary(LoadedLibrary& library) {

@@ -3,8 +3,6 @@
 
 #include <pulse/pulseaudio.h>
 
-#include <string>
-
 #include "marlune/desktop/loading/loaded_library.h"
 
 namespace marlune {
@@ -53,8 +51,8 @@ struct PulseLibrary {
   decltype(&pa_stream_update_timing_info) streamUpdateTiming = nullptr;
   decltype(&pa_stream_get_timing_info) streamTiming = nullptr;
 
-  // Loads the library once per process. Returns null and sets `cause` if that fails.
-  static const PulseLibrary* shared(std::string& cause);
+  // Loads the library once per process.
+  static Result<const PulseLibrary*> shared();
 
  private:
   explicit PulseLibrary(LoadedLibrary& library);

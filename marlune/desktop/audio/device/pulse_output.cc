@@ -8,7 +8,7 @@
 
 namespace marlune {
 
-std::optional<std::string> PulseOutput::open(AudioSource& source, const std::string& role) {
+std::optional<Failure> PulseOutput::open(AudioSource& source, const std::string& role) {
   close();
   const auto stream = std::make_shared<PulseStream>(
       source, PulseStream::Options{role, _bufferSeconds, _patienceSeconds}, _gaps);
@@ -21,7 +21,7 @@ std::optional<std::string> PulseOutput::open(AudioSource& source, const std::str
     return std::nullopt;
   }
   stream->gate.setSource(nullptr);
-  return isMine ? stream->error() : "The sound server does not answer.";
+  return isMine ? stream->failure() : Failure::unavailable("The sound server does not answer.");
 }
 
 void PulseOutput::close() {
@@ -36,7 +36,7 @@ AudioFormat PulseOutput::formatForClip(const AudioFormat& clip) {
 
 std::size_t PulseOutput::latencyFrames() const { return _stream ? _stream->latencyFrames() : 0; }
 
-std::optional<std::string> PulseOutput::loss() const {
+std::optional<Failure> PulseOutput::loss() const {
   return _stream ? _stream->loss() : std::nullopt;
 }
 

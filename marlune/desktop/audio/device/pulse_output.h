@@ -25,12 +25,12 @@ class PulseOutput : public AudioOutput {
       : _bufferSeconds(bufferSeconds), _patienceSeconds(patienceSeconds) {}
   ~PulseOutput() override { close(); }
 
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override;
   void close() override;
   AudioFormat formatForClip(const AudioFormat& clip) override;
   std::size_t latencyFrames() const override;
   // Reports a server that died or a stream that was ended. A server that hangs counts as a stall.
-  std::optional<std::string> loss() const override;
+  std::optional<Failure> loss() const override;
   // Longer than the two seconds that a sink without a device may render ahead at the opening.
   std::optional<double> stallLimitSeconds() const override { return 3.0; }
   // Counts the underflows reported by the server.

@@ -47,15 +47,19 @@ void PulseStream::openFor(DeviceHandover& caller) {
 }
 
 void PulseStream::_open() {
-  _pulse = PulseLibrary::shared(_error);
-  if (!_pulse) return;
+  const auto library = PulseLibrary::shared();
+  if (!library.succeeded()) {
+    _failure = library.failure();
+    return;
+  }
+  _pulse = library.value();
   _loop = _pulse->loopNew();
   if (!_loop || _pulse->loopStart(_loop) < 0) {
-    _error = "The sound server's client thread could not be started.";
+    _failure = Failure::unavailable("The sound server's client thread could not be started.");
   } else {
     const LoopLock lock(*_pulse, _loop);
     _isOpen = _connect() && _startStream();
-    if (!_isOpen) _error = _cause();
+    if (!_isOpen) _failure = _cause();
   }
   if (!_isOpen) _release();
 }
@@ -156,10 +160,11 @@ bool PulseStream::_isBroken() const {
          (_stream && !PA_STREAM_IS_GOOD(_pulse->streamState(_stream)));
 }
 
-std::string PulseStream::_cause() const {
-  if (_isTimeUp) return "The sound server does not answer.";
+Failure PulseStream::_cause() const {
+  if (_isTimeUp) return Failure::unavailable("The sound server does not answer.");
   const int error = _context ? _pulse->contextError(_context) : PA_ERR_INTERNAL;
-  return std::string("The sound server refused the stream: ") + _pulse->errorText(error) + ".";
+  return Failure::unavailable(std::string("The sound server refused the stream: ") +
+                              _pulse->errorText(error) + ".");
 }
 
 void PulseStream::_onState(PulseStream& self) {
@@ -234,14 +239,14 @@ std::size_t PulseStream::latencyFrames() const {
                                                           kMaxLatencySeconds * _spec.rate));
 }
 
-std::optional<std::string> PulseStream::loss() const {
+std::optional<Failure> PulseStream::loss() const {
   switch (_loss.load()) {
     case Loss::none:
       return std::nullopt;
     case Loss::ofServer:
-      return "The sound server is gone.";
+      return Failure::unavailable("The sound server is gone.");
     case Loss::ofStream:
-      return "The sound server has ended the stream.";
+      return Failure::unavailable("The sound server has ended the stream.");
   }
   return std::nullopt;
 }

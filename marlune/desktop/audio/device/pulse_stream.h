@@ -11,6 +11,7 @@
 #include "marlune/desktop/audio/device/device_handover.h"
 #include "marlune/desktop/audio/device/pulse_library.h"
 #include "marlune/desktop/audio/output/source_gate.h"
+#include "marlune/platform/failure.h"
 
 namespace marlune {
 
@@ -46,14 +47,14 @@ class PulseStream {
   // Whether there is a server: it answered, or it accepted the connection and has not answered yet.
   bool hasFoundServer() const { return _hasFoundServer; }
   // Why the stream is not open, as a sentence.
-  const std::string& error() const { return _error; }
+  const Failure& failure() const { return *_failure; }  // REQUIRES: it was not opened
   // Only while the stream is open:
   AudioFormat format() const { return {static_cast<int>(_spec.rate), _spec.channels}; }
   // Upper estimate of the frames taken from the source and not yet heard, from the server's
   // reports.
   std::size_t latencyFrames() const;
   // Why there is no sound any more, as a sentence.
-  std::optional<std::string> loss() const;
+  std::optional<Failure> loss() const;
 
  private:
   enum class Loss { none, ofServer, ofStream };
@@ -68,7 +69,7 @@ class PulseStream {
   bool _isBroken() const;
   template <typename Condition>
   bool _waitUntil(Condition isMet, double seconds);
-  std::string _cause() const;
+  Failure _cause() const;
   void _release();  // without the lock
 
   // libpulse's thread, with the loop's lock held.
@@ -91,7 +92,7 @@ class PulseStream {
   bool _isTimeUp = false;
   bool _isOpen = false;
   bool _hasFoundServer = false;
-  std::string _error;
+  std::optional<Failure> _failure;  // to open it
   // libpulse's thread.
   bool _isTimingAsked = false;
   // Any thread.

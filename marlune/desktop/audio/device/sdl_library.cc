@@ -2,12 +2,10 @@
 
 namespace marlune {
 
-const SdlLibrary* SdlLibrary::shared(std::string& cause) {
+Result<const SdlLibrary*> SdlLibrary::shared() {
   static LoadedLibrary library("libSDL2-2.0.so.0");
   static const SdlLibrary functions(library);
-  if (library.fault().empty()) return &functions;
-  cause = library.fault();
-  return nullptr;
+  return library.offering(functions);
 }
 
 SdlLibrary::SdlLibrary(LoadedLibrary& library) {
@@ -20,7 +18,7 @@ SdlLibrary::SdlLibrary(LoadedLibrary& library) {
   library.find("SDL_PauseAudioDevice", pauseAudioDevice);
   library.find("SDL_GetAudioDeviceStatus", getAudioDeviceStatus);
   // Otherwise SDL handles Ctrl-C itself.
-  if (library.fault().empty()) setHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  if (library.isComplete()) setHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
 }
 
 }  // namespace marlune

@@ -3,8 +3,6 @@
 
 #include <SDL.h>
 
-#include <string>
-
 #include "marlune/desktop/loading/loaded_library.h"
 
 namespace marlune {
@@ -24,8 +22,8 @@ struct SdlLibrary {
   decltype(&SDL_PauseAudioDevice) pauseAudioDevice = nullptr;
   decltype(&SDL_GetAudioDeviceStatus) getAudioDeviceStatus = nullptr;
 
-  // Loads the library once per process. Returns null and sets `cause` if that fails.
-  static const SdlLibrary* shared(std::string& cause);
+  // Loads the library once per process.
+  static Result<const SdlLibrary*> shared();
 
  private:
   explicit SdlLibrary(LoadedLibrary& library);

@@ -57,8 +57,12 @@ class SdlOutput::Device {
   using Clock = std::chrono::steady_clock;
 
   void _open() {
-    _sdl = _load(_error);
-    if (!_sdl) return;
+    const auto library = _load();
+    if (!library.succeeded()) {
+      _error = library.failure().message;
+      return;
+    }
+    _sdl = library.value();
     if (_sdl->initSubSystem(SDL_INIT_AUDIO) != 0) {
       _error = _sdl->getError();
       return;
@@ -115,7 +119,7 @@ class SdlOutput::Device {
 
 SdlOutput::SdlOutput() : SdlOutput(&SdlLibrary::shared, kPatienceSeconds) {}
 
-std::optional<std::string> SdlOutput::open(AudioSource& source, const std::string&) {
+std::optional<Failure> SdlOutput::open(AudioSource& source, const std::string&) {
   close();
   const auto device = std::make_shared<Device>(_load, source, _gaps);
   const auto handover = std::make_shared<DeviceHandover>();
@@ -126,8 +130,8 @@ std::optional<std::string> SdlOutput::open(AudioSource& source, const std::strin
     return std::nullopt;
   }
   device->gate.setSource(nullptr);
-  if (!isMine) return "The sound device does not answer.";
-  return "There is no sound device: " + device->error() + ".";
+  if (!isMine) return Failure::unavailable("The sound device does not answer.");
+  return Failure::unavailable("There is no sound device: " + device->error() + ".");
 }
 
 void SdlOutput::close() {
@@ -143,9 +147,9 @@ AudioFormat SdlOutput::formatForClip(const AudioFormat& clip) {
 std::size_t SdlOutput::latencyFrames() const { return kBuffersUntilHeard * kBufferFrames; }
 
 // Polls: SDL reports a removal on another thread, and does not report every kind of loss.
-std::optional<std::string> SdlOutput::loss() const {
+std::optional<Failure> SdlOutput::loss() const {
   if (!_device || !_device->isStopped()) return std::nullopt;
-  return "The sound device is gone.";
+  return Failure::unavailable("The sound device is gone.");
 }
 
 }  // namespace marlune

@@ -20,8 +20,8 @@ struct SdlLibrary;
 // never waits.
 class SdlOutput : public AudioOutput {
  public:
-  // Returns the library's functions, or returns null and sets `cause`. Called on another thread.
-  using Loader = std::function<const SdlLibrary*(std::string& cause)>;
+  // Returns the library's functions. Called on another thread.
+  using Loader = std::function<Result<const SdlLibrary*>()>;
 
   SdlOutput();
   // `patienceSeconds`: how long open waits for the device.
@@ -29,11 +29,11 @@ class SdlOutput : public AudioOutput {
       : _load(std::move(load)), _patienceSeconds(patienceSeconds) {}
   ~SdlOutput() override { close(); }
 
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override;
   void close() override;
   AudioFormat formatForClip(const AudioFormat&) override;
   std::size_t latencyFrames() const override;
-  std::optional<std::string> loss() const override;
+  std::optional<Failure> loss() const override;
   std::optional<double> stallLimitSeconds() const override { return 2.0; }
   // Counts callbacks that came so late that the device must have run out of sound.
   std::uint64_t gapCount() const override { return _gaps->load(); }

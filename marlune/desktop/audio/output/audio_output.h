@@ -8,6 +8,7 @@
 
 #include "marlune/desktop/audio/base/audio_format.h"
 #include "marlune/desktop/audio/output/audio_source.h"
+#include "marlune/platform/failure.h"
 #include "marlune/platform/visibility.h"
 
 namespace marlune {
@@ -22,9 +23,9 @@ class MARLUNE_API AudioOutput {
 
   // Starts taking frames from `source`, which the caller keeps alive until the output is closed.
   // `role` tells a sound server which kind of sound this is, as servers duck other programs for
-  // some kinds; empty for ordinary sound. Returns an error as a sentence; the output is then
-  // closed.
-  virtual std::optional<std::string> open(AudioSource& source, const std::string& role) = 0;
+  // some kinds; empty for ordinary sound. After a failure, whose message is a whole sentence, the
+  // output is closed.
+  virtual std::optional<Failure> open(AudioSource& source, const std::string& role) = 0;
 
   // The source is not called after this returns. Closing a closed output does nothing.
   virtual void close() = 0;
@@ -36,8 +37,8 @@ class MARLUNE_API AudioOutput {
   // Output latency: frames from being taken to being audible.
   virtual std::size_t latencyFrames() const { return 0; }
 
-  // Why the open output no longer produces sound, as a sentence; nothing while it works.
-  virtual std::optional<std::string> loss() const { return std::nullopt; }
+  // Why the open output no longer produces sound, in whole sentences; nothing while it works.
+  virtual std::optional<Failure> loss() const { return std::nullopt; }
 
   // The output counts as stalled after this long without taking a frame. None: no time limit.
   virtual std::optional<double> stallLimitSeconds() const { return std::nullopt; }

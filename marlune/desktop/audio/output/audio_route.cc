@@ -4,7 +4,7 @@
 
 namespace marlune {
 
-std::optional<std::string> AudioRoute::open(const std::string& role) {
+std::optional<Failure> AudioRoute::open(const std::string& role) {
   const std::lock_guard lock(_mutex);
   return _isOpen && !_loss() ? std::nullopt : _openLocked(role);
 }
@@ -14,7 +14,7 @@ void AudioRoute::reopen() {
   if (!_isOpen && _role) _openLocked(std::string(*_role));
 }
 
-std::optional<std::string> AudioRoute::_openLocked(const std::string& role) {
+std::optional<Failure> AudioRoute::_openLocked(const std::string& role) {
   _closeLocked();
   _role = role;
   ++_opening;  // before the output takes any frames
@@ -39,9 +39,9 @@ bool AudioRoute::isOpen() const {
   return _isOpen;
 }
 
-std::string AudioRoute::whyClosed() const {
+Failure AudioRoute::whyClosed() const {
   const std::lock_guard lock(_mutex);
-  return _refusal.value_or("No sound output is open.");
+  return _refusal.value_or(Failure::unavailable("No sound output is open."));
 }
 
 bool AudioRoute::isSounding() const {
@@ -87,12 +87,12 @@ void AudioRoute::takeAvailable(const RouteUser& user, std::size_t frames) {
   _output->takeAvailable(frames);
 }
 
-void AudioRoute::setLost(std::uint64_t opening, std::string reason) {
+void AudioRoute::setLost(std::uint64_t opening, Failure reason) {
   const std::lock_guard lock(_mutex);
   if (_isOpen && _opening == opening) _lost = std::move(reason);
 }
 
-std::optional<std::string> AudioRoute::_loss() const { return _lost ? _lost : _output->loss(); }
+std::optional<Failure> AudioRoute::_loss() const { return _lost ? _lost : _output->loss(); }
 
 void AudioRoute::rendered() {
   const std::lock_guard lock(_userMutex);

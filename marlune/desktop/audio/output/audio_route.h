@@ -29,8 +29,8 @@ class AudioRoute : private AudioSource {
   ~AudioRoute() override { close(); }
 
   // Main thread. Opens the output, and reopens it if it was lost; does nothing if it is open and
-  // working. Returns an error as a sentence; the route is then closed.
-  std::optional<std::string> open(const std::string& role);
+  // working. After a failure, whose message is a whole sentence, the route is closed.
+  std::optional<Failure> open(const std::string& role);
   // Main thread. Reopens a closed output with the role of the last opening; does nothing before the
   // first open(). After a failure, whyClosed() has the reason.
   void reopen();
@@ -39,8 +39,8 @@ class AudioRoute : private AudioSource {
 
   // Any thread.
   bool isOpen() const;
-  std::string whyClosed() const;  // as a sentence: why the last opening failed, if it did
-  bool isSounding() const;        // of the current user
+  Failure whyClosed() const;  // why the last opening failed, if it did; whole sentences
+  bool isSounding() const;    // of the current user
   const std::shared_ptr<AudioOutput>& output() const { return _output; }
 
   // Makes `user` the audible one. Main thread.
@@ -60,8 +60,8 @@ class AudioRoute : private AudioSource {
     bool isMine = false;  // the calling user is the audible one
     std::size_t latencyFrames = 0;
     std::optional<double> stallLimitSeconds;
-    std::optional<std::string> loss;  // why there is no sound any more
-    std::uint64_t gapCount = 0;       // see AudioOutput
+    std::optional<Failure> loss;  // why there is no sound any more
+    std::uint64_t gapCount = 0;   // see AudioOutput
   };
   std::optional<State> stateFor(const RouteUser& user) const;
   // Also nothing if `opening` is no longer the current opening.
@@ -70,7 +70,7 @@ class AudioRoute : private AudioSource {
 
   // Records that the opened output is lost, so that the next open() reopens it. Does nothing if
   // `opening` is no longer the current opening.
-  void setLost(std::uint64_t opening, std::string reason);
+  void setLost(std::uint64_t opening, Failure reason);
 
  private:
   std::size_t render(float* frames, std::size_t count, int channels) noexcept override {
@@ -80,19 +80,19 @@ class AudioRoute : private AudioSource {
     return _gate.renderShorts(frames, count, channels);
   }
   void rendered() override;
-  std::optional<std::string> _openLocked(const std::string& role);
+  std::optional<Failure> _openLocked(const std::string& role);
   void _closeLocked();
-  std::optional<std::string> _loss() const;
+  std::optional<Failure> _loss() const;
 
   const std::shared_ptr<AudioOutput> _output;
   SourceGate _gate;
   mutable std::mutex _mutex;  // never locked by the callback; guards all below
   bool _isOpen = false;
   std::atomic<std::uint64_t> _opening = 0;  // changes only while the output is closed
-  std::optional<std::string> _lost;
-  std::optional<std::string> _role;     // of the last opening; nothing before the first
-  std::optional<std::string> _refusal;  // of the last opening
-  mutable std::mutex _userMutex;        // locked after _mutex, or alone
+  std::optional<Failure> _lost;
+  std::optional<std::string> _role;  // of the last opening; nothing before the first
+  std::optional<Failure> _refusal;   // of the last opening
+  mutable std::mutex _userMutex;     // locked after _mutex, or alone
   RouteUser* _user = nullptr;
 };
 

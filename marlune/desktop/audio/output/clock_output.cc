@@ -10,7 +10,7 @@ ClockOutput::ClockOutput(AudioFormat format, Listener listener, double speed,
                          std::size_t periodFrames)
     : _format(format), _listener(std::move(listener)), _speed(speed), _periodFrames(periodFrames) {}
 
-std::optional<std::string> ClockOutput::open(AudioSource& source, const std::string&) {
+std::optional<Failure> ClockOutput::open(AudioSource& source, const std::string&) {
   _isLost.store(false);
   _isOpen.store(true);
   _thread = std::thread([this, &source] { _run(source); });
@@ -22,9 +22,9 @@ void ClockOutput::close() {
   if (_thread.joinable()) _thread.join();
 }
 
-std::optional<std::string> ClockOutput::loss() const {
+std::optional<Failure> ClockOutput::loss() const {
   if (!_isLost.load()) return std::nullopt;
-  return "The clock has been stopped.";
+  return Failure::unavailable("The clock has been stopped.");
 }
 
 // Each period has a deadline computed from the start, so that late wake-ups do not accumulate.

@@ -28,11 +28,11 @@ class ClockOutput : public AudioOutput {
                        std::size_t periodFrames = 256);
   ~ClockOutput() override { close(); }
 
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override;
   void close() override;
   AudioFormat formatForClip(const AudioFormat&) override { return _format; }
   std::optional<double> stallLimitSeconds() const override { return 2.0; }
-  std::optional<std::string> loss() const override;
+  std::optional<Failure> loss() const override;
 
   // Stops the clock and reports a loss, as when a device is unplugged. The next opening clears the
   // loss. Any thread.

@@ -4,7 +4,7 @@
 
 namespace marlune {
 
-std::optional<std::string> CrankedOutput::open(AudioSource& source, const std::string& role) {
+std::optional<Failure> CrankedOutput::open(AudioSource& source, const std::string& role) {
   if (_refusal) return _refusal;
   const std::lock_guard lock(_mutex);
   _loss.reset();
@@ -31,7 +31,7 @@ std::size_t CrankedOutput::crankInto(float* frames, std::size_t count) {
 void CrankedOutput::lose(std::string reason) {
   {
     const std::lock_guard lock(_mutex);
-    _loss = std::move(reason);
+    _loss = Failure::unavailable(std::move(reason));
   }
   if (_source) _source->rendered();
 }
@@ -46,7 +46,7 @@ std::optional<double> CrankedOutput::stallLimitSeconds() const {
   return _stallLimitSeconds;
 }
 
-std::optional<std::string> CrankedOutput::loss() const {
+std::optional<Failure> CrankedOutput::loss() const {
   const std::lock_guard lock(_mutex);
   return _loss;
 }

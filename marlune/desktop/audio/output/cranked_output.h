@@ -35,17 +35,18 @@ class CrankedOutput : public AudioOutput {
   // Sets the behaviour. A loss lasts until the next opening, a refusal until it is withdrawn. With
   // a stall limit of 0 the output counts as stalled at every check.
   void lose(std::string reason);
-  void refuse(std::optional<std::string> error) { _refusal = std::move(error); }
+  void refuse(std::string reason) { _refusal = Failure::unavailable(std::move(reason)); }
+  void stopRefusing() { _refusal.reset(); }
   void setFormat(AudioFormat format) { _format = format; }                // while closed
   void setLatencyFrames(std::size_t frames) { _latencyFrames = frames; }  // while closed
   void setStallLimitSeconds(double seconds);
   void addGap() { _gaps.fetch_add(1); }
 
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override;
   void close() override { _source = nullptr; }
   AudioFormat formatForClip(const AudioFormat&) override { return _format; }
   std::size_t latencyFrames() const override { return _latencyFrames; }
-  std::optional<std::string> loss() const override;
+  std::optional<Failure> loss() const override;
   std::optional<double> stallLimitSeconds() const override;
   std::uint64_t gapCount() const override { return _gaps.load(); }
 
@@ -55,11 +56,11 @@ class CrankedOutput : public AudioOutput {
   std::string _role;
   int _timesOpened = 0;
   std::size_t _latencyFrames = 0;
-  std::optional<std::string> _refusal;
+  std::optional<Failure> _refusal;
   std::atomic<std::uint64_t> _gaps = 0;
   mutable std::mutex _mutex;  // guards all below, which the worker reads
   std::optional<double> _stallLimitSeconds;
-  std::optional<std::string> _loss;
+  std::optional<Failure> _loss;
 };
 
 }  // namespace marlune

@@ -22,16 +22,20 @@ std::string FileOutput::draftPath() const { return _writer ? _writer->draftPath(
 
 std::string FileOutput::plannedDraftPath() const { return SoundFileWriter::draftPathFor(_path); }
 
-std::optional<std::string> FileOutput::open(AudioSource& source, const std::string&) {
+std::optional<Failure> FileOutput::open(AudioSource& source, const std::string&) {
   if (_loss) return _loss;
   if (!_writer) {
     const std::optional<SoundFileKind> kind = soundFileKindOf(_path);
     if (!kind) {
-      return "\"" + _path + "\" ends neither in .wav nor in .aif: no sound file can be written.";
+      return Failure::unwritable(
+          "\"" + _path + "\" ends neither in .wav nor in .aif: no sound file can be written.");
     }
-    std::string cause;
-    _writer = SoundFileWriter::create(_path, *kind, cause);
-    if (!_writer) return "The sound file \"" + _path + "\" cannot be written: " + cause + ".";
+    auto writer = SoundFileWriter::create(_path, *kind);
+    if (!writer.succeeded()) {
+      return Failure::unwritable("The sound file \"" + _path +
+                                 "\" cannot be written: " + writer.failure().message + ".");
+    }
+    _writer = std::move(writer.value());
   }
   _source = &source;
   return std::nullopt;
@@ -45,7 +49,7 @@ void FileOutput::close() {
   if (!_writer->flush() || (!_keepsDraft && !_writer->commit())) _setUnwritable();
 }
 
-std::optional<std::string> FileOutput::finish() {
+std::optional<Failure> FileOutput::finish() {
   close();
   if (_writer && !_loss && !_writer->commit()) _setUnwritable();
   return _loss;
@@ -78,10 +82,10 @@ std::size_t FileOutput::_take(std::size_t frames) {
 }
 
 void FileOutput::_setUnwritable() {
-  _loss =
-      "The sound file \"" + _path + "\" cannot be written any further: " + _writer->cause() + ".";
+  _loss = Failure::unwritable("The sound file \"" + _path + "\" cannot be written any further: " +
+                              _writer->failure().message + ".");
   const std::string& draft = _writer->draftPath();
-  if (!draft.empty()) *_loss += " The part written so far is in \"" + draft + "\".";
+  if (!draft.empty()) _loss->message += " The part written so far is in \"" + draft + "\".";
 }
 
 }  // namespace marlune

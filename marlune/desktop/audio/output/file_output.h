@@ -32,18 +32,18 @@ class MARLUNE_API FileOutput : public AudioOutput {
 
   // Call it before the first opening. For programs that render several phrases into one file.
   void keepDraftUntilFinished() { _keepsDraft = true; }
-  // Closes the output and renames the draft. Returns the first error, now or earlier, as a
-  // sentence.
-  std::optional<std::string> finish();
+  // Closes the output and renames the draft. Returns the first failure, now or earlier, in
+  // whole sentences.
+  std::optional<Failure> finish();
   // The path of the draft; empty if there is none. Call it only while the output is closed.
   std::string draftPath() const;
   // The path that a draft would have.
   std::string plannedDraftPath() const;
 
-  std::optional<std::string> open(AudioSource& source, const std::string& role) override;
+  std::optional<Failure> open(AudioSource& source, const std::string& role) override;
   void close() override;
   AudioFormat formatForClip(const AudioFormat& clip) override;
-  std::optional<std::string> loss() const override { return _loss; }
+  std::optional<Failure> loss() const override { return _loss; }
   void takeAvailable(std::size_t frames) override;
 
   // Frames written so far. Do not call it while sound is running.
@@ -58,7 +58,7 @@ class MARLUNE_API FileOutput : public AudioOutput {
   bool _keepsDraft = false;
   std::unique_ptr<SoundFileWriter> _writer;
   AudioSource* _source = nullptr;
-  std::optional<std::string> _loss;
+  std::optional<Failure> _loss;
   std::size_t _framesWritten = 0;
 };
 

@@ -28,12 +28,11 @@ constexpr std::uint64_t kMaxFileBytes = 0xFFFF'FF00;  // sizes have 32 bits
 
 }  // namespace
 
-std::unique_ptr<SoundFileWriter> SoundFileWriter::create(const std::string& path,
-                                                         SoundFileKind kind, std::string& cause) {
+Result<std::unique_ptr<SoundFileWriter>> SoundFileWriter::create(const std::string& path,
+                                                                 SoundFileKind kind) {
   std::unique_ptr<SoundFileWriter> writer(new SoundFileWriter(targetOf(path), kind));
-  if (writer->_open()) return writer;
-  cause = writer->_cause;
-  return nullptr;
+  if (!writer->_open()) return writer->failure();
+  return writer;
 }
 
 std::string SoundFileWriter::targetOf(std::string path) {
@@ -48,7 +47,7 @@ std::string SoundFileWriter::targetOf(std::string path) {
 }
 
 bool SoundFileWriter::_fail(int error) {
-  _cause = std::generic_category().message(error);
+  _failure = Failure::unwritable(std::generic_category().message(error));
   return false;
 }
 
@@ -110,7 +109,7 @@ bool SoundFileWriter::add(std::size_t count) {
 }
 
 bool SoundFileWriter::flush() {
-  if (!_cause.empty()) return false;
+  if (_failure) return false;
   const std::uint64_t size = std::exchange(_used, 0) * sizeof(short);
   if (size == 0) return true;
   const bool isFirst = _fileBytes == 0;
@@ -126,7 +125,7 @@ bool SoundFileWriter::flush() {
 
 bool SoundFileWriter::_writeBuffer(std::uint64_t size) {
   if (!_isDirect && _fileBytes + size > kMaxFileBytes) {
-    _cause = "it would be larger than 4 GiB";
+    _failure = Failure::unwritable("it would be larger than 4 GiB");
     return false;
   }
   std::string_view rest(reinterpret_cast<const char*>(_buffer.get()), size);
@@ -153,10 +152,10 @@ bool SoundFileWriter::_correctHeader() {
 }
 
 bool SoundFileWriter::commit() {
-  if (!_cause.empty()) return false;
+  if (_failure) return false;
   if (_draftPath.empty()) return true;
   if (!_isDraftOurs()) {
-    _cause = "another program has replaced " + _draftPath;
+    _failure = Failure::unwritable("another program has replaced " + _draftPath);
     return false;
   }
   if (::rename(_draftPath.c_str(), _target.c_str()) != 0) return _fail(errno);

@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "marlune/desktop/audio/base/audio_format.h"
 #include "marlune/desktop/audio/output/sound_file_kind.h"
+#include "marlune/platform/failure.h"
 #include "marlune/platform/open_file.h"
 #include "marlune/platform/visibility.h"
 
@@ -23,9 +25,9 @@ namespace marlune {
 class MARLUNE_INTERNAL_API SoundFileWriter {
  public:
   // Creates the draft, or opens a target that is written directly; waits for the reader of a FIFO.
-  // Returns null and sets `cause`, a clause, if that fails.
-  static std::unique_ptr<SoundFileWriter> create(const std::string& path, SoundFileKind kind,
-                                                 std::string& cause);
+  // All failures of a writer have a clause.
+  static Result<std::unique_ptr<SoundFileWriter>> create(const std::string& path,
+                                                         SoundFileKind kind);
   // `path` with the symbolic links at its end resolved as far as possible.
   static std::string targetOf(std::string path);
   static std::string draftPathFor(const std::string& path) { return targetOf(path) + ".partial"; }
@@ -41,12 +43,12 @@ class MARLUNE_INTERNAL_API SoundFileWriter {
   bool add(std::size_t count);
 
   // Writes the buffer. Like add(), returns false if anything since the creation could not be
-  // written; cause() then has the reason, as a clause.
+  // written; failure() then has the reason.
   bool flush();
   // Renames the draft; later writes append to the file. Does nothing when called again, or for a
-  // target that is written directly. Returns false on failure; cause() then has the reason.
+  // target that is written directly. Returns false on failure; failure() then has the reason.
   bool commit();
-  const std::string& cause() const { return _cause; }
+  const Failure& failure() const { return *_failure; }  // REQUIRES: there was one
 
   // The path of the draft; empty if there is none, or none any more.
   const std::string& draftPath() const { return _draftPath; }
@@ -67,7 +69,7 @@ class MARLUNE_INTERNAL_API SoundFileWriter {
   FileDescriptor _descriptor;
   bool _isDirect = false;
   std::string _draftPath;
-  std::string _cause;
+  std::optional<Failure> _failure;
   AudioFormat _format;
   std::unique_ptr<short[]> _buffer;
   std::size_t _used = 0;  // samples in the buffer, plus room for the header before the first write

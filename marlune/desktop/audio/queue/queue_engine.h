@@ -20,6 +20,7 @@
 #include "marlune/desktop/audio/queue/file_player_item.h"
 #include "marlune/desktop/audio/queue/render_line.h"
 #include "marlune/desktop/audio/recording/clip_decoder.h"
+#include "marlune/platform/failure.h"
 #include "marlune/playback/queue_player.h"
 
 namespace marlune {
@@ -98,13 +99,13 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   void _followOpening(const AudioRoute::State& state);
   std::optional<std::uint64_t> _ordersWhileSounding() const;
   bool _watch(std::optional<std::uint64_t> orders, const std::optional<AudioRoute::State>& state);
-  std::optional<std::string> _faultOf(const std::optional<AudioRoute::State>& state);
-  void _fail(const std::string& reason, std::uint64_t orders, std::uint64_t opening);
+  std::optional<Failure> _faultOf(const std::optional<AudioRoute::State>& state);
+  void _fail(const Failure& reason, std::uint64_t orders, std::uint64_t opening);
   void _reportUnderruns();
   void _reportGaps(bool isSounding, const std::optional<AudioRoute::State>& state);
   bool _decodeBlock();
   bool _openNext();
-  void _skip(const FilePlayerItem& item, const std::string& cause);
+  void _skip(const FilePlayerItem& item, const Failure& failure);
   void _setReady();
   void _sendBlock(SoundBlock* block);
   void _postChanges();

@@ -112,15 +112,17 @@ bool QueueEngine::_watch(std::optional<std::uint64_t> orders,
     _isWatching = false;
     return false;
   }
-  const std::optional<std::string> fault = _faultOf(state);
+  const std::optional<Failure> fault = _faultOf(state);
   if (fault) _fail(*fault, *orders, state ? state->opening : 0);
   return fault.has_value();
 }
 
-std::optional<std::string> QueueEngine::_faultOf(const std::optional<AudioRoute::State>& state) {
+std::optional<Failure> QueueEngine::_faultOf(const std::optional<AudioRoute::State>& state) {
   if (!state) return _route->whyClosed();
   if (state->loss) return state->loss;
-  if (_line.hasMisfit()) return "The sound output changed its number of channels while open.";
+  if (_line.hasMisfit()) {
+    return Failure::unavailable("The sound output changed its number of channels while open.");
+  }
   const Clock::time_point now = Clock::now();
   const std::uint64_t taken = _line.framesTaken();
   const bool hasMoved = taken != _watchedFrames || state->opening != _opening;
@@ -131,10 +133,10 @@ std::optional<std::string> QueueEngine::_faultOf(const std::optional<AudioRoute:
   }
   const std::chrono::duration<double> still = now - _lastMove;
   if (!state->stallLimitSeconds || still.count() < *state->stallLimitSeconds) return std::nullopt;
-  return "The sound output has stopped taking sound.";
+  return Failure::unavailable("The sound output has stopped taking sound.");
 }
 
-void QueueEngine::_fail(const std::string& reason, std::uint64_t orders, std::uint64_t opening) {
+void QueueEngine::_fail(const Failure& reason, std::uint64_t orders, std::uint64_t opening) {
   _route->setLost(opening, reason);
   std::size_t dropped = 0;
   {
@@ -147,9 +149,10 @@ void QueueEngine::_fail(const std::string& reason, std::uint64_t orders, std::ui
     _setChanged(QueuePlayer::kStatusKeyPath);
     _rate = 0;
     _line.setRunning(false);
-    _dropAllItems(ItemFate::dropped("the play queue has failed: " + reason));
+    _dropAllItems(ItemFate::dropped("the play queue has failed: " + reason.message));
   }
-  TQUtils::log("ERROR: The play queue has failed: %@ Sound files dropped: %lu.", reason, dropped);
+  TQUtils::log("ERROR: The play queue has failed: %@ Sound files dropped: %lu.", reason.message,
+               dropped);
 }
 
 // Logs one line per phrase: from when the queue begins to sound until it runs empty or is stopped.
@@ -215,16 +218,16 @@ bool QueueEngine::_openNext() {
     item = _items[_sentItems];
     _decoderGeneration = _generation;
   }
-  std::string cause;
-  std::unique_ptr<ClipDecoder> decoder = ClipDecoder::open(*item, cause);
-  if (!decoder) {
-    _skip(*item, cause);
+  auto opened = ClipDecoder::open(*item);
+  if (!opened.succeeded()) {
+    _skip(*item, opened.failure());
     return false;
   }
+  std::unique_ptr<ClipDecoder> decoder = std::move(opened.value());
   const std::optional<AudioFormat> format = _route->formatForClip(decoder->clipFormat(), _opening);
   if (!format) return false;  // closed in between
-  if (!decoder->convertTo(*format, cause)) {
-    _skip(*item, cause);
+  if (const auto failure = decoder->convertTo(*format)) {
+    _skip(*item, *failure);
     return false;
   }
   _format = format;
@@ -233,15 +236,15 @@ bool QueueEngine::_openNext() {
   return true;
 }
 
-void QueueEngine::_skip(const FilePlayerItem& item, const std::string& cause) {
+void QueueEngine::_skip(const FilePlayerItem& item, const Failure& failure) {
   {
     const Lock lock(_mutex);
     if (_decoderGeneration != _generation) return;  // dropped in between
-    _items[_sentItems]->leaveQueue(ItemFate::leftOut(cause));
+    _items[_sentItems]->leaveQueue(ItemFate::leftOut(failure.message));
     _items.erase(_items.begin() + static_cast<long>(_sentItems));
     _setItemsChanged(/*isCurrentItemOther=*/_sentItems == 0);
   }
-  TQUtils::log("ERROR: \"%@\" cannot be played and is left out: %@.", item.path(), cause);
+  TQUtils::log("ERROR: \"%@\" cannot be played and is left out: %@.", item.path(), failure.message);
 }
 
 void QueueEngine::_setReady() {

@@ -21,17 +21,13 @@ constexpr std::size_t kBufferBytes = std::size_t{32} * 1024;
 
 }  // namespace
 
-std::unique_ptr<BufferedFile> BufferedFile::open(const std::string& path, std::string& cause) {
+Result<std::unique_ptr<BufferedFile>> BufferedFile::open(const std::string& path) {
   FileDescriptor descriptor(openFile(path.c_str(), O_RDONLY | O_NONBLOCK));
-  if (!descriptor.isOpen()) {
-    cause = std::strerror(errno);
-    return nullptr;
-  }
+  if (!descriptor.isOpen()) return Failure::unreadable(std::strerror(errno));
   std::unique_ptr<BufferedFile> file(new BufferedFile(std::move(descriptor)));
   struct stat status;
   if (::fstat(file->_descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    cause = "it is not a regular file";
-    return nullptr;
+    return Failure::unreadable("it is not a regular file");
   }
   file->_size = status.st_size;
   return file;

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "marlune/platform/failure.h"
 #include "marlune/platform/open_file.h"
 
 namespace marlune {
@@ -15,9 +16,9 @@ namespace marlune {
 // two system calls each; through the buffer a short recording takes one read.
 class BufferedFile {
  public:
-  // Opens the file for reading. Returns null and sets `cause` if that fails or if the path does not
-  // lead to a regular file. Never blocks on a FIFO or a device.
-  static std::unique_ptr<BufferedFile> open(const std::string& path, std::string& cause);
+  // Opens the file for reading. Fails, with a clause, if the path does not lead to a regular file
+  // that can be read. Never blocks on a FIFO or a device.
+  static Result<std::unique_ptr<BufferedFile>> open(const std::string& path);
 
   std::int64_t size() const { return _size; }  // in bytes
   std::int64_t read(void* bytes, std::int64_t count);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <string>
 
 #include "marlune/desktop/audio/recording/soxr_library.h"
 
@@ -45,32 +46,32 @@ void appendReflection(const std::vector<float>& tail, std::size_t channels, std:
 
 }  // namespace
 
-std::unique_ptr<ClipConverter> ClipConverter::make(const AudioFormat& from, const AudioFormat& to,
-                                                   std::string& cause) {
+Result<std::unique_ptr<ClipConverter>> ClipConverter::make(const AudioFormat& from,
+                                                           const AudioFormat& to) {
   std::unique_ptr<ClipConverter> converter(new ClipConverter(from, to));
-  if (from.sampleRate != to.sampleRate && !converter->_prepareResampling(cause)) return nullptr;
+  if (from.sampleRate != to.sampleRate) {
+    if (auto failure = converter->_prepareResampling()) return *std::move(failure);
+  }
   return converter;
 }
 
-bool ClipConverter::_prepareResampling(std::string& cause) {
-  std::string fault;
-  _library = SoxrLibrary::shared(fault);
-  if (_library) {
-    const soxr_quality_spec_t quality = _library->qualitySpec(SOXR_HQ, 0);
-    soxr_error_t error = nullptr;
-    _resampler = {
-        _library->create(_from.sampleRate, _to.sampleRate, static_cast<unsigned>(_from.channels),
-                         &error, nullptr, &quality, nullptr),
-        _library->destroy};
-    if (error) fault = error;
-  }
-  if (!_resampler) {
-    cause = "it cannot be resampled: " + fault;
-    return false;
-  }
+std::optional<Failure> ClipConverter::_prepareResampling() {
+  const auto failure = [](const std::string& cause) {
+    return Failure::unavailable("it cannot be resampled: " + cause);
+  };
+  const auto loaded = SoxrLibrary::shared();
+  if (!loaded.succeeded()) return failure(loaded.failure().message);
+  _library = loaded.value();
+  const soxr_quality_spec_t quality = _library->qualitySpec(SOXR_HQ, 0);
+  soxr_error_t error = nullptr;
+  _resampler = {
+      _library->create(_from.sampleRate, _to.sampleRate, static_cast<unsigned>(_from.channels),
+                       &error, nullptr, &quality, nullptr),
+      _library->destroy};
+  if (!_resampler) return failure(error ? error : "");
   _margin = marginOf(_from.sampleRate, _to.sampleRate);
   _toSkip = atRate(static_cast<std::int64_t>(_margin), _from.sampleRate, _to.sampleRate);
-  return true;
+  return std::nullopt;
 }
 
 void ClipConverter::convert(const float* frames, std::size_t count, std::vector<float>& to) {

@@ -4,10 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <optional>
 #include <vector>
 
 #include "marlune/desktop/audio/base/audio_format.h"
+#include "marlune/platform/failure.h"
 
 struct soxr;
 
@@ -25,9 +26,9 @@ struct SoxrLibrary;
 // resampled extension again.
 class ClipConverter {
  public:
-  // Returns null and sets `cause`, a clause, if resampling is needed but not available.
-  static std::unique_ptr<ClipConverter> make(const AudioFormat& from, const AudioFormat& to,
-                                             std::string& cause);
+  // Fails, with a clause, if resampling is needed but not available.
+  static Result<std::unique_ptr<ClipConverter>> make(const AudioFormat& from,
+                                                     const AudioFormat& to);
 
   // Appends the output for the next `count` frames of the clip, which may be none yet.
   void convert(const float* frames, std::size_t count, std::vector<float>& to);
@@ -37,7 +38,7 @@ class ClipConverter {
 
  private:
   ClipConverter(const AudioFormat& from, const AudioFormat& to) : _from(from), _to(to) {}
-  bool _prepareResampling(std::string& cause);
+  std::optional<Failure> _prepareResampling();
   void _beginWith(const float* frames, std::size_t count);
   void _resample(const float* frames, std::size_t count);
   void _drain();

@@ -12,15 +12,15 @@ namespace {
 constexpr std::size_t kReadFrames = SoundBlock::kCapacityFrames;
 }  // namespace
 
-std::unique_ptr<ClipDecoder> ClipDecoder::open(const std::string& path, std::string& cause) {
-  std::unique_ptr<Recording> recording = Recording::open(path, cause);
-  if (!recording) return nullptr;
-  return std::unique_ptr<ClipDecoder>(new ClipDecoder(path, std::move(recording)));
+Result<std::unique_ptr<ClipDecoder>> ClipDecoder::open(const std::string& path) {
+  auto recording = Recording::open(path);
+  if (!recording.succeeded()) return recording.failure();
+  return std::unique_ptr<ClipDecoder>(new ClipDecoder(path, std::move(recording.value())));
 }
 
-std::unique_ptr<ClipDecoder> ClipDecoder::open(FilePlayerItem& item, std::string& cause) {
+Result<std::unique_ptr<ClipDecoder>> ClipDecoder::open(FilePlayerItem& item) {
   std::unique_ptr<Recording> recording = item.takeRecording();
-  if (!recording) return open(item.path(), cause);
+  if (!recording) return open(item.path());
   return std::unique_ptr<ClipDecoder>(new ClipDecoder(item.path(), std::move(recording)));
 }
 
@@ -29,11 +29,13 @@ ClipDecoder::ClipDecoder(std::string path, std::unique_ptr<Recording> recording)
       _recording(std::move(recording)),
       _missingFrames(static_cast<std::uint64_t>(_recording->missingFrames())) {}
 
-bool ClipDecoder::convertTo(const AudioFormat& format, std::string& cause) {
-  _converter = ClipConverter::make(clipFormat(), format, cause);
+std::optional<Failure> ClipDecoder::convertTo(const AudioFormat& format) {
+  auto converter = ClipConverter::make(clipFormat(), format);
+  if (!converter.succeeded()) return converter.failure();
+  _converter = std::move(converter.value());
   _channels = static_cast<std::size_t>(format.channels);
   _isCopied = _recording->hasShorts() && format == clipFormat();
-  return _converter != nullptr;
+  return std::nullopt;
 }
 
 void ClipDecoder::fill(SoundBlock& block) {

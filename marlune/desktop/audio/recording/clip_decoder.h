@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,16 +18,16 @@ namespace marlune {
 // however long the recording is.
 class ClipDecoder {
  public:
-  // Returns null and sets `cause`, a clause, if the file cannot be played.
-  static std::unique_ptr<ClipDecoder> open(const std::string& path, std::string& cause);
+  // Fails, with a clause, if the file cannot be played.
+  static Result<std::unique_ptr<ClipDecoder>> open(const std::string& path);
   // The same for the item's open recording if it has one, else for the file at its path.
-  static std::unique_ptr<ClipDecoder> open(FilePlayerItem& item, std::string& cause);
+  static Result<std::unique_ptr<ClipDecoder>> open(FilePlayerItem& item);
 
   const AudioFormat& clipFormat() const { return _recording->format(); }
 
-  // Sets the output format; call once, before fill. Returns false and sets `cause`, a clause, if
-  // the clip cannot be converted.
-  bool convertTo(const AudioFormat& format, std::string& cause);
+  // Sets the output format; call once, before fill. Fails, with a clause, if the clip cannot be
+  // converted.
+  std::optional<Failure> convertTo(const AudioFormat& format);
 
   // Fills `block`: samples, frames, channels and whether it ends the item. The end is marked on the
   // last block with sound, not on an empty block after it; if the file is truncated, that call logs

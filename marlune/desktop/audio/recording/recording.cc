@@ -19,15 +19,16 @@ constexpr sf_count_t kMaxFramesPerByte = 16;  // more than any AIFF encoding ach
 
 constexpr float kLoudest = 1e6f;  // full scale is 1
 
-std::optional<std::string> faultOf(const SF_INFO& info, sf_count_t fileBytes) {
+std::optional<Failure> faultOf(const SF_INFO& info, sf_count_t fileBytes) {
   if (info.samplerate < kMinSampleRate || info.samplerate > kMaxSampleRate) {
-    return "its sample rate is " + std::to_string(info.samplerate);
+    return Failure::malformed("its sample rate is " + std::to_string(info.samplerate));
   }
   if (info.channels < 1 || info.channels > kMaxChannels) {
-    return "it has " + std::to_string(info.channels) + " channels";
+    return Failure::malformed("it has " + std::to_string(info.channels) + " channels");
   }
-  if (info.frames <= 0) return "it contains no sound";
-  if (info.frames / kMaxFramesPerByte > fileBytes) return "it claims more sound than it can hold";
+  if (info.frames <= 0) return Failure::malformed("it contains no sound");
+  if (info.frames / kMaxFramesPerByte > fileBytes)
+    return Failure::malformed("it claims more sound than it can hold");
   return std::nullopt;
 }
 
@@ -36,22 +37,20 @@ std::optional<std::string> faultOf(const SF_INFO& info, sf_count_t fileBytes) {
 Recording::Recording() = default;
 Recording::~Recording() = default;
 
-std::unique_ptr<Recording> Recording::open(const std::string& path, std::string& cause) {
+Result<std::unique_ptr<Recording>> Recording::open(const std::string& path) {
+  auto file = BufferedFile::open(path);
+  if (!file.succeeded()) return file.failure();
   std::unique_ptr<Recording> recording(new Recording);
-  recording->_file = BufferedFile::open(path, cause);
-  if (!recording->_file) return nullptr;
-  if (auto fault = recording->_openSound()) {
-    cause = *std::move(fault);
-    return nullptr;
-  }
+  recording->_file = std::move(file.value());
+  if (auto fault = recording->_openSound()) return *std::move(fault);
   return recording;
 }
 
-std::optional<std::string> Recording::_openSound() {
-  if (_file->size() == 0) return "it is empty";
-  if (_file->size() > kMaxFileBytes) return "it is larger than 1 GiB";
+std::optional<Failure> Recording::_openSound() {
+  if (_file->size() == 0) return Failure::malformed("it is empty");
+  if (_file->size() > kMaxFileBytes) return Failure::malformed("it is larger than 1 GiB");
   // Checked here so that libsndfile's readers for other formats never see the data.
-  if (!isAiff(*_file)) return "it is not an AIFF file";
+  if (!isAiff(*_file)) return Failure::malformed("it is not an AIFF file");
   const std::optional<AiffHeader> header = AiffHeader::read(*_file);
   if (header && _openPlain(*header)) return std::nullopt;
   if (auto fault = _openThroughLibrary()) return fault;
@@ -81,10 +80,10 @@ bool Recording::_openPlain(const AiffHeader& header) {
   return true;
 }
 
-std::optional<std::string> Recording::_openThroughLibrary() {
-  std::string cause;
-  _sound = SndfileReader::open(*_file, cause);
-  if (!_sound) return cause;
+std::optional<Failure> Recording::_openThroughLibrary() {
+  auto sound = SndfileReader::open(*_file);
+  if (!sound.succeeded()) return sound.failure();
+  _sound = std::move(sound.value());
   const SF_INFO& info = _sound->info();
   if (auto fault = faultOf(info, _file->size())) return fault;
   _format = {info.samplerate, info.channels};

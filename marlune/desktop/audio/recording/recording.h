@@ -11,6 +11,7 @@
 #include "marlune/desktop/audio/base/audio_format.h"
 #include "marlune/desktop/audio/recording/aiff_header.h"
 #include "marlune/desktop/audio/recording/buffered_file.h"
+#include "marlune/platform/failure.h"
 #include "marlune/platform/visibility.h"
 
 namespace marlune {
@@ -21,8 +22,8 @@ class SndfileReader;
 // they determine an allocation: a corrupt file is refused, or plays as far as its data goes.
 class MARLUNE_INTERNAL_API Recording {
  public:
-  // Returns null and sets `cause`, a clause, if the file cannot be played.
-  static std::unique_ptr<Recording> open(const std::string& path, std::string& cause);
+  // Fails, with a clause, if the file cannot be played.
+  static Result<std::unique_ptr<Recording>> open(const std::string& path);
 
   ~Recording();
 
@@ -45,8 +46,8 @@ class MARLUNE_INTERNAL_API Recording {
 
  private:
   Recording();
-  std::optional<std::string> _openSound();
-  std::optional<std::string> _openThroughLibrary();
+  std::optional<Failure> _openSound();
+  std::optional<Failure> _openThroughLibrary();
   bool _openPlain(const AiffHeader& header);
   std::size_t _readPlain(float* frames, std::size_t count);
 

@@ -2,12 +2,10 @@
 
 namespace marlune {
 
-const SndfileLibrary* SndfileLibrary::shared(std::string& cause) {
+Result<const SndfileLibrary*> SndfileLibrary::shared() {
   static LoadedLibrary library("libsndfile.so.1");
   static const SndfileLibrary functions(library);
-  if (library.fault().empty()) return &functions;
-  cause = library.fault();
-  return nullptr;
+  return library.offering(functions);
 }
 
 SndfileLibrary::SndfileLibrary(LoadedLibrary& library) {

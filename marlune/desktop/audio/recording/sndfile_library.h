@@ -3,8 +3,6 @@
 
 #include <sndfile.h>
 
-#include <string>
-
 #include "marlune/desktop/loading/loaded_library.h"
 
 namespace marlune {
@@ -18,8 +16,8 @@ struct SndfileLibrary {
   decltype(&sf_close) close = nullptr;
   decltype(&sf_strerror) errorText = nullptr;
 
-  // Loads it once for the process. Null when that failed, and then `cause` says why.
-  static const SndfileLibrary* shared(std::string& cause);
+  // Loads the library once per process.
+  static Result<const SndfileLibrary*> shared();
 
  private:
   explicit SndfileLibrary(LoadedLibrary& library);

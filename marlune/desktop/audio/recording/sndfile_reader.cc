@@ -23,17 +23,17 @@ SF_VIRTUAL_IO& operations() {
 
 }  // namespace
 
-std::unique_ptr<SndfileReader> SndfileReader::open(BufferedFile& file, std::string& cause) {
-  const SndfileLibrary* const library = SndfileLibrary::shared(cause);
-  if (!library) {
-    cause = "libsndfile cannot be loaded to read it: " + cause;
-    return nullptr;
+Result<std::unique_ptr<SndfileReader>> SndfileReader::open(BufferedFile& file) {
+  const auto loaded = SndfileLibrary::shared();
+  if (!loaded.succeeded()) {
+    return Failure::unavailable("libsndfile cannot be loaded to read it: " +
+                                loaded.failure().message);
   }
-  std::unique_ptr<SndfileReader> reader(new SndfileReader(*library));
-  reader->_file = library->openVirtual(&operations(), SFM_READ, &reader->_info, &file);
-  if (reader->_file) return reader;
-  cause = library->errorText(nullptr);
-  return nullptr;
+  const SndfileLibrary& library = *loaded.value();
+  std::unique_ptr<SndfileReader> reader(new SndfileReader(library));
+  reader->_file = library.openVirtual(&operations(), SFM_READ, &reader->_info, &file);
+  if (!reader->_file) return Failure::malformed(library.errorText(nullptr));
+  return reader;
 }
 
 SndfileReader::~SndfileReader() {

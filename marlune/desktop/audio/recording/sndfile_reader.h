@@ -5,19 +5,19 @@
 
 #include <cstddef>
 #include <memory>
-#include <string>
 
 #include "marlune/desktop/audio/recording/buffered_file.h"
 #include "marlune/desktop/audio/recording/sndfile_library.h"
+#include "marlune/platform/failure.h"
 
 namespace marlune {
 
 // A file that libsndfile reads through a BufferedFile, from its first frame on.
 class SndfileReader {
  public:
-  // `file` must outlive the reader. Null when the library cannot be loaded or cannot read the file,
-  // and then `cause` says why, as a clause.
-  static std::unique_ptr<SndfileReader> open(BufferedFile& file, std::string& cause);
+  // `file` must outlive the reader. Fails, with a clause, if the library cannot be loaded or cannot
+  // read the file.
+  static Result<std::unique_ptr<SndfileReader>> open(BufferedFile& file);
 
   ~SndfileReader();
   SndfileReader(const SndfileReader&) = delete;

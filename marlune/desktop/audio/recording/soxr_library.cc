@@ -2,12 +2,10 @@
 
 namespace marlune {
 
-const SoxrLibrary* SoxrLibrary::shared(std::string& cause) {
+Result<const SoxrLibrary*> SoxrLibrary::shared() {
   static LoadedLibrary library("libsoxr.so.0");
   static const SoxrLibrary functions(library);
-  if (library.fault().empty()) return &functions;
-  cause = library.fault();
-  return nullptr;
+  return library.offering(functions);
 }
 
 SoxrLibrary::SoxrLibrary(LoadedLibrary& library) {

@@ -3,8 +3,6 @@
 
 #include <soxr.h>
 
-#include <string>
-
 #include "marlune/desktop/loading/loaded_library.h"
 
 namespace marlune {
@@ -16,8 +14,8 @@ struct SoxrLibrary {
   decltype(&soxr_process) process = nullptr;
   decltype(&soxr_delete) destroy = nullptr;
 
-  // Loads the library once per process. Returns null and sets `cause` if that fails.
-  static const SoxrLibrary* shared(std::string& cause);
+  // Loads the library once per process.
+  static Result<const SoxrLibrary*> shared();
 
  private:
   explicit SoxrLibrary(LoadedLibrary& library);
