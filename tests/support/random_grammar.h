@@ -61,7 +61,12 @@ class RandomGrammar {
     Entries left;
     _significant = 1 + below(3);
     if (chance(30)) _significant = 0;
-    if (!chance(40)) left.emplace_back("_significantSlots", slots(_significant, 2));
+    if (chance(6)) {
+      _significant = 1;
+      left.emplace_back("_significantSlots", _array({_dictionary({{"g", Value::string("f")}})}));
+    } else if (!chance(40)) {
+      left.emplace_back("_significantSlots", slots(_significant, 2));
+    }
     if (chance(3)) left.emplace_back("_preContext", slots(1 + below(2), 2));
     if (chance(3)) left.emplace_back("_postContext", slots(1 + below(2), 2));
     fields.emplace_back("_lhs", _dictionary(std::move(left)));
