@@ -89,6 +89,28 @@ TEST_F(RewritingTest, AConditionalProductionIsChosenAfreshEverywhere) {
             "_E.([une]).([un]).([x]).([three])._E");
 }
 
+TEST_F(RewritingTest, TheTraceHasTheseLines) {
+  const auto grammar = GrammarPart::instanceFromPlist(
+      plist("{A={_lhs={_preContext=[[*, [+, x, y]]]; _significantSlots=[a]};"
+            " _rhs=[{_index=#0; p='1'; q={_index=#0; _attribute=content}}]};"
+            " B={_order=#1; _lhs={_significantSlots=[[~, a]]}; _rhs=[]}}"));
+  preferences->set(ZKPlistNotificationDefault, Value::boolean(true));
+  log->clear();
+  grammar->appliedTo(*SimpleSlotSequence::blankBufferedSlotSequenceWithStrings({"a", "b"}));
+  EXPECT_THAT(log->lines(),
+              testing::ElementsAre(
+                  "Buffered slots: (\n    _E,\n    \"([a])\",\n    \"([b])\",\n    _E\n)", " ",
+                  "Applying 'A' (0): \n  preContext: ((([x]) + ([y])))* \n significant: ([a]) \n "
+                  "postContext: ",
+                  "    indicesOfOccurences: 1", "No Substitution required!", "Substitution!",
+                  "\t\treceiver: ([a])", "\t\tbefore overlay: ([a])", "\t\t\tattributeName: p",
+                  "\t\t\tattributeName: q", "\t\tafter overlay: ([a])", "targetAtStart:",
+                  "modifiedTarget:", "_E.([a]).([b])._E", "Midway Result: _E.([a]).([b])._E", " ",
+                  "Applying 'B' (1): \n  preContext:  \n significant: ~(([a])) \n postContext: ",
+                  "    indicesOfOccurences: 0, 2, 3", "targetAtStart:", "modifiedTarget:", "([a])",
+                  "Midway Result: ([a])"));
+}
+
 TEST_F(RewritingTest, ARuleThatNeverEndsIsStopped) {
   EXPECT_EQ(rewritten("{__name=Flip; _lhs={_significantSlots=[[+, a, b]]}; _repeat=#1; "
                       "_rhs={_signature=[{_index=#0; _attribute=content}]; "

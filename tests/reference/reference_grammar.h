@@ -17,7 +17,7 @@
 
 // The rewriting grammar in its shortest form: copies everything and caches nothing, so that its
 // correctness is easy to see. Works on its own structures, read from a grammar file's tree, and
-// writes the lines that the stage writes, with the trace on or off, into an array.
+// writes the lines that the stage writes without its trace into an array.
 namespace marlune::reference {
 
 // Thrown when a case takes more steps, passes or words than the plain form can handle.
@@ -84,25 +84,9 @@ inline std::string printed(const Cell& cell) {
          textOf(cell.find("lastTone"), "");
 }
 
-inline std::string printed(const Slots& slots, std::string_view between);
-inline std::string printed(const Slot& slot) {
-  switch (slot.kind) {
-    case '*':
-      return "(" + printed(slot.members, " . ") + ")*";
-    case '+':
-      return "(" + printed(slot.members, " + ") + ")";
-    case '~':
-      return "~(" + printed(slot.members, " + ") + ")";
-    default:
-      return printed(slot.cell);
-  }
-}
-inline std::string printed(const Slots& slots, std::string_view between = ".") {
+inline std::string printed(const Slots& phrase) {
   std::string text;
-  for (std::size_t i = 0; i < slots.size(); ++i) {
-    if (i > 0) text += between;
-    text += printed(slots[i]);
-  }
+  for (const Slot& slot : phrase) text += (text.empty() ? "" : ".") + printed(slot.cell);
   return text;
 }
 
@@ -166,7 +150,6 @@ struct Rule {
   bool repeat = false;
   std::optional<Slots> significant;
   Slots before, behind;
-  std::string printedLeftHandSide;
   enum { none, plain, conditional } kind = none;
   Production production;             // not conditional
   std::vector<Attribute> signature;  // conditional; uses only keyIndex and keyName
@@ -224,9 +207,6 @@ inline Rule ruleFrom(const Dictionary& fields, const std::string& name, std::int
     rule.before = slotsFrom(sides.valueForKey("_preContext"));
     rule.behind = slotsFrom(sides.valueForKey("_postContext"));
   }
-  rule.printedLeftHandSide = "\n  preContext: " + printed(rule.before) + " \n significant: " +
-                             (rule.significant ? printed(*rule.significant) : "(null)") +
-                             " \n postContext: " + printed(rule.behind);
   const Value& right = fields.valueForKey("_rhs");
   if (right.asArray()) {
     rule.kind = Rule::plain;
@@ -305,7 +285,6 @@ class Grammar {
       : _root(partFrom(*expanded(file, file).asDictionary()->valueForKey(name).asDictionary(),
                        "ROOT")) {}
 
-  bool traces = false;
   std::vector<std::string> lines;
 
   // The steps that a case may take before it is an Overrun.
@@ -317,9 +296,6 @@ class Grammar {
     Slots phrase{{'s', {1, {}}, {}}};
     for (const std::string& word : words) phrase.push_back(slotFrom(Value::string(word)));
     phrase.push_back({'s', {1, {}}, {}});
-    std::vector<std::string> each;
-    for (const Slot& slot : phrase) each.push_back(printed(slot));
-    _trace("Buffered slots: %@", {each});
     _stepsLeft = mostSteps;
     return _applied(_root, phrase);
   }
@@ -367,10 +343,6 @@ class Grammar {
   struct Fault {
     std::string why;
   };
-
-  void _trace(std::string_view format, std::initializer_list<FormatArgument> arguments = {}) {
-    if (traces) lines.push_back(formatted(format, arguments));
-  }
 
   bool _matchesFirst(const Slot& slot, const Slots& target) {
     if (slot.kind == 's') return _matchesCell(slot.cell, target.front().cell);
@@ -479,7 +451,6 @@ class Grammar {
     for (const Cell& overlay : production.overlays) {
       Cell fresh;
       for (const Attribute& each : overlay.attributes) {
-        _trace(each.keyIndex ? "Substitution!" : "No Substitution required!");
         const Value* found = each.keyIndex ? _valueOf(each, occurrence) : &each.value;
         fresh.set(each.name, found ? *found : Value::string(""));
       }
@@ -492,14 +463,10 @@ class Grammar {
   }
 
   Cell _overlayed(const Cell& overlay, const Cell& under) {
-    _trace("\t\treceiver: %@", {printed(under)});
     Cell result{2, under.attributes};
-    _trace("\t\tbefore overlay: %@", {printed(result)});
     for (const Attribute& each : overlay.attributes) {
-      _trace("\t\t\tattributeName: %@", {each.name});
       result.set(each.name, each.value);
     }
-    _trace("\t\tafter overlay: %@", {printed(result)});
     return result;
   }
 
@@ -525,11 +492,6 @@ class Grammar {
   Slots _replaced(const Rule& rule, const Slots& phrase) {
     Slots target = padded(phrase);
     std::vector<std::int32_t> indices = _indices(rule, target);
-    std::string list;
-    for (const std::int32_t index : indices) {
-      list += (list.empty() ? "" : ", ") + std::to_string(index);
-    }
-    _trace("    indicesOfOccurences: %@", {list});
     for (std::size_t i = 0; i < indices.size(); ++i) {
       try {
         _replace(rule, target, indices, i);
@@ -538,9 +500,6 @@ class Grammar {
             formatted("ERROR: The occurrence at %i stays as it is: %s.", {indices[i], fault.why}));
       }
     }
-    _trace("targetAtStart:");
-    _trace("modifiedTarget:");
-    _trace("%@", {printed(target)});
     return target;
   }
 
@@ -560,8 +519,6 @@ class Grammar {
   }
 
   Slots _applied(const Rule& rule, const Slots& phrase) {
-    _trace(" ");
-    _trace("Applying '%@' (%i): %@", {rule.name, rule.order, rule.printedLeftHandSide});
     Slots current = phrase;
     std::set<std::string> earlier;
     for (int passes = 1;; ++passes) {
@@ -585,10 +542,7 @@ class Grammar {
   Slots _applied(const Part& part, const Slots& phrase) {
     if (part.rule) return _applied(*part.rule, phrase);
     Slots current = phrase;
-    for (const Part& subpart : part.subparts) {
-      current = _applied(subpart, current);
-      _trace("Midway Result: %@", {printed(current)});
-    }
+    for (const Part& subpart : part.subparts) current = _applied(subpart, current);
     return current;
   }
 
