@@ -80,9 +80,13 @@ class Reasons {
 
   const ConditionalProduction* _conditional() const {
     const GenericProduction& production = *_turn.rule->rightHandSide();
-    return production.kind() == GenericProduction::Kind::conditional
-               ? static_cast<const ConditionalProduction*>(&production)
-               : nullptr;
+    switch (production.kind()) {
+      case GenericProduction::Kind::conditional:
+        return static_cast<const ConditionalProduction*>(&production);
+      case GenericProduction::Kind::newProduction:
+        break;
+    }
+    return nullptr;
   }
 
   std::optional<std::string> _missingKey(const SimpleSlotSequence* occurrence) const {
