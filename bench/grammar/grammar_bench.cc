@@ -123,7 +123,8 @@ void BM_Compile(benchmark::State& state) {
   std::uint64_t bytes = 0;
   for (auto _ : state) {
     const std::uint64_t before = allocationCount().bytesHeld;
-    const auto compiled = CompiledBuilder::build(plist);
+    bool isChanged = false;
+    const auto compiled = CompiledBuilder::build(plist, isChanged);
     bytes = allocationCount().bytesHeld - before;
   }
   state.counters["bytes a rule"] = static_cast<double>(bytes) / static_cast<double>(state.range(0));
