@@ -48,7 +48,8 @@ constexpr std::size_t kMostText = std::numeric_limits<std::uint32_t>::max();
 
 }  // namespace
 
-void DecompositionMemo::addRecordings(std::span<const std::string> names) {
+// Runs once: optimise it for size.
+[[gnu::cold]] void DecompositionMemo::addRecordings(std::span<const std::string> names) {
   _makeRoomFor(2 * names.size());
   _makeTextBlock(kTextBlock);
   for (const std::string& name : names) {
@@ -184,7 +185,8 @@ DecompositionMemo::Id DecompositionMemo::_remember(Id id, const Key& key, const 
 }
 
 // Rare: this stretch contained another with the same key, or a delegate called the decomposer.
-DecompositionMemo::Id DecompositionMemo::_supersede(const Key& key, const Entry& answer) {
+[[gnu::cold]] DecompositionMemo::Id DecompositionMemo::_supersede(const Key& key,
+                                                                  const Entry& answer) {
   const std::size_t at = _slotOf(key);
   const Id earlier = _slots[at].id;
   Entry entry = _entry(earlier);
@@ -200,7 +202,8 @@ DecompositionMemo::Id DecompositionMemo::_supersede(const Key& key, const Entry&
   return id;
 }
 
-std::vector<std::string> DecompositionMemo::_files(const Entry& answer) const {
+// Once per new phrase: optimise it for size.
+[[gnu::cold]] std::vector<std::string> DecompositionMemo::_files(const Entry& answer) const {
   std::vector<std::string> files;
   files.reserve(answer.fileCount);
   std::vector<const Entry*> pending{&answer};  // a stack: halves nest up to a phrase deep

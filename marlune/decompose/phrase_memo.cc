@@ -112,7 +112,7 @@ std::size_t PhraseMemo::_slotOf(std::uint64_t hash) const {
   });
 }
 
-void PhraseMemo::_grow() {
+[[gnu::cold]] void PhraseMemo::_grow() {
   std::vector<std::uint32_t> slots(2 * _slots.size(), kNone);
   for (std::size_t i = 0; i < _phrases.size(); ++i) {
     const std::size_t at = slotFor(static_cast<std::size_t>(_phrases[i].hash), slots.size(),

@@ -40,22 +40,26 @@ void StretchSweep::run(const JoinedKey& key, const char* text, std::size_t wordC
 
 void StretchSweep::_makeTables() {
   _stride = _wordCount + 1 + std::size_t{kLanes};
-  const std::size_t cells = (_wordCount + 1) * _stride;
-  if (cells > _ids.size()) {
-    _countsByBegin.resize(cells);
-    _countsByEnd.resize(cells);
-    _ids.resize(cells);
-  }
+  if (_wordCount > _reached.size()) _growTables((_wordCount + 1) * _stride);
   // Cells are written before they are read, except those after a run's end.
   for (std::size_t to = 0; to <= _wordCount; ++to) {
     std::fill_n(&_countsByEnd[to * _stride + to], std::size_t{kLanes}, kCannotBeSaid);
   }
-  _isBeginReached.assign(_wordCount + 1, 0);
-  _isEndReached.assign(_wordCount + 1, 0);
+  std::fill_n(_isBeginReached.begin(), _wordCount + 1, 0);
+  std::fill_n(_isEndReached.begin(), _wordCount + 1, 0);
   _searched.clear();
-  _reached.resize(_wordCount);
+}
+
+// Rare: optimise it for size.
+[[gnu::cold]] void StretchSweep::_growTables(std::size_t cells) {
+  _countsByBegin.resize(cells);
+  _countsByEnd.resize(cells);
+  _ids.resize(cells);
+  _isBeginReached.resize(_wordCount + 1);
+  _isEndReached.resize(_wordCount + 1);
   _keys.resize(_wordCount);
   _found.resize(_wordCount);
+  _reached.resize(_wordCount);  // last: its size shows that all have grown
 }
 
 void StretchSweep::_addSearched(const Searched& searched) {

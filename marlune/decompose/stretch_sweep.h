@@ -55,6 +55,7 @@ class StretchSweep {
   };
 
   void _makeTables();
+  void _growTables(std::size_t cells);
   void _addSearched(const Searched& searched);
   void _reach(std::size_t length);
   bool _isAnsweredWithoutSplit(Id id, const Key& key, std::size_t length);

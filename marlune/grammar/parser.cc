@@ -102,22 +102,18 @@ std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedToStrings(
     return resultOfRulesAppliedTo(
         *SimpleSlotSequence::blankBufferedSlotSequenceWithStrings(strings));
   }
-  return _watched([&] { return _compiled->appliedToStrings(strings); });
+  RewritingFault fault;
+  auto result = _compiled->appliedToStrings(strings);
+  if (fault.failure || _unfinished) _unfinished = std::move(fault.failure);
+  return result;
 }
 
 std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedTo(
     const SimpleSlotSequence& phrase) const {
-  return _watched([&] {
-    if (_worksCompiled()) return _compiled->appliedTo(phrase);
-    return theGrammar() ? theGrammar()->appliedTo(phrase) : nullptr;
-  });
-}
-
-template <typename Rewrite>
-std::shared_ptr<SimpleSlotSequence> Parser::_watched(Rewrite rewrite) const {
+  if (!_compiled) return nullptr;
   RewritingFault fault;
-  auto result = rewrite();
-  _unfinished = std::move(fault.failure);
+  auto result = _worksCompiled() ? _compiled->appliedTo(phrase) : theGrammar()->appliedTo(phrase);
+  if (fault.failure || _unfinished) _unfinished = std::move(fault.failure);
   return result;
 }
 

@@ -96,8 +96,6 @@ class MARLUNE_API Parser {
   Parser();
 
   bool _worksCompiled() const;
-  template <typename Rewrite>
-  std::shared_ptr<SimpleSlotSequence> _watched(Rewrite rewrite) const;
 
   std::optional<Failure> _nameFailure(std::string_view name) const;
 

@@ -52,8 +52,13 @@ LogSettings& settings() {
   return *shared;
 }
 
-thread_local int silences = 0;                           // Silence objects alive on this thread
-thread_local const TQUtils::Capture* capture = nullptr;  // the innermost one of this thread
+thread_local int silences = 0;  // Silence objects alive on this thread
+
+SystemLog& systemLogInUse() {
+  static StandardErrorLog* const standardError = new StandardErrorLog;
+  SystemLog* const log = Platform::shared().systemLog.get();
+  return log ? *log : *standardError;
+}
 
 std::string pathInDirectory(const std::string& directory, const std::string& name) {
   const bool needsSlash = !directory.empty() && directory.back() != '/';
@@ -72,16 +77,9 @@ std::shared_ptr<LogFile> fileToLogTo() {
 TQUtils::Silence::Silence() { ++silences; }
 TQUtils::Silence::~Silence() { --silences; }
 
-TQUtils::Capture::Capture(SystemLog& log, Kept kept) : _log(log), _kept(kept), _outer(capture) {
-  capture = this;
-}
-TQUtils::Capture::~Capture() { capture = _outer; }
-
-SystemLog& TQUtils::_systemLogInUse() {
-  static StandardErrorLog* const standardError = new StandardErrorLog;
-  if (capture) return capture->_log;
-  SystemLog* const log = Platform::shared().systemLog.get();
-  return log ? *log : *standardError;
+const TQUtils::Capture*& TQUtils::_innermostCapture() {
+  thread_local const Capture* innermost = nullptr;
+  return innermost;
 }
 
 bool TQUtils::isWantedForDefault(std::string_view key) {
@@ -108,35 +106,33 @@ void TQUtils::_log(std::string_view format, std::initializer_list<FormatArgument
 void TQUtils::_systemLog(std::string_view format,
                          std::initializer_list<FormatArgument> arguments) noexcept try {
   if (silences > 0) return;
-  _systemLogInUse().write(formatted(format, arguments));
+  const Capture* const capture = _innermostCapture();
+  (capture ? capture->_log : systemLogInUse()).write(formatted(format, arguments));
 } catch (const std::exception&) {
   // A line that cannot be formatted is lost, like one that cannot be written.
-}
-
-void TQUtils::_comparisonLog(std::string_view format,
-                             std::initializer_list<FormatArgument> arguments) noexcept {
-  if (capture && capture->_kept == Capture::Kept::messages) return;
-  _systemLog(format, arguments);
 }
 
 void TQUtils::_write(std::string_view type, std::string_view format,
                      std::initializer_list<FormatArgument> arguments) noexcept try {
   if (silences > 0) return;
   const std::string message = formatted(format, arguments);
-  _systemLogInUse().write(message);
-  if (!capture) __logToFileForMessageType(type, message);
+  if (const Capture* const capture = _innermostCapture()) return capture->_log.write(message);
+  systemLogInUse().write(message);
+  __logToFileForMessageType(type, message);
 } catch (const std::exception&) {
   // The line is lost.
 }
 
-void TQUtils::__logToFileForMessageType(std::string_view type, std::string_view message) {
+[[gnu::cold]] void TQUtils::__logToFileForMessageType(std::string_view type,
+                                                      std::string_view message) {
   const std::shared_ptr<LogFile> file = fileToLogTo();
   if (!file) return;
   const std::string stamp = __dateStringForDate(std::chrono::system_clock::now());
   file->write(formatted("%@ %@ %@\n", {stamp, type, message}));
 }
 
-void TQUtils::setShouldLogToFilesInDirectory(std::shared_ptr<const std::string> directory) {
+[[gnu::cold]] void TQUtils::setShouldLogToFilesInDirectory(
+    std::shared_ptr<const std::string> directory) {
   LogSettings& all = settings();
   const bool startsFile = directory != nullptr;
   {
@@ -151,7 +147,7 @@ void TQUtils::setShouldUseVexaAppPreferenceKeyForLogging(bool flag) {
   settings().usesPartnerPreferences.store(flag, std::memory_order_relaxed);
 }
 
-void TQUtils::resetLogs() {
+[[gnu::cold]] void TQUtils::resetLogs() {
   LogSettings& all = settings();
   std::shared_ptr<LogFile> former;
   std::shared_ptr<const std::string> directory;

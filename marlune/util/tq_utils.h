@@ -65,13 +65,6 @@ class MARLUNE_API TQUtils {
     _systemLog(format, {FormatArgument(arguments)...});
   }
 
-  // A line straight to the system log about one comparison of a pattern with a word. There can be
-  // millions, so a Capture may leave them out.
-  template <typename... Arguments>
-  static void comparisonLog(std::string_view format, const Arguments&... arguments) {
-    _comparisonLog(format, {FormatArgument(arguments)...});
-  }
-
   // While one exists, this thread logs nothing. Used when work that has already logged its lines is
   // repeated. Silences nest.
   class Silence {
@@ -84,13 +77,16 @@ class MARLUNE_API TQUtils {
 
   // While one exists, it receives what this thread would write to the system log, and log files
   // receive nothing. Captures nest: the innermost one receives the lines.
-  class MARLUNE_INTERNAL_API Capture {
+  class Capture {
    public:
     enum class Kept { messages, everything };  // `messages`: without the lines of comparisons
 
     // The log must outlive the object.
-    explicit Capture(SystemLog& log, Kept kept = Kept::messages);
-    ~Capture();
+    explicit Capture(SystemLog& log, Kept kept = Kept::messages)
+        : _log(log), _kept(kept), _outer(_innermostCapture()) {
+      _innermostCapture() = this;
+    }
+    ~Capture() { _innermostCapture() = _outer; }
     Capture(const Capture&) = delete;
     Capture& operator=(const Capture&) = delete;
 
@@ -101,6 +97,15 @@ class MARLUNE_API TQUtils {
     const Kept _kept;
     const Capture* const _outer;
   };
+
+  // A line straight to the system log about one comparison of a pattern with a word. There can be
+  // millions, so a Capture may leave them out.
+  template <typename... Arguments>
+  static void comparisonLog(std::string_view format, const Arguments&... arguments) {
+    const Capture* const capture = _innermostCapture();
+    if (capture && capture->_kept == Capture::Kept::messages) return;
+    systemLog(format, arguments...);
+  }
 
   // Starts a new log file in `directory` and writes every later line to it too. nullptr stops that
   // and leaves the open file unchanged. Passing the same object as before has no effect. The
@@ -135,9 +140,7 @@ class MARLUNE_API TQUtils {
   static void _log(std::string_view format, std::initializer_list<FormatArgument> arguments);
   static void _systemLog(std::string_view format,
                          std::initializer_list<FormatArgument> arguments) noexcept;
-  static void _comparisonLog(std::string_view format,
-                             std::initializer_list<FormatArgument> arguments) noexcept;
-  static SystemLog& _systemLogInUse();
+  static const Capture*& _innermostCapture();  // of this thread
   // Writes to the system log and the log file; `type` is the type of the line in the file.
   static void _write(std::string_view type, std::string_view format,
                      std::initializer_list<FormatArgument> arguments) noexcept;

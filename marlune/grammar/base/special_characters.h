@@ -2,6 +2,7 @@
 #define MARLUNE_GRAMMAR_BASE_SPECIAL_CHARACTERS_H_
 
 #include <string>
+#include <string_view>
 
 namespace marlune {
 
@@ -10,6 +11,10 @@ namespace marlune {
 class SpecialCharacters {
  public:
   SpecialCharacters() = delete;
+
+  // The first two as constants, because every word is compared with them.
+  static constexpr std::string_view kWildcard = "?";
+  static constexpr std::string_view kBlank = "_E";
 
   // A cell written as a string: the wildcard.
   static const std::string& wildcardSymbol();

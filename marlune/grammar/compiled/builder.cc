@@ -107,8 +107,13 @@ void CompiledBuilder::_arrange(const std::vector<std::uint32_t>& numbers) {
 bool CompiledBuilder::_compile(const Dictionary& plist, CompiledRule& compiled) {
   const RuleForm form = RuleForm::of(plist);
   compiled.repeats = form.repeats;
-  return form.leftHandSide && _patterns.read(*form.leftHandSide, compiled) && form.rightHandSide &&
-         _productions.read(*form.rightHandSide, compiled.significant.count, compiled.production);
+  CompiledProductions::Production production;
+  const bool isRead =
+      form.leftHandSide && _patterns.read(*form.leftHandSide, compiled) && form.rightHandSide &&
+      _productions.read(*form.rightHandSide, compiled.significant.count, production);
+  compiled.productionKind = production.kind;
+  compiled.productionNumber = production.number;
+  return isRead;
 }
 
 }  // namespace marlune

@@ -202,9 +202,9 @@ bool CompiledGrammar::_rewrite(std::uint32_t number, Work& work) const {
     if (at < 0 || at + matched > std::ssize(slots)) return false;
     const std::span<const CompiledPhrase::Slot> occurrence(slots.data() + at,
                                                            rule.significant.count);
-    work.steps += _tables.productions.stepsOf(rule.production);
+    work.steps += _tables.productions.stepsOf(rule.production());
     const CompiledProductions::Run* const replacement = _tables.productions.replacementFor(
-        rule.production, phrase, occurrence, *_tables.vocabulary);
+        rule.production(), phrase, occurrence, *_tables.vocabulary);
     if (!replacement) continue;
     const std::uint32_t firstNew = phrase.nextIdentity();
     work.replacement.clear();

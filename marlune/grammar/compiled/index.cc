@@ -10,7 +10,8 @@ void CompiledIndex::file(std::uint32_t rule, std::span<const std::uint64_t> feat
   for (const std::uint64_t feature : features) _unsorted.emplace_back(feature, rule);
 }
 
-void CompiledIndex::finish(std::size_t vocabularyCount) {
+// Runs once per grammar: optimise it for size.
+[[gnu::cold]] void CompiledIndex::finish(std::size_t vocabularyCount) {
   std::sort(_unsorted.begin(), _unsorted.end());
   _unsorted.erase(std::unique(_unsorted.begin(), _unsorted.end()), _unsorted.end());
   _rules.reserve(_unsorted.size());

@@ -32,7 +32,8 @@ bool PatternBuilder::read(const Value& leftHandSide, CompiledRule& rule) {
 // An absent context has no slots.
 bool PatternBuilder::_context(const Value* slots, bool backwards, Run& run) {
   if (!slots) return true;
-  return slots->asArray() && _run(slots->asArray()->elements(), backwards, /*isAsked=*/false, run);
+  const auto& array = slots->asArray();
+  return array && _run(array->elements(), backwards, /*isAsked=*/false, run);
 }
 
 // Groups inside the slots are stored before the slots themselves. `isAsked`: whether the slots are
@@ -107,11 +108,13 @@ bool PatternBuilder::_literal(const Dictionary& attributes, Element& element) {
   bool canMatch = true;
   for (const auto& [name, value] : attributes.entries()) {
     const ContentComparison comparison = contentComparisonOf(*name);
+    const Value::Kind kind = value.kind();
     // Comparing a prefix writes lines.
-    if (comparison == ContentComparison::prefix || value.asArray() || value.asDictionary()) {
+    if (comparison == ContentComparison::prefix || kind == Value::Kind::array ||
+        kind == Value::Kind::dictionary) {
       return false;
     }
-    if (!value.asString()) {
+    if (kind != Value::Kind::string) {
       canMatch = false;
       continue;
     }

@@ -25,7 +25,8 @@ CompiledPhrase::Id CompiledPhrase::idOf(std::string_view text) {
   return static_cast<Id>(_vocabulary->count() + _unknown.size() - 1);
 }
 
-CompiledPhrase::Id CompiledPhrase::idOfName(std::string_view name) {
+// Only for phrases that are given as objects: optimise it for size.
+[[gnu::cold]] CompiledPhrase::Id CompiledPhrase::idOfName(std::string_view name) {
   if (const Id known = _vocabulary->find(name)) return known;
   const auto place = std::find_if(_unknownNames.begin(), _unknownNames.end(),
                                   [&](Id each) { return text(each) == name; });

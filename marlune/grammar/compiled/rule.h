@@ -24,13 +24,16 @@ struct CompiledRule {
   std::uint32_t anchor = kNoAnchor;
   std::int32_t anchorOffset = 0;
 
-  CompiledProductions::Production production;
+  std::uint32_t productionNumber = 0;
+  CompiledProductions::Production::Kind productionKind = {};
   bool repeats = false;
   bool hasKleene = false;
 
   // Whether the grammar's object applies the rule: matching writes lines, or part of the rule has
   // no compiled form.
   bool isLeftToObject = false;
+
+  CompiledProductions::Production production() const { return {productionKind, productionNumber}; }
 };
 
 }  // namespace marlune

@@ -126,8 +126,7 @@ class PackedList::Writer {
 
 class PackedList::Reader {
  public:
-  explicit Reader(const PackedList& list)
-      : _list(list), _texts(list._known->count() + list._texts.count()) {}
+  explicit Reader(const PackedList& list) : _list(list), _texts(list._mostTexts()) {}
 
   Value read() {
     switch (static_cast<Mark>(_byte())) {
@@ -190,9 +189,9 @@ class PackedList::Reader {
   }
 
   const std::shared_ptr<const std::string>& _text() {
-    const auto id = static_cast<Vocabulary::Id>(_number());
-    std::shared_ptr<const std::string>& text = _texts[id];
-    if (!text) text = std::make_shared<const std::string>(_list._text(id));
+    const std::uint64_t number = _number();
+    std::shared_ptr<const std::string>& text = _texts[static_cast<std::size_t>(number)];
+    if (!text) text = std::make_shared<const std::string>(_list._text(number));
     return text;
   }
 
@@ -219,15 +218,15 @@ class PackedList::Reader {
 PackedList::PackedList(std::shared_ptr<const Vocabulary> known)
     : _known(known ? std::move(known) : std::make_shared<const Vocabulary>()) {}
 
-Vocabulary::Id PackedList::_addText(std::string_view text) {
+std::uint64_t PackedList::_addText(std::string_view text) {
   const Vocabulary::Id known = _known->find(text);
-  if (known != Vocabulary::kAbsent) return known;
-  return static_cast<Vocabulary::Id>(_known->count() + _texts.add(text));
+  if (known != Vocabulary::kAbsent) return 2 * std::uint64_t{known} + 1;
+  return 2 * std::uint64_t{_texts.add(text)};
 }
 
-std::string_view PackedList::_text(Vocabulary::Id id) const {
-  const std::size_t known = _known->count();
-  return id < known ? _known->text(id) : _texts.text(static_cast<Vocabulary::Id>(id - known));
+std::string_view PackedList::_text(std::uint64_t number) const {
+  const auto id = static_cast<Vocabulary::Id>(number / 2);
+  return number % 2 == 1 ? _known->text(id) : _texts.text(id);
 }
 
 std::shared_ptr<const PackedList> PackedList::pack(const Value& root,

@@ -1,7 +1,9 @@
 #ifndef MARLUNE_GRAMMAR_FILE_PACKED_LIST_H_
 #define MARLUNE_GRAMMAR_FILE_PACKED_LIST_H_
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -30,11 +32,14 @@ class PackedList {
 
   explicit PackedList(std::shared_ptr<const Vocabulary> known);
 
-  Vocabulary::Id _addText(std::string_view text);
-  std::string_view _text(Vocabulary::Id id) const;
+  std::uint64_t _addText(std::string_view text);
+  std::string_view _text(std::uint64_t number) const;
+  std::size_t _mostTexts() const { return 2 * std::max(_known->count(), _texts.count()); }
 
-  std::shared_ptr<const Vocabulary> _known;  // has the lowest numbers
-  Vocabulary _texts;                         // the others
+  // A text of _known has an odd number, one of _texts an even one: in both ways the texts that were
+  // added first, which are the most frequent, take a single byte.
+  std::shared_ptr<const Vocabulary> _known;
+  Vocabulary _texts;  // those not in _known
   std::string _bytes;
 };
 

@@ -5,17 +5,23 @@
 namespace marlune {
 
 ProductionForm productionFormOf(const Value& rightHandSide) {
-  if (rightHandSide.asArray()) return ProductionForm::newProduction;
-  return rightHandSide.asDictionary() ? ProductionForm::conditional : ProductionForm::none;
+  switch (rightHandSide.kind()) {
+    case Value::Kind::array:
+      return ProductionForm::newProduction;
+    case Value::Kind::dictionary:
+      return ProductionForm::conditional;
+    default:
+      return ProductionForm::none;
+  }
 }
 
 ProducedForm ProducedForm::of(const Value& element) {
-  if (element.asString()) return {Kind::word};
-  const auto& fields = element.asDictionary();
-  if (!fields) return {Kind::ignored};
-  const Value& index = fields->valueForKey(SpecialCharacters::indexKey());
+  if (element.kind() == Value::Kind::string) return {Kind::word};
+  if (element.kind() != Value::Kind::dictionary) return {Kind::ignored};
+  const Dictionary& fields = *element.asDictionary();
+  const Value& index = fields.valueForKey(SpecialCharacters::indexKey());
   if (!index.isNumber()) return {Kind::last};
-  return {Kind::overlay, index.integerValue(), fields.get()};
+  return {Kind::overlay, index.integerValue(), &fields};
 }
 
 ReferenceForm ReferenceForm::of(const Value& value) {

@@ -3,14 +3,19 @@
 namespace marlune {
 
 CellForm cellFormOf(const Value& value) {
-  if (const std::string* text = value.asString()) return cellFormOf(std::string_view(*text));
-  return value.asDictionary() ? CellForm::attributes : CellForm::other;
+  switch (value.kind()) {
+    case Value::Kind::string:
+      return cellFormOf(std::string_view(*value.asString()));
+    case Value::Kind::dictionary:
+      return CellForm::attributes;
+    default:
+      return CellForm::other;
+  }
 }
 
 SlotForm SlotForm::of(const Value& value) {
-  const auto& array = value.asArray();
-  if (!array) return {Kind::cell, {}};
-  const std::span<const Value> elements(array->elements());
+  if (value.kind() != Value::Kind::array) return {Kind::cell, {}};
+  const std::span<const Value> elements(value.asArray()->elements());
   if (elements.empty()) return {Kind::empty, {}};
   const std::string* const marker = elements.front().asString();
   const std::span<const Value> members = elements.subspan(1);

@@ -19,8 +19,8 @@ enum class CellForm : unsigned char {
 };
 
 inline CellForm cellFormOf(std::string_view text) {
-  if (text == SpecialCharacters::wildcardSymbol()) return CellForm::wildcard;
-  if (text == SpecialCharacters::blankSymbol()) return CellForm::blank;
+  if (text == SpecialCharacters::kWildcard) return CellForm::wildcard;
+  if (text == SpecialCharacters::kBlank) return CellForm::blank;
   return CellForm::word;
 }
 CellForm cellFormOf(const Value& value);

@@ -17,7 +17,7 @@ bool CompoundSlot::_matchesAt(const SlotRun&, std::size_t) const {
   return false;
 }
 
-std::shared_ptr<Slot> CompoundSlot::_reversed() {
+std::shared_ptr<Slot> CompoundSlot::_withMembers(const SlotSequence&) const {
   TQUtils::systemLog(
       "ERROR: 'reversed' method called on CompoundSlot, which is an abstract class.");
   return nullptr;

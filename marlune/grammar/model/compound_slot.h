@@ -12,7 +12,8 @@
 namespace marlune {
 
 // A slot that holds a group of slots, in the grammar's order. Abstract: matching, describing and
-// reversing log an error and return false, "" and nullptr.
+// reversing log an error and return false, "" and nullptr. Reversed, it is a slot of the same kind
+// with the members backwards, themselves reversed.
 class MARLUNE_API CompoundSlot : public Slot {
  public:
   std::string description() const override;
@@ -32,27 +33,12 @@ class MARLUNE_API CompoundSlot : public Slot {
   bool _anyMemberWritesLines() const;
 
  private:
-  std::shared_ptr<Slot> _reversed() override;
+  std::shared_ptr<Slot> _reversed() override { return _withMembers(*slots()->reversed()); }
+
+  // A new slot of the same kind with these members.
+  virtual std::shared_ptr<Slot> _withMembers(const SlotSequence& members) const;
 
   std::shared_ptr<SlotSequence> _slots;
-};
-
-// What all kinds of compound slots share; `Self` is the kind.
-template <typename Self>
-class CompoundSlotOf : public CompoundSlot {
- public:
-  // From the array of members, without the marker. Throws GrammarError when a member cannot be
-  // read.
-  static std::shared_ptr<Self> initFromPlist(const Value& plist);
-  static std::shared_ptr<Self> instanceFromPlist(const Value& plist);
-
-  static std::shared_ptr<Self> initWithArray(SlotArray members);
-
- protected:
-  using CompoundSlot::CompoundSlot;
-
- private:
-  std::shared_ptr<Slot> _reversed() override;
 };
 
 }  // namespace marlune

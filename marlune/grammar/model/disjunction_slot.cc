@@ -1,11 +1,18 @@
 #include "marlune/grammar/model/disjunction_slot.h"
 
-#include "marlune/grammar/model/compound_slot_of.h"
+#include "marlune/grammar/base/make_shared_of.h"
 
 namespace marlune {
 
-template class CompoundSlotOf<DisjunctionSlot>;
-
+std::shared_ptr<DisjunctionSlot> DisjunctionSlot::initFromPlist(const Value& plist) {
+  return makeSharedOf<DisjunctionSlot>(SlotSequence::initFromPlist(plist));
+}
+std::shared_ptr<DisjunctionSlot> DisjunctionSlot::instanceFromPlist(const Value& plist) {
+  return initFromPlist(plist);
+}
+std::shared_ptr<DisjunctionSlot> DisjunctionSlot::initWithArray(SlotArray members) {
+  return makeSharedOf<DisjunctionSlot>(SlotSequence::initWithArray(std::move(members)));
+}
 std::shared_ptr<DisjunctionSlot> DisjunctionSlot::disjunctionSlotWithArray(SlotArray members) {
   return initWithArray(std::move(members));
 }

@@ -9,13 +9,16 @@
 
 namespace marlune {
 
-class DisjunctionSlot;
-extern template class MARLUNE_API CompoundSlotOf<DisjunctionSlot>;
-
 // A slot that matches if one of its alternatives does; without alternatives it matches nothing. In
 // a sequence it takes exactly one position. Prints as "(a + b)".
-class MARLUNE_API DisjunctionSlot : public CompoundSlotOf<DisjunctionSlot> {
+class MARLUNE_API DisjunctionSlot : public CompoundSlot {
  public:
+  // From the array of members, without the marker. Throws GrammarError when a member cannot be
+  // read.
+  static std::shared_ptr<DisjunctionSlot> initFromPlist(const Value& plist);
+  static std::shared_ptr<DisjunctionSlot> instanceFromPlist(const Value& plist);
+
+  static std::shared_ptr<DisjunctionSlot> initWithArray(SlotArray members);
   static std::shared_ptr<DisjunctionSlot> disjunctionSlotWithArray(SlotArray members);
 
   Kind kind() const override { return Kind::disjunction; }
@@ -25,7 +28,12 @@ class MARLUNE_API DisjunctionSlot : public CompoundSlotOf<DisjunctionSlot> {
   bool _writesLines() const override;
 
  protected:
-  using CompoundSlotOf::CompoundSlotOf;
+  using CompoundSlot::CompoundSlot;
+
+ private:
+  std::shared_ptr<Slot> _withMembers(const SlotSequence& members) const override {
+    return initWithArray(members.slots());
+  }
 };
 
 }  // namespace marlune

@@ -45,14 +45,13 @@ bool GrammarPart::_runsBefore(const GrammarPart& sibling) const {
 }
 
 bool GrammarPart::_placeSubpart(Dictionary& plist, std::shared_ptr<const std::string> name) const {
-  const Value depth = Value::integer(_depth + 1);
-  const Value newName = Value::string(std::move(name));
-  if (plist.valueForKey(SpecialCharacters::depthKey()).equals(depth) &&
-      plist.valueForKey(SpecialCharacters::partNameKey()).equals(newName)) {
-    return false;
-  }
-  plist.setValueForKey(depth, SpecialCharacters::depthKey());
-  plist.setValueForKey(newName, SpecialCharacters::partNameKey());
+  const Value& depth = plist.valueForKey(SpecialCharacters::depthKey());
+  const std::string* const held = plist.valueForKey(SpecialCharacters::partNameKey()).asString();
+  const bool isSame = held && *held == *name && depth.kind() == Value::Kind::integer &&
+                      depth.integerValue() == _depth + 1;
+  if (isSame) return false;
+  plist.setValueForKey(Value::integer(_depth + 1), SpecialCharacters::depthKey());
+  plist.setValueForKey(Value::string(std::move(name)), SpecialCharacters::partNameKey());
   return true;
 }
 

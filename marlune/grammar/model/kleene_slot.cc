@@ -1,12 +1,19 @@
 #include "marlune/grammar/model/kleene_slot.h"
 
-#include "marlune/grammar/model/compound_slot_of.h"
+#include "marlune/grammar/base/make_shared_of.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
 
-template class CompoundSlotOf<KleeneSlot>;
-
+std::shared_ptr<KleeneSlot> KleeneSlot::initFromPlist(const Value& plist) {
+  return makeSharedOf<KleeneSlot>(SlotSequence::initFromPlist(plist));
+}
+std::shared_ptr<KleeneSlot> KleeneSlot::instanceFromPlist(const Value& plist) {
+  return initFromPlist(plist);
+}
+std::shared_ptr<KleeneSlot> KleeneSlot::initWithArray(SlotArray members) {
+  return makeSharedOf<KleeneSlot>(SlotSequence::initWithArray(std::move(members)));
+}
 std::shared_ptr<KleeneSlot> KleeneSlot::kleeneSlotWithArray(SlotArray members) {
   return initWithArray(std::move(members));
 }

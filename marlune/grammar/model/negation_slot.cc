@@ -1,11 +1,18 @@
 #include "marlune/grammar/model/negation_slot.h"
 
-#include "marlune/grammar/model/compound_slot_of.h"
+#include "marlune/grammar/base/make_shared_of.h"
 
 namespace marlune {
 
-template class CompoundSlotOf<NegationSlot>;
-
+std::shared_ptr<NegationSlot> NegationSlot::initFromPlist(const Value& plist) {
+  return makeSharedOf<NegationSlot>(SlotSequence::initFromPlist(plist));
+}
+std::shared_ptr<NegationSlot> NegationSlot::instanceFromPlist(const Value& plist) {
+  return initFromPlist(plist);
+}
+std::shared_ptr<NegationSlot> NegationSlot::initWithArray(SlotArray members) {
+  return makeSharedOf<NegationSlot>(SlotSequence::initWithArray(std::move(members)));
+}
 std::shared_ptr<NegationSlot> NegationSlot::negationSlotWithArray(SlotArray members) {
   return initWithArray(std::move(members));
 }

@@ -9,13 +9,16 @@
 
 namespace marlune {
 
-class NegationSlot;
-extern template class MARLUNE_API CompoundSlotOf<NegationSlot>;
-
 // A slot that matches if none of its members does; with no members it matches anything. In a
 // sequence it takes exactly one position. Prints as "~(a + b)".
-class MARLUNE_API NegationSlot : public CompoundSlotOf<NegationSlot> {
+class MARLUNE_API NegationSlot : public CompoundSlot {
  public:
+  // From the array of members, without the marker. Throws GrammarError when a member cannot be
+  // read.
+  static std::shared_ptr<NegationSlot> initFromPlist(const Value& plist);
+  static std::shared_ptr<NegationSlot> instanceFromPlist(const Value& plist);
+
+  static std::shared_ptr<NegationSlot> initWithArray(SlotArray members);
   static std::shared_ptr<NegationSlot> negationSlotWithArray(SlotArray members);
 
   Kind kind() const override { return Kind::negation; }
@@ -25,7 +28,12 @@ class MARLUNE_API NegationSlot : public CompoundSlotOf<NegationSlot> {
   bool _writesLines() const override;
 
  protected:
-  using CompoundSlotOf::CompoundSlotOf;
+  using CompoundSlot::CompoundSlot;
+
+ private:
+  std::shared_ptr<Slot> _withMembers(const SlotSequence& members) const override {
+    return initWithArray(members.slots());
+  }
 };
 
 }  // namespace marlune

@@ -4,16 +4,14 @@
 
 namespace marlune {
 
-namespace {
-thread_local RewritingFault* innermost = nullptr;
-}  // namespace
-
-RewritingFault::RewritingFault() : _outer(innermost) { innermost = this; }
-RewritingFault::~RewritingFault() { innermost = _outer; }
+RewritingFault*& RewritingFault::_innermost() {
+  thread_local RewritingFault* innermost = nullptr;
+  return innermost;
+}
 
 void RewritingFault::report(Failure::Kind kind, std::string message) {
-  if (!innermost || innermost->failure) return;
-  innermost->failure = Failure{kind, std::move(message)};
+  RewritingFault* const innermost = _innermost();
+  if (innermost && !innermost->failure) innermost->failure = Failure{kind, std::move(message)};
 }
 
 }  // namespace marlune

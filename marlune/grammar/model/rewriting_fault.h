@@ -12,8 +12,8 @@ namespace marlune {
 // nest: the innermost one keeps it.
 class MARLUNE_INTERNAL_API RewritingFault {
  public:
-  RewritingFault();
-  ~RewritingFault();
+  RewritingFault() : _outer(_innermost()) { _innermost() = this; }
+  ~RewritingFault() { _innermost() = _outer; }
   RewritingFault(const RewritingFault&) = delete;
   RewritingFault& operator=(const RewritingFault&) = delete;
 
@@ -23,6 +23,8 @@ class MARLUNE_INTERNAL_API RewritingFault {
   static void report(Failure::Kind kind, std::string message);
 
  private:
+  static RewritingFault*& _innermost();  // of this thread
+
   RewritingFault* const _outer;
 };
 
