@@ -218,7 +218,7 @@ bool QueueEngine::_openNext() {
     item = _items[_sentItems];
     _decoderGeneration = _generation;
   }
-  auto opened = ClipDecoder::open(*item);
+  auto opened = ClipDecoder::open(item->path(), item->takeRecording());
   if (!opened.succeeded()) {
     _skip(*item, opened.failure());
     return false;

@@ -12,16 +12,14 @@ namespace {
 constexpr std::size_t kReadFrames = SoundBlock::kCapacityFrames;
 }  // namespace
 
-Result<std::unique_ptr<ClipDecoder>> ClipDecoder::open(const std::string& path) {
-  auto recording = Recording::open(path);
-  if (!recording.succeeded()) return recording.failure();
-  return std::unique_ptr<ClipDecoder>(new ClipDecoder(path, std::move(recording.value())));
-}
-
-Result<std::unique_ptr<ClipDecoder>> ClipDecoder::open(FilePlayerItem& item) {
-  std::unique_ptr<Recording> recording = item.takeRecording();
-  if (!recording) return open(item.path());
-  return std::unique_ptr<ClipDecoder>(new ClipDecoder(item.path(), std::move(recording)));
+Result<std::unique_ptr<ClipDecoder>> ClipDecoder::open(const std::string& path,
+                                                       std::unique_ptr<Recording> recording) {
+  if (!recording) {
+    auto opened = Recording::open(path);
+    if (!opened.succeeded()) return opened.failure();
+    recording = std::move(opened.value());
+  }
+  return std::unique_ptr<ClipDecoder>(new ClipDecoder(path, std::move(recording)));
 }
 
 ClipDecoder::ClipDecoder(std::string path, std::unique_ptr<Recording> recording)

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "marlune/desktop/audio/base/sound_block.h"
-#include "marlune/desktop/audio/queue/file_player_item.h"
 #include "marlune/desktop/audio/recording/clip_converter.h"
 #include "marlune/desktop/audio/recording/recording.h"
 
@@ -18,10 +17,10 @@ namespace marlune {
 // however long the recording is.
 class ClipDecoder {
  public:
-  // Fails, with a clause, if the file cannot be played.
-  static Result<std::unique_ptr<ClipDecoder>> open(const std::string& path);
-  // The same for the item's open recording if it has one, else for the file at its path.
-  static Result<std::unique_ptr<ClipDecoder>> open(FilePlayerItem& item);
+  // `recording`, if not null, is the file at the path, already open and unread. Fails, with a
+  // clause, if the file cannot be played.
+  static Result<std::unique_ptr<ClipDecoder>> open(const std::string& path,
+                                                   std::unique_ptr<Recording> recording = nullptr);
 
   const AudioFormat& clipFormat() const { return _recording->format(); }
 
