@@ -104,7 +104,7 @@ std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedToStrings(
   }
   RewritingFault fault;
   auto result = _compiled->appliedToStrings(strings);
-  if (fault.failure || _unfinished) _unfinished = std::move(fault.failure);
+  if (fault.failure || _unfinished) _setUnfinished(fault);
   return result;
 }
 
@@ -113,8 +113,13 @@ std::shared_ptr<SimpleSlotSequence> Parser::resultOfRulesAppliedTo(
   if (!_compiled) return nullptr;
   RewritingFault fault;
   auto result = _worksCompiled() ? _compiled->appliedTo(phrase) : theGrammar()->appliedTo(phrase);
-  if (fault.failure || _unfinished) _unfinished = std::move(fault.failure);
+  if (fault.failure || _unfinished) _setUnfinished(fault);
   return result;
+}
+
+void Parser::_setUnfinished(RewritingFault& fault) const {
+  _unfinished = std::move(fault.failure);
+  _unfinishedRule = std::move(fault.rule);
 }
 
 // The compiled grammar skips work that only the trace would show.

@@ -18,6 +18,7 @@ namespace marlune {
 
 class CompiledGrammar;
 class GrammarFile;
+class RewritingFault;
 
 // The rewriting grammar for an app: one grammar of a grammar file, ready to rewrite the words of
 // phrases. The process reads a file once; all parsers on it share its tree.
@@ -74,6 +75,8 @@ class MARLUNE_API Parser {
   // because the phrase would have grown too large, or a repeating rule was stopped because it would
   // not end. Of several reasons the first. A line was logged for each.
   const std::optional<Failure>& whyUnfinished() const { return _unfinished; }
+  // The name of the rule in which that reason arose; empty if it has none.
+  const std::string& ruleLeftUnfinished() const { return _unfinishedRule; }
 
   // Always nullptr.
   std::shared_ptr<const std::vector<std::string>> productionRules() const { return nullptr; }
@@ -96,12 +99,14 @@ class MARLUNE_API Parser {
   Parser();
 
   bool _worksCompiled() const;
+  void _setUnfinished(RewritingFault& fault) const;
 
   std::optional<Failure> _nameFailure(std::string_view name) const;
 
   GrammarFile* _file = nullptr;  // owned by the process; null when it cannot be read
   std::optional<Failure> _failure;
   mutable std::optional<Failure> _unfinished;
+  mutable std::string _unfinishedRule;
   bool _debugging = false;
   std::unique_ptr<CompiledGrammar> _compiled;  // null without a grammar
 };

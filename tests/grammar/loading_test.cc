@@ -232,7 +232,7 @@ TEST_F(LoadingTest, SaysWhyThereIsNoGrammar) {
 
 TEST_F(LoadingTest, SaysWhyAPhraseIsUnfinished) {
   const auto parser = Parser::initWithPlistAtPath(
-      file("{Grow={_lhs={_significantSlots=[a]}; _rhs=[a, a]; _repeat=#1};"
+      file("{Grow={__name=Grow; _lhs={_significantSlots=[a]}; _rhs=[a, a]; _repeat=#1};"
            " Flip={__name=Flip; _lhs={_significantSlots=[[+, a, b]]}; _repeat=#1;"
            " _rhs={_signature=[{_index=#0; _attribute=content}]; _expansions={a=[b]; b=[a]}}}}"),
       "Grow");
@@ -242,12 +242,14 @@ TEST_F(LoadingTest, SaysWhyAPhraseIsUnfinished) {
     parser->resultOfRulesAppliedToStrings({"a"});
     EXPECT_EQ(parser->whyUnfinished(),
               (Failure{Failure::Kind::tooLarge, "the phrase would grow past 10000 words"}));
+    EXPECT_EQ(parser->ruleLeftUnfinished(), "Grow");
     parser->resultOfRulesAppliedToStrings({"b"});
     EXPECT_EQ(parser->whyUnfinished(), std::nullopt);
     parser->setGrammar("Flip");
     parser->resultOfRulesAppliedTo(*SimpleSlotSequence::slotSequenceWithStrings({"b"}));
     EXPECT_EQ(parser->whyUnfinished(),
               (Failure{Failure::Kind::endless, "the repeating rule Flip would not end"}));
+    EXPECT_EQ(parser->ruleLeftUnfinished(), "Flip");
   }
 }
 

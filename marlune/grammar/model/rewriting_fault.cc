@@ -14,4 +14,9 @@ void RewritingFault::report(Failure::Kind kind, std::string message) {
   if (innermost && !innermost->failure) innermost->failure = Failure{kind, std::move(message)};
 }
 
+void RewritingFault::setRule(const std::string* name) {
+  RewritingFault* const innermost = _innermost();
+  if (innermost && innermost->rule.empty() && name) innermost->rule = *name;
+}
+
 }  // namespace marlune

@@ -2,6 +2,7 @@
 #define MARLUNE_GRAMMAR_MODEL_REWRITING_FAULT_H_
 
 #include <optional>
+#include <string>
 
 #include "marlune/platform/failure.h"
 #include "marlune/platform/visibility.h"
@@ -18,9 +19,12 @@ class MARLUNE_INTERNAL_API RewritingFault {
   RewritingFault& operator=(const RewritingFault&) = delete;
 
   std::optional<Failure> failure;
+  std::string rule;  // its name; empty if it has none
 
   // Called where the reason arises, beside the line in the log.
   static void report(Failure::Kind kind, std::string message);
+  // Called by the rule in which the reason arose.
+  static void setRule(const std::string* name);
 
  private:
   static RewritingFault*& _innermost();  // of this thread

@@ -86,6 +86,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
     const std::shared_ptr<SimpleSlotSequence> before = std::move(current);
     ContextSubstitution pass(*before, _leftHandSide.get(), _rightHandSide.get());
     current = pass.result();
+    if (pass.isFull()) RewritingFault::setRule(name());
     if (!_repeat) return current;
     // In a repetition, unlike after a single pass, missing blanks are added to the result itself.
     if (before->matches(current->pad()) || pass.isFull()) return current;
@@ -113,6 +114,7 @@ std::shared_ptr<SimpleSlotSequence> Rule::appliedTo(const SimpleSlotSequence& ph
 void Rule::_reportStopped() const {
   RewritingFault::report(Failure::Kind::endless,
                          "the repeating rule " + (name() ? *name() : "") + " would not end");
+  RewritingFault::setRule(name());
 }
 
 std::string Rule::description() const { return GrammarPart::description() + "RULE"; }
