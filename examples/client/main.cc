@@ -26,7 +26,7 @@
 #include "marlune/playback/player.h"
 
 using namespace marlune;
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::milliseconds;
 
 // Receives the library's log lines. They come from any thread, so each is written by a single call.
@@ -85,11 +85,11 @@ bool announceRun(const std::string& grammar, const std::string& folder, Millisec
   // Waits for the library's work or for the next kilometre, until everything has been heard.
   bool isAllSaid = true;
   int kilometer = 0;
-  for (auto next = Clock::now() + pace; kilometer < kKilometers || player->isPlaying();) {
-    const auto left = std::chrono::ceil<Milliseconds>(next - Clock::now()).count();
+  for (auto next = SteadyClock::now() + pace; kilometer < kKilometers || player->isPlaying();) {
+    const auto left = std::chrono::ceil<Milliseconds>(next - SteadyClock::now()).count();
     poll(&library, 1, kilometer < kKilometers ? std::max(0, static_cast<int>(left)) : -1);
     loop->runPending();
-    if (kilometer == kKilometers || Clock::now() < next) continue;
+    if (kilometer == kKilometers || SteadyClock::now() < next) continue;
     const auto phrase = parser->resultOfRulesAppliedToStrings(announcementOf(++kilometer));
     const auto files = decomposer->optimalDecompositionOf(phrase->stringArray());
     std::ostream& line = files ? std::cout : std::cerr << "client: cannot be said: ";

@@ -5,9 +5,12 @@
 #include <memory>
 #include <string>
 
+#include "marlune/platform/clock.h"
+#include "marlune/platform/failure.h"
 #include "marlune/platform/main_thread.h"
 #include "marlune/platform/preferences.h"
 #include "marlune/platform/property_list_reader.h"
+#include "marlune/platform/recording_facts.h"
 #include "marlune/platform/resource_bundle.h"
 #include "marlune/platform/system_log.h"
 #include "marlune/platform/visibility.h"
@@ -38,6 +41,15 @@ struct MARLUNE_API Platform {
   // returns null, the player logs that nothing can be played.
   std::function<std::shared_ptr<QueuePlayer>()> makeQueuePlayer;
   std::function<std::shared_ptr<PlayerItem>(const std::string& path)> makePlayerItem;
+
+  // The rest is used by announcers only.
+  //
+  // Makes an item that is silent for `seconds`. Missing: pauses, lead-in and hold time are 0.
+  std::function<std::shared_ptr<PlayerItem>(double seconds)> silentItem;
+  // Opens a recording without playing it; fails, with a clause, if it cannot be played whole. Any
+  // thread. Missing: recordings are not checked and their length is unknown.
+  std::function<Result<RecordingFacts>(const std::string& path)> examineRecording;
+  std::shared_ptr<Clock> clock;  // null: a clock that may stop while the device sleeps
 
   // The table of this process.
   static Platform& shared();

@@ -1,6 +1,7 @@
 #ifndef MARLUNE_PLAYBACK_AUDIO_SESSION_H_
 #define MARLUNE_PLAYBACK_AUDIO_SESSION_H_
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,6 +38,12 @@ class MARLUNE_API AudioSession {
   // Activating opens the sound output. Deactivating closes it and restores the level of other apps.
   // Deactivating during playback fails with an error, and the session stays active.
   virtual Outcome setActive(bool active) = 0;
+
+  // Sets the handler called on the main thread when the sound moves to another output because the
+  // one in use has gone (headphones were unplugged). By default it is never called.
+  virtual void setRouteLostHandler(const std::function<void()>& handler) {
+    static_cast<void>(handler);
+  }
 };
 
 }  // namespace marlune

@@ -42,7 +42,7 @@ std::unique_ptr<Player> Player::initWithDirectory(std::string directory,
 
 Player::Player(std::string directory, std::shared_ptr<const ResourceBundle> bundle)
     : _implementation(std::make_unique<Implementation>(std::move(directory), std::move(bundle))) {
-  SharedPlayback::ofProcess()->initialize();
+  SharedPlayback::ofProcess().initialize();
 }
 
 Player::~Player() { stopAllSounds(); }
@@ -61,13 +61,13 @@ void Player::playSoundFilesInSequence(const std::vector<std::string>& names) {
   // Adds all files before any sound starts, so that the queue can play them back to back.
   for (const auto& name : names) _implementation->_addFileToQueue(name);
   if (isPlaying()) return;  // the new files follow those being played
-  const auto queue = SharedPlayback::ofProcess()->__sharedPlayQueue();
+  const auto queue = SharedPlayback::ofProcess().__sharedPlayQueue();
   if (!queue) {
     TQUtils::log("ERROR: The platform has no queue player. Nothing can be played.");
     return;
   }
   SharedPlayback::trace("%s calling the play queue's play", "playSoundFilesInSequence");
-  SharedPlayback::_setAudioSessionActive(true);
+  SharedPlayback::ofProcess()._setAudioSessionActive(true);
   queue->play();
 }
 
@@ -75,7 +75,7 @@ void Player::stopAllSounds() {
   if (!isOnMainThread("stopAllSounds")) return;
   SharedPlayback::trace("%s", "stopAllSounds");
   if (!isPlaying()) return;
-  const auto queue = SharedPlayback::ofProcess()->__sharedPlayQueue();
+  const auto queue = SharedPlayback::ofProcess().__sharedPlayQueue();
   SharedPlayback::trace("%s setting the play queue's rate to 0", "stopAllSounds");
   queue->setRate(0);
   SharedPlayback::trace("%s removing all items from the play queue", "stopAllSounds");
@@ -88,7 +88,7 @@ void Player::stopAllSounds() {
 }
 
 bool Player::isPlaying() const {
-  return isOnMainThread("isPlaying") && SharedPlayback::ofProcess()->isPlaying();
+  return isOnMainThread("isPlaying") && SharedPlayback::ofProcess().isPlaying();
 }
 
 std::shared_ptr<PlayerItem> Player::Implementation::_playerItemForFileNamed(
@@ -104,7 +104,7 @@ std::shared_ptr<PlayerItem> Player::Implementation::_playerItemForFileNamed(
 }
 
 void Player::Implementation::_addFileToQueue(const std::string& name) {
-  SharedPlayback& playback = *SharedPlayback::ofProcess();
+  SharedPlayback& playback = SharedPlayback::ofProcess();
   const SharedPlayback::Adding adding(playback);
   auto item = _playerItemForFileNamed(name);
   const auto queue = playback.__sharedPlayQueue();

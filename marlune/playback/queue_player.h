@@ -2,11 +2,14 @@
 #define MARLUNE_PLAYBACK_QUEUE_PLAYER_H_
 
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "marlune/platform/visibility.h"
+#include "marlune/playback/item_fate.h"
 #include "marlune/util/describable.h"
 
 namespace marlune {
@@ -15,9 +18,16 @@ class QueuePlayer;
 
 // One recording, to be played once: its file and the queue's state for it. An item belongs to at
 // most one queue, and is in that queue only once.
+//
+// Announcers need the operations that have a default here and in QueuePlayer; players do not.
 class MARLUNE_API PlayerItem : public Describable {
  public:
   virtual const std::string& path() const = 0;  // of the file, which may be unreadable
+
+  // The outcome for the item. Pending until it has left its queue, and from then on never pending.
+  virtual ItemFate fate() const { return {}; }
+  // Its length, if known; as much as will be heard if it was ended early.
+  virtual std::optional<double> seconds() const { return std::nullopt; }
 };
 
 // Receives notifications of a queue's changes.
@@ -77,6 +87,32 @@ class MARLUNE_API QueuePlayer : public std::enable_shared_from_this<QueuePlayer>
 
   // Whether another device may play the sound; false keeps it on this device.
   virtual void setAllowsExternalPlayback(bool allows) = 0;
+
+  // Removes `items`, which are neighbours in the queue, if the output has not taken any sound of
+  // the first of them; otherwise removes none. Returns whether they were removed.
+  virtual bool removeUnbegun(std::span<const std::shared_ptr<PlayerItem>> items) {
+    static_cast<void>(items);
+    return false;
+  }
+
+  // Ends `item` before its end, if the output is taking its sound now: it fades to silence within
+  // `fadeSeconds`, and the next item follows without a gap. It leaves the queue when the last of
+  // that has been heard; at once if the rate is 0. Returns false otherwise, and changes nothing.
+  virtual bool endEarly(const PlayerItem* item, double fadeSeconds) {
+    static_cast<void>(item), static_cast<void>(fadeSeconds);
+    return false;
+  }
+
+  // How much of the current item has been heard, in seconds; negative as long as the output has
+  // taken its first sound, and it is not heard yet. Nothing if the queue does not know.
+  virtual std::optional<double> secondsHeard() const { return std::nullopt; }
+
+  // Seconds from when the output takes sound until it is heard.
+  virtual double latencySeconds() const { return 0; }
+
+  // A factor for the samples, 1 at first.
+  virtual float volume() const { return 1; }
+  virtual void setVolume(float volume) { static_cast<void>(volume); }
 
   // The observer is not owned and must be removed before it is destroyed. After removeObserver no
   // new notification is sent; one already under way may still be delivered.

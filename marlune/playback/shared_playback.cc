@@ -1,13 +1,10 @@
 #include "marlune/playback/shared_playback.h"
 
 #include <cassert>
-#include <cmath>
 #include <functional>
-#include <limits>
 #include <utility>
 
 #include "marlune/platform/platform.h"
-#include "marlune/playback/audio_session.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
@@ -36,11 +33,6 @@ void postToMainThread(std::function<void()> work) {
 
 AudioSession::Outcome noSession() { return {false, "The platform has no audio session."}; }
 
-// The rate is truncated to a whole number: 0.5 becomes 0 and counts as not playing.
-bool isPlayingOn(const QueuePlayer& queue) {
-  return std::fabs(std::trunc(queue.rate())) > std::numeric_limits<float>::epsilon();
-}
-
 }  // namespace
 
 // Called on any thread; forwards to the main thread. A single object without state, shared by all
@@ -55,29 +47,28 @@ class SharedPlayback::Observer : public QueuePlayerObserver {
   void observeValueForKeyPath(std::string_view keyPath,
                               const std::shared_ptr<QueuePlayer>& object) override {
     if (keyPath == QueuePlayer::kCurrentItemKeyPath) {
-      runOnMainThreadAndWait([&object] { ofProcess()->__nts_indicateEndOfQueuePlayback(object); });
+      runOnMainThreadAndWait([&object] { ofProcess().__nts_indicateEndOfQueuePlayback(object); });
     } else if (keyPath == QueuePlayer::kStatusKeyPath) {
       // A weak pointer: work waiting in the main thread's loop must not keep a dropped queue alive.
       postToMainThread([held = std::weak_ptr<QueuePlayer>(object)] {
-        if (const auto queue = held.lock()) ofProcess()->__nts_queuePlayerStatusChanged(queue);
+        if (const auto queue = held.lock()) ofProcess().__nts_queuePlayerStatusChanged(queue);
       });
     }
   }
 };
 
-std::unique_ptr<SharedPlayback>& SharedPlayback::ofProcess() {
-  static auto* const playback =
-      new std::unique_ptr<SharedPlayback>(std::make_unique<SharedPlayback>());
+SharedPlayback& SharedPlayback::ofProcess() {
+  static auto* const playback = new SharedPlayback;
   return *playback;
 }
 
-bool SharedPlayback::onMainThread() {
-  const auto mainThread = Platform::shared().mainThread;
-  return !mainThread || mainThread->isCurrent();
+void SharedPlayback::startAfresh() {
+  __clearSharedPlayQueue();
+  _isInitialized.store(false);
 }
 
 void SharedPlayback::initialize() {
-  std::call_once(_initialized, &SharedPlayback::__initializeAudioSession);
+  if (!_isInitialized.exchange(true)) __initializeAudioSession();
 }
 
 void SharedPlayback::__initializeAudioSession() {
@@ -102,7 +93,7 @@ void SharedPlayback::_setAudioSessionActive(bool active) {
 
 void SharedPlayback::__deactivateAudioSession() {
   trace("%s", "__deactivateAudioSession");
-  _setAudioSessionActive(false);
+  ofProcess()._setAudioSessionActive(false);
 }
 
 std::shared_ptr<QueuePlayer> SharedPlayback::__sharedPlayQueue() {
@@ -134,6 +125,7 @@ bool SharedPlayback::isPlaying() {
 void SharedPlayback::__nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>& object) {
   assert(onMainThread());
   if (!object || object != _queue || _isAdding) return;
+  if (_listener) _listener->currentItemChanged();
   if (!object->items().empty()) return;  // one file ended and the next one began
   if (!isPlayingOn(*object)) return;
   object->setRate(0);
@@ -152,6 +144,7 @@ void SharedPlayback::__nts_queuePlayerStatusChanged(const std::shared_ptr<QueueP
   __clearSharedPlayQueue();
   __initializeAudioSession();
   __sharedPlayQueue();
+  if (_listener) _listener->queueReplaced();
 }
 
 }  // namespace marlune

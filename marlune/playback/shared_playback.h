@@ -1,28 +1,47 @@
 #ifndef MARLUNE_PLAYBACK_SHARED_PLAYBACK_H_
 #define MARLUNE_PLAYBACK_SHARED_PLAYBACK_H_
 
+#include <atomic>
+#include <cmath>
+#include <limits>
 #include <memory>
-#include <mutex>
 #include <string_view>
 
+#include "marlune/platform/platform.h"
+#include "marlune/platform/visibility.h"
+#include "marlune/playback/audio_session.h"
 #include "marlune/playback/queue_player.h"
 #include "marlune/util/tq_utils.h"
 
 namespace marlune {
 
+// Is notified of the shared queue's progress, before the players react to it. Main thread.
+class SharedPlaybackListener {
+ public:
+  virtual void currentItemChanged() = 0;
+  virtual void queueReplaced() = 0;  // the queue has failed, and there is a new one
+
+ protected:
+  ~SharedPlaybackListener() = default;
+};
+
 // What all players of the process share: the queue and the audio session. Internal: not installed.
+// What announcers call is virtual, so that a shared library exports one symbol only.
 //
 // Threads: the main thread only, unless stated otherwise.
 class SharedPlayback {
  public:
   // The one of the process, which is never destroyed, because a notification may arrive during
-  // process exit. Tests replace it by a new one, on the thread that played, while no player exists.
-  static std::unique_ptr<SharedPlayback>& ofProcess();
+  // process exit.
+  MARLUNE_INTERNAL_API static SharedPlayback& ofProcess();
 
   SharedPlayback() = default;
-  ~SharedPlayback() { __clearSharedPlayQueue(); }
   SharedPlayback(const SharedPlayback&) = delete;
   SharedPlayback& operator=(const SharedPlayback&) = delete;
+
+  // Returns to the state at process start: no queue, the session not set up. For tests, on the
+  // thread that played, while no player exists.
+  virtual void startAfresh();
 
   // While one exists, a change of the queue's current item does not end playback: inserting into an
   // empty queue changes it, too.
@@ -38,7 +57,10 @@ class SharedPlayback {
   };
 
   // Without a main thread in the platform's table, every thread counts as one. Any thread.
-  static bool onMainThread();
+  static bool onMainThread() {
+    const auto mainThread = Platform::shared().mainThread;
+    return !mainThread || mainThread->isCurrent();
+  }
 
   // Logs a keyed line. Any thread.
   template <typename... Arguments>
@@ -46,11 +68,21 @@ class SharedPlayback {
     TQUtils::forDefaultLog(TQUtilsApplicationTraceDefault, format, arguments...);
   }
 
-  void initialize();                                 // sets up the audio session at the first call
-  std::shared_ptr<QueuePlayer> __sharedPlayQueue();  // nullptr if the platform has none
+  virtual void initialize();  // sets up the audio session at the first call
+  virtual std::shared_ptr<QueuePlayer> __sharedPlayQueue();  // nullptr if the platform has none
+  // The rate is truncated to a whole number: 0.5 becomes 0 and counts as not playing.
+  static bool isPlayingOn(const QueuePlayer& queue) {
+    return std::fabs(std::trunc(queue.rate())) > std::numeric_limits<float>::epsilon();
+  }
   bool isPlaying();
-  static void _setAudioSessionActive(bool active);
+  virtual void _setAudioSessionActive(bool active);
   static void __deactivateAudioSession();
+
+  // At most one. Not owned.
+  void setListener(SharedPlaybackListener* listener) { _listener = listener; }
+
+ protected:
+  ~SharedPlayback() = default;
 
  private:
   class Observer;
@@ -63,7 +95,8 @@ class SharedPlayback {
   void __nts_indicateEndOfQueuePlayback(const std::shared_ptr<QueuePlayer>& object);
   void __nts_queuePlayerStatusChanged(const std::shared_ptr<QueuePlayer>& object);
 
-  std::once_flag _initialized;
+  std::atomic<bool> _isInitialized = false;
+  SharedPlaybackListener* _listener = nullptr;
   std::shared_ptr<QueuePlayer> _queue;
   bool _isAdding = false;
 };

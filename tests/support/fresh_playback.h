@@ -1,17 +1,13 @@
 #ifndef MARLUNE_TESTS_SUPPORT_FRESH_PLAYBACK_H_
 #define MARLUNE_TESTS_SUPPORT_FRESH_PLAYBACK_H_
 
-#include <memory>
-
 #include "marlune/playback/shared_playback.h"
 
 namespace marlune {
 
 // Returns what players share to its state at process start: no queue, the audio session not yet set
 // up. Call it on the thread that played, while no player exists.
-inline void startPlaybackAfresh() {
-  SharedPlayback::ofProcess() = std::make_unique<SharedPlayback>();
-}
+inline void startPlaybackAfresh() { SharedPlayback::ofProcess().startAfresh(); }
 
 }  // namespace marlune
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "marlune/desktop/audio/queue/item_fate.h"
+#include "marlune/playback/item_fate.h"
 #include "marlune/desktop/audio/recording/recording.h"
 #include "marlune/playback/queue_player.h"
 

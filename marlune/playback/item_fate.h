@@ -1,5 +1,5 @@
-#ifndef MARLUNE_DESKTOP_AUDIO_QUEUE_ITEM_FATE_H_
-#define MARLUNE_DESKTOP_AUDIO_QUEUE_ITEM_FATE_H_
+#ifndef MARLUNE_PLAYBACK_ITEM_FATE_H_
+#define MARLUNE_PLAYBACK_ITEM_FATE_H_
 
 #include <cstdint>
 #include <string>
@@ -7,14 +7,14 @@
 
 namespace marlune {
 
-// The outcome for an item of the desktop's queue.
+// The outcome for an item of a queue.
 struct ItemFate {
   enum class Kind {
     pending,     // in a queue, or not inserted yet
     heardWhole,  // played to its last sample
     cutShort,    // the file is truncated: played as far as it goes
     leftOut,     // could not be decoded: nothing was played
-    dropped,     // removed with its queue's other items: nothing or only a part was played
+    dropped,     // removed from its queue: nothing or only a part was played
   };
 
   static ItemFate heard(std::uint64_t missingFrames) {
@@ -35,4 +35,4 @@ struct ItemFate {
 
 }  // namespace marlune
 
-#endif  // MARLUNE_DESKTOP_AUDIO_QUEUE_ITEM_FATE_H_
+#endif  // MARLUNE_PLAYBACK_ITEM_FATE_H_
