@@ -9,8 +9,8 @@
 
 #include "decompose/peers.h"
 #include "decompose/phrase_world.h"
-#include "fakes/fake_resource_bundle.h"
 #include "marlune/decompose/decomposer_implementation.h"
+#include "marlune/testing/fake_resource_bundle.h"
 #include "support/counted_allocation.h"
 
 namespace marlune {

@@ -5,8 +5,8 @@
 #include <random>
 #include <set>
 
-#include "fakes/fake_resource_bundle.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
+#include "marlune/testing/fake_resource_bundle.h"
 
 namespace marlune {
 

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "fakes/fake_resource_bundle.h"
 #include "marlune/decompose/decomposer.h"
+#include "marlune/testing/fake_resource_bundle.h"
 
 namespace marlune {
 namespace {

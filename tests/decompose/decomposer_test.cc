@@ -5,8 +5,8 @@
 
 #include <functional>
 
-#include "fakes/fake_resource_bundle.h"
 #include "marlune/decompose/decomposer_delegate.h"
+#include "marlune/testing/fake_resource_bundle.h"
 #include "support/platform_fixture.h"
 
 namespace marlune {

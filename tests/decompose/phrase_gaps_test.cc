@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "fakes/fake_resource_bundle.h"
 #include "marlune/decompose/decomposer_delegate.h"
 #include "marlune/decompose/decomposer_implementation.h"
+#include "marlune/testing/fake_resource_bundle.h"
 #include "reference/reference_gaps.h"
 #include "support/platform_fixture.h"
 

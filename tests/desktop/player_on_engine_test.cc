@@ -5,12 +5,12 @@
 #include <future>
 #include <thread>
 
-#include "fakes/fake_main_thread.h"
 #include "marlune/desktop/desktop_platform.h"
 #include "marlune/desktop/services/folder_bundle.h"
 #include "marlune/desktop/services/run_loop.h"
 #include "marlune/playback/audio_session.h"
 #include "marlune/playback/player.h"
+#include "marlune/testing/fake_main_thread.h"
 #include "support/engine_rig.h"
 #include "support/fresh_playback.h"
 #include "support/platform_fixture.h"

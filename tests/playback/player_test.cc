@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "fakes/fake_audio_session.h"
-#include "fakes/fake_main_thread.h"
-#include "fakes/fake_queue_player.h"
+#include "marlune/testing/fake_audio_session.h"
+#include "marlune/testing/fake_main_thread.h"
+#include "marlune/testing/fake_queue_player.h"
 #include "support/fresh_playback.h"
 #include "support/platform_fixture.h"
 

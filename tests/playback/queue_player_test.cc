@@ -1,4 +1,4 @@
-#include "fakes/fake_queue_player.h"
+#include "marlune/testing/fake_queue_player.h"
 #include "support/queue_player_contract.h"
 
 namespace marlune {

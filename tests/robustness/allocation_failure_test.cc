@@ -10,12 +10,12 @@
 #include <vector>
 
 #include "fakes/fake_preferences.h"
-#include "fakes/fake_resource_bundle.h"
 #include "marlune/decompose/decomposer_implementation.h"
 #include "marlune/desktop/plist/property_list_file.h"
 #include "marlune/desktop/plist/xml_list_writer.h"
 #include "marlune/grammar/parser.h"
 #include "marlune/platform/platform.h"
+#include "marlune/testing/fake_resource_bundle.h"
 #include "marlune/util/tq_utils.h"
 #include "reference/reference_decomposer.h"
 #include "robustness/failing_allocation.h"

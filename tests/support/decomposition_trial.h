@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "fakes/fake_preferences.h"
-#include "fakes/fake_resource_bundle.h"
 #include "fakes/fake_system_log.h"
 #include "marlune/decompose/decomposer_implementation.h"
 #include "marlune/platform/platform.h"
+#include "marlune/testing/fake_resource_bundle.h"
 #include "marlune/util/tq_utils.h"
 #include "reference/reference_decomposer.h"
 

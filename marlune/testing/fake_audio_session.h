@@ -1,5 +1,5 @@
-#ifndef MARLUNE_TESTS_FAKES_FAKE_AUDIO_SESSION_H_
-#define MARLUNE_TESTS_FAKES_FAKE_AUDIO_SESSION_H_
+#ifndef MARLUNE_TESTING_FAKE_AUDIO_SESSION_H_
+#define MARLUNE_TESTING_FAKE_AUDIO_SESSION_H_
 
 #include <functional>
 #include <string>
@@ -20,6 +20,7 @@ class FakeAudioSession : public AudioSession {
   }
 
   Outcome setActive(bool active) override {
+    if (active && !hasDevice) return {false, "There is no sound device."};
     if (!active && isSoundRunning()) return {false, "Sound is running."};
     if (activationOutcome.succeeded && active != isActive) {
       isActive = active;
@@ -28,6 +29,8 @@ class FakeAudioSession : public AudioSession {
     return activationOutcome;
   }
 
+  void setRouteLostHandler(const std::function<void()>& handler) override { routeLost = handler; }
+
   std::string category;  // the current one
   unsigned options = 0;
   bool isActive = false;
@@ -35,9 +38,11 @@ class FakeAudioSession : public AudioSession {
   int timesCategoryWasSet = 0;
 
   Outcome categoryOutcome, activationOutcome;  // the results of the next calls
+  bool hasDevice = true;
+  std::function<void()> routeLost;  // null: nobody has asked for it
   std::function<bool()> isSoundRunning = [] { return false; };
 };
 
 }  // namespace marlune
 
-#endif  // MARLUNE_TESTS_FAKES_FAKE_AUDIO_SESSION_H_
+#endif  // MARLUNE_TESTING_FAKE_AUDIO_SESSION_H_

@@ -1,5 +1,5 @@
-#ifndef MARLUNE_TESTS_FAKES_FAKE_RESOURCE_BUNDLE_H_
-#define MARLUNE_TESTS_FAKES_FAKE_RESOURCE_BUNDLE_H_
+#ifndef MARLUNE_TESTING_FAKE_RESOURCE_BUNDLE_H_
+#define MARLUNE_TESTING_FAKE_RESOURCE_BUNDLE_H_
 
 #include <optional>
 #include <string>
@@ -15,6 +15,8 @@ namespace marlune {
 class FakeResourceBundle : public ResourceBundle {
  public:
   explicit FakeResourceBundle(std::vector<std::string> names) : _names(std::move(names)) {}
+
+  void add(std::string name) { _names.push_back(std::move(name)); }
 
   std::vector<std::string> pathsForResourcesOfType(std::string_view type,
                                                    std::string_view directory) const override {
@@ -41,4 +43,4 @@ class FakeResourceBundle : public ResourceBundle {
 
 }  // namespace marlune
 
-#endif  // MARLUNE_TESTS_FAKES_FAKE_RESOURCE_BUNDLE_H_
+#endif  // MARLUNE_TESTING_FAKE_RESOURCE_BUNDLE_H_
