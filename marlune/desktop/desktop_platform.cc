@@ -1,12 +1,15 @@
 #include "marlune/desktop/desktop_platform.h"
 
+#include <string>
 #include <utility>
 
 #include "marlune/desktop/audio/desktop_audio_session.h"
 #include "marlune/desktop/audio/desktop_queue_player.h"
 #include "marlune/desktop/audio/output/audio_route.h"
 #include "marlune/desktop/audio/queue/file_player_item.h"
+#include "marlune/desktop/audio/recording/recording.h"
 #include "marlune/desktop/plist/property_list_file.h"
+#include "marlune/desktop/services/boot_clock.h"
 #include "marlune/desktop/services/file_preferences.h"
 #include "marlune/platform/platform.h"
 #include "marlune/platform/standard_error_log.h"
@@ -21,6 +24,15 @@ std::shared_ptr<Preferences> preferencesFor(const DesktopOptions& options) {
                                                ? FilePreferences::defaultFolder()
                                                : options.preferencesFolder,
                                            options.preferencesDomain);
+}
+
+Result<RecordingFacts> examined(const std::string& path) {
+  const auto opened = Recording::open(path);
+  if (!opened.succeeded()) return opened.failure();
+  const Recording& recording = *opened.value();
+  if (recording.missingFrames() == 0) return RecordingFacts{recording.seconds()};
+  return Failure::malformed("it is cut off: " + std::to_string(recording.missingFrames()) +
+                            " frames are missing");
 }
 
 // Creates queues over one route. Without a main thread it returns null, and logs that once.
@@ -51,6 +63,7 @@ std::shared_ptr<RunLoop> installDesktopServices(const DesktopOptions& options) {
   if (!platform.propertyListReader) {
     platform.propertyListReader = std::make_shared<PropertyListFile>();
   }
+  if (!platform.clock) platform.clock = std::make_shared<BootClock>();
   if (!platform.mainThread) platform.mainThread = std::make_shared<RunLoop>();
   return std::dynamic_pointer_cast<RunLoop>(platform.mainThread);
 }
@@ -63,6 +76,8 @@ void installDesktopAudio(std::shared_ptr<AudioOutput> output) {
   platform.makePlayerItem = [](const std::string& path) {
     return std::make_shared<FilePlayerItem>(path);
   };
+  platform.silentItem = [](double seconds) { return FilePlayerItem::silence(seconds); };
+  platform.examineRecording = &examined;
 }
 
 }  // namespace marlune

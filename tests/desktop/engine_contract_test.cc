@@ -23,6 +23,9 @@ class CrankedContractRig : public QueuePlayerRig {
     const auto item = queue.currentItem();
     while (queue.currentItem() == item) _engine.crank(static_cast<DesktopQueuePlayer&>(queue), 1);
   }
+  void beginCurrentItem(QueuePlayer& queue) override {
+    _engine.crank(static_cast<DesktopQueuePlayer&>(queue), 1);
+  }
   void fail(QueuePlayer&) override { _engine.output->lose("It is gone."); }
   void settle() override {
     for (const auto& queue : _queues) queue->waitUntilSettled();

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <latch>
+#include <span>
 #include <thread>
 
 #include "support/engine_rig.h"
@@ -100,6 +101,86 @@ TEST_F(QueueEngineTest, AnItemEndsWhenTheOutputHasMadeItHeard) {
   EXPECT_EQ(queue->currentItem(), item);
   rig.crank(*queue, 1);
   EXPECT_EQ(queue->currentItem(), nullptr);
+}
+
+// The recordings are short, so that all of them have been decoded and sent when some are removed.
+TEST_F(QueueEngineTest, WhatIsRemovedIsNotHeardAndTheRestJoins) {
+  std::vector<std::shared_ptr<PlayerItem>> items;
+  for (int i = 0; i < 5; ++i) items.push_back(rig.append(*queue, record(100)));
+  rig.session.setActive(true);
+  queue->play();
+  rig.crank(*queue, 40);
+  EXPECT_TRUE(queue->removeUnbegun(std::span(items).subspan(1, 2)));
+  rig.append(*queue, record(10));
+  Samples expected(recorded.begin() + 40, recorded.begin() + 100);
+  expected.insert(expected.end(), recorded.begin() + 300, recorded.end());
+  EXPECT_EQ(rig.crank(*queue, expected.size()), expected);
+  EXPECT_EQ(queue->currentItem(), nullptr);
+  EXPECT_FALSE(hasLineWith("Decoding was late"));
+}
+
+TEST_F(QueueEngineTest, AnItemThatIsEndedEarlyFadesAndTheNextFollowsAtOnce) {
+  rig.output->setLatencyFrames(50);
+  const std::string loud = folder.write("loud.aif", Samples(50'000, 16'000), kMono);
+  const auto first = rig.append(*queue, loud);
+  const auto second = rig.append(*queue, record(10));
+  rig.session.setActive(true);
+  queue->play();
+  rig.crank(*queue, 100);
+  EXPECT_TRUE(queue->endEarly(first.get(), 0.01));  // 220.5 frames
+  const Samples faded = rig.crank(*queue, 221);
+  EXPECT_EQ(faded.front(), 16'000);
+  for (std::size_t i = 1; i < faded.size(); ++i) {
+    ASSERT_LE(faded[i - 1] - faded[i], 75) << "no step in the fade, at frame " << i;
+    ASSERT_GE(faded[i - 1], faded[i]);
+  }
+  EXPECT_LT(faded.back(), 150);
+  EXPECT_EQ(rig.crank(*queue, 10), recorded);
+  EXPECT_EQ(queue->currentItem(), first) << "the output's latency has not passed";
+  EXPECT_NEAR(first->seconds().value(), 100 / 22'050.0 + 0.01, 1e-6);
+  rig.crank(*queue, 50);
+  EXPECT_EQ(first->fate(), ItemFate::dropped("it was ended early"));
+  EXPECT_EQ(second->fate(), ItemFate::heard(0));
+}
+
+TEST_F(QueueEngineTest, ASilenceLastsAsLongAsItSaysInTheRecordingsFormat) {
+  const auto silence = FilePlayerItem::silence(0.1);
+  queue->insert(silence, nullptr);
+  rig.append(*queue, record(10));
+  rig.session.setActive(true);
+  queue->play();
+  EXPECT_EQ(rig.crank(*queue, 2'205), Samples(2'205));
+  EXPECT_EQ(silence->fate(), ItemFate::heard(0));
+  EXPECT_EQ(rig.crank(*queue, 10), recorded);
+}
+
+TEST_F(QueueEngineTest, ReportsHowMuchWasHeardLatencyIncluded) {
+  rig.output->setLatencyFrames(2'205);
+  rig.append(*queue, record(22'050));
+  EXPECT_EQ(queue->secondsHeard(), 0);
+  rig.session.setActive(true);
+  queue->play();
+  rig.crank(*queue, 441);
+  EXPECT_NEAR(queue->latencySeconds(), 0.1, 1e-9);
+  EXPECT_NEAR(queue->secondsHeard().value(), 0.02 - 0.1, 1e-9);
+  rig.crank(*queue, 2'205);
+  EXPECT_NEAR(queue->secondsHeard().value(), 0.02, 1e-9);
+  queue->setRate(0);
+  rig.crank(*queue, 22'050);
+  EXPECT_NEAR(queue->secondsHeard().value(), 0.12, 1e-9) << "what was taken, and no more";
+}
+
+TEST_F(QueueEngineTest, ChangesTheVolumeWithoutAStep) {
+  rig.append(*queue, folder.write("loud.aif", Samples(1'000, 16'000), kMono));
+  rig.session.setActive(true);
+  queue->play();
+  EXPECT_EQ(rig.crank(*queue, 100), Samples(100, 16'000));
+  queue->setVolume(0.5f);
+  const Samples changing = rig.crank(*queue, 100);
+  EXPECT_NEAR(changing.front(), 16'000, 100);
+  EXPECT_NEAR(changing[49], 12'000, 100);
+  EXPECT_EQ(changing.back(), 8'000);
+  EXPECT_EQ(rig.crank(*queue, 100), Samples(100, 8'000));
 }
 
 TEST_F(QueueEngineTest, ARateOfZeroPausesAndAnyOtherPlaysAtNormalSpeed) {

@@ -166,6 +166,8 @@ class EngineSchedule {
     if (choice < 59) return _lose();
     if (choice < 60) return _replaceQueue();
     if (choice < 68) return _runMainThread();
+    if (choice < 72) return _removeSome();
+    if (choice < 74) return _endOne();
     _letTimePass();
   }
 
@@ -193,6 +195,19 @@ class EngineSchedule {
     if (!_route->isOpen()) _prepareOpening();
     _queue->insert(item, nullptr);
     _entries.push_back({std::move(item), place});
+  }
+
+  void _removeSome() {
+    const auto items = _queue->items();
+    if (items.empty()) return;
+    const std::size_t first = _any(static_cast<std::uint32_t>(items.size()));
+    const std::size_t count = 1 + _any(static_cast<std::uint32_t>(items.size() - first));
+    _queue->removeUnbegun(std::span(items).subspan(first, count));
+  }
+
+  // Without a fade, which would make samples of no recording.
+  void _endOne() {
+    for (const auto& item : _queue->items()) _queue->endEarly(item.get(), 0);
   }
 
   void _prepareOpening() {
@@ -276,7 +291,7 @@ class EngineSchedule {
       counts.unheard += whole[i] - std::min(whole[i], heard);
       counts.heardWhole += whole[i];
     }
-    counts.removed += _countOf("removed");
+    counts.removed += _countOf("removed") + _countOf("ended early");
     _checkLines(kFailedLine, _countOf("has failed"), counts.failed);
     _checkLinesOfBroken();
   }

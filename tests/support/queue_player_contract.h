@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,6 +24,8 @@ class QueuePlayerRig {
 
   // Lets time pass until the current item of the playing queue has reached its end.
   virtual void finishCurrentItem(QueuePlayer& queue) = 0;
+  // Lets time pass until the output has taken some sound of the current item, but not all.
+  virtual void beginCurrentItem(QueuePlayer& queue) = 0;
   // Makes the queue fail, as after the loss of the device.
   virtual void fail(QueuePlayer& queue) = 0;
   // Waits until the observers have been notified of all changes.
@@ -133,6 +136,35 @@ TEST_P(QueuePlayerContract, RemovesEverythingAtOnce) {
   queue->removeAllItems();  // the queue is already empty
   const auto next = append(*queue);
   EXPECT_EQ(queue->currentItem(), next);
+}
+
+TEST_P(QueuePlayerContract, RemovesNeighboursThatHaveNotBegunAndEndsTheOneThatHas) {
+  const Items items{append(*queue), append(*queue), append(*queue), append(*queue), append(*queue)};
+  const std::span all(items);
+  EXPECT_TRUE(queue->removeUnbegun(all.subspan(4))) << "while stopped";
+  queue->play();
+  rig->beginCurrentItem(*queue);
+  EXPECT_FALSE(queue->removeUnbegun(all.first(2))) << "the first one has begun";
+  EXPECT_FALSE(queue->removeUnbegun(Items{items[1], items[3]})) << "no neighbours";
+  EXPECT_FALSE(queue->removeUnbegun(all.subspan(4))) << "is in no queue";
+  EXPECT_EQ(queue->items(), Items(items.begin(), items.begin() + 4));
+  EXPECT_TRUE(queue->removeUnbegun(all.subspan(1, 2)));
+  EXPECT_EQ(queue->items(), (Items{items[0], items[3]}));
+  EXPECT_EQ(items[1]->fate().kind, ItemFate::Kind::dropped);
+
+  EXPECT_FALSE(queue->endEarly(items[3].get(), 0)) << "it has not begun";
+  EXPECT_TRUE(queue->endEarly(items[0].get(), 0));
+  if (queue->currentItem() == items[0]) rig->finishCurrentItem(*queue);
+  EXPECT_EQ(items[0]->fate().kind, ItemFate::Kind::dropped);
+  rig->beginCurrentItem(*queue);
+  queue->setRate(0);
+  EXPECT_TRUE(queue->endEarly(items[3].get(), 10)) << "at once, while stopped";
+  EXPECT_EQ(queue->items(), Items());
+
+  const auto next = append(*queue);
+  queue->play();
+  rig->finishCurrentItem(*queue);
+  EXPECT_EQ(next->fate().kind, ItemFate::Kind::heardWhole);
 }
 
 TEST_P(QueuePlayerContract, TellsOfEveryChangeOfTheCurrentItem) {

@@ -17,11 +17,6 @@ void DesktopQueuePlayer::insert(std::shared_ptr<PlayerItem> item, const PlayerIt
   _engine->insert(std::move(item), after);
 }
 
-std::shared_ptr<PlayerItem> DesktopQueuePlayer::currentItem() const {
-  const auto items = _engine->items();
-  return items.empty() ? nullptr : items.front();
-}
-
 void DesktopQueuePlayer::addObserver(QueuePlayerObserver* observer, std::string_view keyPath,
                                      unsigned options) {
   _engine->addObserver(observer, keyPath, options);

@@ -2,6 +2,8 @@
 #define MARLUNE_DESKTOP_AUDIO_DESKTOP_QUEUE_PLAYER_H_
 
 #include <memory>
+#include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -38,8 +40,18 @@ class DesktopQueuePlayer : public QueuePlayer {
   void setRate(float rate) override { _engine->setRate(rate); }
   void removeAllItems() override { _engine->removeAllItems(); }
   std::vector<std::shared_ptr<PlayerItem>> items() const override { return _engine->items(); }
-  std::shared_ptr<PlayerItem> currentItem() const override;
+  std::shared_ptr<PlayerItem> currentItem() const override { return _engine->currentItem(); }
   Status status() const override { return _engine->status(); }
+  bool removeUnbegun(std::span<const std::shared_ptr<PlayerItem>> items) override {
+    return _engine->removeUnbegun(items);
+  }
+  bool endEarly(const PlayerItem* item, double fadeSeconds) override {
+    return _engine->endEarly(item, fadeSeconds);
+  }
+  std::optional<double> secondsHeard() const override { return _engine->secondsHeard(); }
+  double latencySeconds() const override { return _engine->latencySeconds(); }
+  float volume() const override { return _engine->volume(); }
+  void setVolume(float volume) override { _engine->setVolume(volume); }
   void setAllowsExternalPlayback(bool) override {}  // this machine's output is the only one
   void addObserver(QueuePlayerObserver* observer, std::string_view keyPath,
                    unsigned options) override;

@@ -3,7 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
+
+#include "marlune/desktop/audio/base/sound_cue.h"
 
 namespace marlune {
 
@@ -19,6 +22,7 @@ struct SoundBlock {
   bool hasShorts = false;
   std::size_t frames = 0;
   int channels = 0;
+  std::shared_ptr<SoundCue> cue;    // of its recording; the callback only uses it
   std::uint32_t generation = 0;     // of the queue's contents; older blocks are obsolete
   bool endsItem = false;            // the last of its recording
   std::uint64_t missingFrames = 0;  // of its recording, as far as known

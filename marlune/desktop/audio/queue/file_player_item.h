@@ -4,11 +4,13 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 
-#include "marlune/playback/item_fate.h"
+#include "marlune/desktop/audio/base/sound_cue.h"
 #include "marlune/desktop/audio/recording/recording.h"
+#include "marlune/playback/item_fate.h"
 #include "marlune/playback/queue_player.h"
 
 namespace marlune {
@@ -21,14 +23,26 @@ class FilePlayerItem : public PlayerItem {
   explicit FilePlayerItem(std::string path, std::unique_ptr<Recording> recording = nullptr)
       : _path(std::move(path)), _recording(std::move(recording)) {}
 
+  // An item that is silent for `seconds`, and has no file.
+  static std::shared_ptr<FilePlayerItem> silence(double seconds) {
+    auto item = std::make_shared<FilePlayerItem>(std::string());
+    item->_silence = item->_seconds = seconds;
+    return item;
+  }
+
   const std::string& path() const override { return _path; }
-  std::string description() const override { return _path; }
+  std::string description() const override { return _silence ? "a silence" : _path; }
 
   // The outcome for the item; for an item inserted several times, that of the last time. Not
   // pending once the item has left its queue.
-  ItemFate fate() const {
+  ItemFate fate() const override {
     const std::lock_guard lock(_mutex);
     return _fate;
+  }
+  // Known once the queue has opened the file.
+  std::optional<double> seconds() const override {
+    const std::lock_guard lock(_mutex);
+    return _seconds;
   }
 
   // Whether it is in a queue.
@@ -39,14 +53,30 @@ class FilePlayerItem : public PlayerItem {
     const std::lock_guard lock(_mutex);
     return std::move(_recording);
   }
+  void keepRecording(std::unique_ptr<Recording> recording) {
+    const std::lock_guard lock(_mutex);
+    _recording = std::move(recording);
+  }
+  const std::optional<double>& silence() const { return _silence; }
+  void setSeconds(double seconds) {
+    const std::lock_guard lock(_mutex);
+    _seconds = seconds;
+  }
   void enterQueue() {
     _setFate({});
+    cue.reset();
+    isEndedEarly = false;
     _isQueued.store(true);
   }
   void leaveQueue(ItemFate fate) {
     _setFate(std::move(fate));
+    cue.reset();
     _isQueued.store(false);
   }
+
+  // The queue's, guarded by its lock.
+  std::shared_ptr<SoundCue> cue;  // of its current decoding; null before
+  bool isEndedEarly = false;
 
  private:
   void _setFate(ItemFate fate) {
@@ -55,10 +85,12 @@ class FilePlayerItem : public PlayerItem {
   }
 
   const std::string _path;
+  std::optional<double> _silence;  // its length; nothing for a file
   std::atomic<bool> _isQueued = false;
   mutable std::mutex _mutex;  // for all below
   std::unique_ptr<Recording> _recording;
   ItemFate _fate;
+  std::optional<double> _seconds;
 };
 
 }  // namespace marlune

@@ -21,12 +21,11 @@ bool QueueEngine::canInsert(const PlayerItem* item, const PlayerItem* after) con
          (position < _items.size() && (position > _sentItems || !_hasPlayed));
 }
 
-// Past the end if `after` is not in the queue.
-std::size_t QueueEngine::_positionAfter(const PlayerItem* after) const {
-  if (!after) return _items.size();
+// Past the end if it is not in the queue.
+std::size_t QueueEngine::_positionOf(const PlayerItem* item) const {
   const auto place = std::find_if(_items.begin(), _items.end(),
-                                  [&](const auto& each) { return each.get() == after; });
-  return static_cast<std::size_t>(place - _items.begin()) + 1;
+                                  [&](const auto& each) { return each.get() == item; });
+  return static_cast<std::size_t>(place - _items.begin());
 }
 
 void QueueEngine::insert(std::shared_ptr<PlayerItem> item, const PlayerItem* after) {
@@ -79,6 +78,80 @@ void QueueEngine::removeAllItems() {
   _requestWork();
 }
 
+// Blocks that were sent stay where they are; the callback skips those of a recalled recording.
+bool QueueEngine::removeUnbegun(std::span<const std::shared_ptr<PlayerItem>> items) {
+  const Lock lock(_mutex);
+  const std::size_t first = items.empty() ? _items.size() : _positionOf(items.front().get());
+  if (first + items.size() > _items.size()) return false;
+  if (!std::equal(items.begin(), items.end(), _items.begin() + static_cast<long>(first))) {
+    return false;
+  }
+  const auto& cue = _items[first]->cue;
+  if (cue && !_line.holdBack(cue->serial)) return false;
+  _erase(first, first + items.size(), ItemFate::dropped("it was removed from the queue"));
+  _line.allowAll();
+  return true;
+}
+
+bool QueueEngine::endEarly(const PlayerItem* item, double fadeSeconds) {
+  const Lock lock(_mutex);
+  const std::size_t position = _positionOf(item);
+  if (position == _items.size()) return false;
+  FilePlayerItem& file = *_items[position];
+  if (!_hasBegun(file) || file.cue->isTaken.load()) return false;
+  if (_rate == 0) {
+    _erase(position, position + 1, ItemFate::dropped("it was ended early"));
+    return true;
+  }
+  const double fade = std::max(fadeSeconds, 0.0);
+  const int rate = _outputRate.load();
+  file.isEndedEarly = true;
+  file.cue->fadeFrames.store(std::lround(fade * rate));
+  if (rate > 0) {
+    file.setSeconds(static_cast<double>(file.cue->takenFrames.load()) / rate + fade);
+  }
+  _requestWork();
+  return true;
+}
+
+bool QueueEngine::_hasBegun(const FilePlayerItem& item) const {
+  return item.cue && item.cue->serial <= _line.begun();
+}
+
+void QueueEngine::_erase(std::size_t first, std::size_t end, const ItemFate& fate) {
+  for (std::size_t i = first; i < end; ++i) {
+    if (_items[i]->cue) _items[i]->cue->isRecalled.store(true);
+    _items[i]->leaveQueue(fate);
+  }
+  _items.erase(_items.begin() + static_cast<long>(first), _items.begin() + static_cast<long>(end));
+  if (_sentItems > first) _sentItems -= std::min(_sentItems, end) - first;
+  _setItemsChanged(/*isCurrentItemOther=*/first == 0);
+  ++_orders;
+  _requestWork();
+}
+
+std::optional<double> QueueEngine::secondsHeard() const {
+  const double latency = latencySeconds();
+  const Lock lock(_mutex);
+  const int rate = _outputRate.load();
+  if (_items.empty() || rate == 0 || !_hasBegun(*_items.front())) return 0;
+  const SoundCue& cue = *_items.front()->cue;
+  const auto passed = static_cast<double>(_line.framesTaken() - cue.begunAt.load());
+  const auto taken = static_cast<double>(cue.takenFrames.load());
+  return std::min(passed / rate - latency, taken / rate);
+}
+
+double QueueEngine::latencySeconds() const {
+  const auto state = _route->stateFor(*this);
+  const int rate = _outputRate.load();
+  return state && rate > 0 ? static_cast<double>(state->latencyFrames) / rate : 0;
+}
+
+void QueueEngine::setVolume(float volume) {
+  _volume.store(volume);
+  _line.setVolume(volume);
+}
+
 void QueueEngine::_dropAllItems(const ItemFate& fate) {
   const bool hadItems = !_items.empty();
   for (const auto& item : _items) item->leaveQueue(fate);
@@ -88,8 +161,17 @@ void QueueEngine::_dropAllItems(const ItemFate& fate) {
   _setItemsChanged(/*isCurrentItemOther=*/hadItems);
 }
 
-// Discards what was sent. Items still in the queue are decoded again.
+// Discards what was sent. Items still in the queue are decoded again, but for those that were
+// fading out.
 void QueueEngine::_startOver() {
+  const auto isOver = [](const auto& item) { return item->isEndedEarly; };
+  for (const auto& item : _items) {
+    if (isOver(item)) item->leaveQueue(ItemFate::dropped("it was ended early"));
+  }
+  if (std::erase_if(_items, [](const auto& item) { return !item->isQueued(); }) > 0) {
+    _setChanged(QueuePlayer::kCurrentItemKeyPath);
+  }
+  for (const auto& item : _items) item->cue.reset();
   _sentItems = 0;
   _line.setOwed(_items.size());
   _line.setGeneration(++_generation);
@@ -110,6 +192,11 @@ void QueueEngine::_setChanged(std::string_view keyPath) {
 std::vector<std::shared_ptr<PlayerItem>> QueueEngine::items() const {
   const Lock lock(_mutex);
   return {_items.begin(), _items.end()};
+}
+
+std::shared_ptr<PlayerItem> QueueEngine::currentItem() const {
+  const Lock lock(_mutex);
+  return _items.empty() ? nullptr : _items.front();
 }
 
 QueuePlayer::Status QueueEngine::status() const {

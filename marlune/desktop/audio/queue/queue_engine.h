@@ -1,6 +1,7 @@
 #ifndef MARLUNE_DESKTOP_AUDIO_QUEUE_QUEUE_ENGINE_H_
 #define MARLUNE_DESKTOP_AUDIO_QUEUE_QUEUE_ENGINE_H_
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -9,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -46,6 +48,13 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   void setRate(float rate);
   void removeAllItems();
   std::vector<std::shared_ptr<PlayerItem>> items() const;
+  std::shared_ptr<PlayerItem> currentItem() const;
+  bool removeUnbegun(std::span<const std::shared_ptr<PlayerItem>> items);
+  bool endEarly(const PlayerItem* item, double fadeSeconds);
+  std::optional<double> secondsHeard() const;
+  double latencySeconds() const;
+  float volume() const { return _volume.load(); }
+  void setVolume(float volume);
   QueuePlayer::Status status() const;
   void addObserver(QueuePlayerObserver* observer, std::string_view keyPath, unsigned options) {
     _notifier->addObserver(observer, keyPath, options);
@@ -74,6 +83,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   // A recording whose last frame has been taken.
   struct Ending {
     std::uint32_t generation;
+    std::uint64_t serial;
     std::uint64_t takenAt;  // in frames taken by the output
     std::uint64_t opening;  // of the output that took the frame
     std::uint64_t missingFrames;
@@ -83,7 +93,12 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
 
   // With the lock held.
   void _requestWork();
-  std::size_t _positionAfter(const PlayerItem* after) const;
+  std::size_t _positionOf(const PlayerItem* item) const;
+  std::size_t _positionAfter(const PlayerItem* after) const {
+    return after ? _positionOf(after) + 1 : _items.size();
+  }
+  bool _hasBegun(const FilePlayerItem& item) const;
+  void _erase(std::size_t first, std::size_t end, const ItemFate& fate);
   bool _isSounding() const { return _rate != 0 && !_items.empty(); }
   void _setItemsChanged(bool isCurrentItemOther);
   void _setChanged(std::string_view keyPath);
@@ -105,6 +120,8 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   void _reportGaps(bool isSounding, const std::optional<AudioRoute::State>& state);
   bool _decodeBlock();
   bool _openNext();
+  Result<std::unique_ptr<ClipDecoder>> _decoderOf(FilePlayerItem& item);
+  AudioFormat _formatOfSilence() const;
   void _skip(const FilePlayerItem& item, const Failure& failure);
   void _setReady();
   void _sendBlock(SoundBlock* block);
@@ -113,6 +130,8 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   const std::shared_ptr<AudioRoute> _route;
   const std::shared_ptr<ChangeNotifier> _notifier = std::make_shared<ChangeNotifier>();
   RenderLine _line;
+  std::atomic<float> _volume = 1;
+  std::atomic<int> _outputRate = 0;  // of the blocks that are made; 0: not yet known
 
   mutable std::mutex _mutex;  // guards all below
   std::condition_variable _wake;
@@ -120,6 +139,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   std::thread _worker;
   std::deque<std::shared_ptr<FilePlayerItem>> _items;
   std::size_t _sentItems = 0;     // items whose blocks have all been sent down the line
+  std::uint64_t _lastSerial = 0;  // of the recording that was last begun to be decoded
   std::uint32_t _generation = 0;  // incremented when sent blocks become obsolete
   std::uint64_t _orders = 0;      // counts insertions, rate changes and removals
   float _rate = 0;
@@ -134,6 +154,7 @@ class QueueEngine : public RouteUser, public std::enable_shared_from_this<QueueE
   // Used by the worker only.
   std::unique_ptr<ClipDecoder> _decoder;  // of item _sentItems, if of this generation:
   std::uint32_t _decoderGeneration = 0;
+  std::shared_ptr<SoundCue> _decoderCue;
   std::optional<AudioFormat> _format;  // the format of the blocks being made
   std::uint64_t _opening = 0;          // the route's opening that the blocks are made for
   std::size_t _latencyFrames = 0;      // latency of the output in that opening

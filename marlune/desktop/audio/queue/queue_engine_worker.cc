@@ -58,8 +58,8 @@ bool QueueEngine::_step() {
 void QueueEngine::_collectReturned() {
   while (SoundBlock* const block = _line.takeReturned()) {
     if (block->endsItem && block->isTaken) {
-      _endings.push_back(
-          {block->generation, block->takenAt, block->takenOpening, block->missingFrames});
+      _endings.push_back({block->generation, block->cue->serial, block->takenAt,
+                          block->takenOpening, block->missingFrames});
     }
     _line.giveBack(block);
   }
@@ -73,9 +73,14 @@ bool QueueEngine::_endHeardItems(const std::optional<AudioRoute::State>& state) 
   while (!_endings.empty()) {
     const Ending ending = _endings.front();
     const Lock lock(_mutex);
-    if (ending.generation == _generation) {
+    // Otherwise it was removed in between.
+    const bool isCurrent = ending.generation == _generation && !_items.empty() &&
+                           _items.front()->cue && _items.front()->cue->serial == ending.serial;
+    if (isCurrent) {
       if (_isHeard(ending, state)) {
-        _items.front()->leaveQueue(ItemFate::heard(ending.missingFrames));
+        _items.front()->leaveQueue(_items.front()->isEndedEarly
+                                       ? ItemFate::dropped("it was ended early")
+                                       : ItemFate::heard(ending.missingFrames));
         _items.pop_front();
         --_sentItems;
         _setItemsChanged(/*isCurrentItemOther=*/true);
@@ -196,7 +201,9 @@ void QueueEngine::_followOpening(const AudioRoute::State& state) {
 bool QueueEngine::_decodeBlock() {
   {
     const Lock lock(_mutex);
-    if (_decoderGeneration != _generation) _decoder.reset();
+    const bool isObsolete =
+        _decoderGeneration != _generation || (_decoderCue && _decoderCue->isRecalled.load());
+    if (isObsolete) _decoder.reset();
   }
   SoundBlock* const block = _line.freshBlock();
   if (!block) return false;
@@ -205,7 +212,13 @@ bool QueueEngine::_decodeBlock() {
     const Lock lock(_mutex);
     return _sentItems < _items.size();  // after one that was left out
   }
-  _decoder->fill(*block);
+  if (_decoderCue->fadeFrames.load() == SoundCue::kNoFade) {
+    _decoder->fill(*block);
+  } else {
+    block->frames = 0;  // the blocks that were sent are enough for the fade
+    block->endsItem = true;
+    block->channels = _format->channels;
+  }
   _sendBlock(block);
   return true;
 }
@@ -217,8 +230,9 @@ bool QueueEngine::_openNext() {
     if (_sentItems == _items.size()) return false;
     item = _items[_sentItems];
     _decoderGeneration = _generation;
+    _decoderCue = item->cue = std::make_shared<SoundCue>(++_lastSerial);
   }
-  auto opened = ClipDecoder::open(item->path(), item->takeRecording());
+  auto opened = _decoderOf(*item);
   if (!opened.succeeded()) {
     _skip(*item, opened.failure());
     return false;
@@ -231,15 +245,42 @@ bool QueueEngine::_openNext() {
     return false;
   }
   _format = format;
+  _outputRate.store(format->sampleRate);
+  if (!item->seconds()) item->setSeconds(decoder->seconds());
   _decoder = std::move(decoder);
   _setReady();
   return true;
 }
 
+Result<std::unique_ptr<ClipDecoder>> QueueEngine::_decoderOf(FilePlayerItem& item) {
+  if (!item.silence()) return ClipDecoder::open(item.path(), item.takeRecording());
+  return ClipDecoder::silence(*item.silence(), _formatOfSilence());
+}
+
+// An output without a format of its own takes that of the first clip, which should be a
+// recording's.
+AudioFormat QueueEngine::_formatOfSilence() const {
+  if (_format) return *_format;
+  std::vector<std::shared_ptr<FilePlayerItem>> items;
+  {
+    const Lock lock(_mutex);
+    items.assign(_items.begin(), _items.end());
+  }
+  for (const auto& item : items) {
+    if (item->silence()) continue;
+    auto opened = Recording::open(item->path());
+    if (!opened.succeeded()) continue;
+    const AudioFormat format = opened.value()->format();
+    item->keepRecording(std::move(opened.value()));
+    return format;
+  }
+  return {44'100, 2};
+}
+
 void QueueEngine::_skip(const FilePlayerItem& item, const Failure& failure) {
   {
     const Lock lock(_mutex);
-    if (_decoderGeneration != _generation) return;  // dropped in between
+    if (_decoderGeneration != _generation || _decoderCue->isRecalled.load()) return;  // dropped
     _items[_sentItems]->leaveQueue(ItemFate::leftOut(failure.message));
     _items.erase(_items.begin() + static_cast<long>(_sentItems));
     _setItemsChanged(/*isCurrentItemOther=*/_sentItems == 0);
@@ -256,9 +297,10 @@ void QueueEngine::_setReady() {
 
 void QueueEngine::_sendBlock(SoundBlock* block) {
   block->generation = _decoderGeneration;
+  block->cue = _decoderCue;
   block->missingFrames = _decoder->missingFrames();
   const Lock lock(_mutex);
-  if (_decoderGeneration != _generation) {
+  if (_decoderGeneration != _generation || _decoderCue->isRecalled.load()) {
     _line.giveBack(block);
     return;
   }

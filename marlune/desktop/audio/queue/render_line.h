@@ -43,6 +43,15 @@ class RenderLine {
   // underrun.
   void setOwed(std::size_t recordings) { _owed.store(recordings); }
 
+  // Keeps the recordings from this serial on from beginning, until allowAll(). Returns false, and
+  // keeps none, if one of them has begun.
+  bool holdBack(std::uint64_t serial);
+  void allowAll() { _limit.store(kNoLimit); }
+  // The last recording that has begun.
+  std::uint64_t begun() const { return _begun.load(); }
+  // A factor for the samples. Changes gradually.
+  void setVolume(float volume) { _volume.store(volume); }
+
   std::uint64_t framesTaken() const { return _framesTaken.load(); }  // silence included
   // Frames of sound sent and not yet taken. Exact on a thread that both sends and takes.
   std::size_t framesWaiting() const { return _framesSent - _framesPlayed.load(); }
@@ -65,8 +74,13 @@ class RenderLine {
   template <typename Sample>
   std::size_t _render(Sample* frames, std::size_t count, int channels,
                       std::uint64_t opening) noexcept;
-  bool _haveBlock() noexcept;
+  bool _haveBlock(bool isRunning, std::uint64_t framesTaken) noexcept;
+  bool _mayBegin(SoundCue& cue, std::uint64_t framesTaken) noexcept;
   bool _fits(int channels) noexcept;
+  template <typename Sample>
+  std::size_t _copyFaded(Sample* to, std::size_t most) noexcept;
+  template <typename Sample>
+  void _applyVolume(Sample* frames, std::size_t count, std::size_t channels) noexcept;
   void _return(bool isTaken) noexcept;
   void _countUnderrun(std::size_t done, std::size_t count) noexcept;
 
@@ -83,13 +97,21 @@ class RenderLine {
   std::atomic<std::uint64_t> _opening = 0;
   std::atomic<bool> _hasMisfit = false;
   std::atomic<std::size_t> _owed = 0;
+  static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
+  std::atomic<std::uint64_t> _limit = kNoLimit;
+  std::atomic<std::uint64_t> _begun = 0;
+  std::atomic<float> _volume = 1;
   std::atomic<std::uint64_t> _framesTaken = 0;
   std::atomic<std::size_t> _framesPlayed = 0;  // or skipped with their block
   std::atomic<std::uint64_t> _underrunFrames = 0;
 
   // Used by the callback only.
   SoundBlock* _current = nullptr;
-  std::size_t _position = 0;           // frames of _current already played
+  std::size_t _position = 0;  // frames of _current already played
+  std::uint64_t _fading = 0;  // the recording that fades, and how it does
+  std::size_t _fadeFrames = 0;
+  std::size_t _fadeLeft = 0;
+  float _gain = 1;                     // the volume that the last frame had
   bool _isInSound = false;             // the last frame was sound, and more should follow
   std::uint32_t _soundGeneration = 0;  // of that sound
 };

@@ -1,6 +1,7 @@
 #include "marlune/desktop/audio/recording/clip_decoder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -19,15 +20,30 @@ Result<std::unique_ptr<ClipDecoder>> ClipDecoder::open(const std::string& path,
     if (!opened.succeeded()) return opened.failure();
     recording = std::move(opened.value());
   }
-  return std::unique_ptr<ClipDecoder>(new ClipDecoder(path, std::move(recording)));
+  const AudioFormat format = recording->format();
+  const double seconds = recording->seconds();
+  return std::unique_ptr<ClipDecoder>(new ClipDecoder(path, std::move(recording), format, seconds));
 }
 
-ClipDecoder::ClipDecoder(std::string path, std::unique_ptr<Recording> recording)
+std::unique_ptr<ClipDecoder> ClipDecoder::silence(double seconds, const AudioFormat& format) {
+  return std::unique_ptr<ClipDecoder>(new ClipDecoder("", nullptr, format, seconds));
+}
+
+ClipDecoder::ClipDecoder(std::string path, std::unique_ptr<Recording> recording,
+                         const AudioFormat& format, double seconds)
     : _path(std::move(path)),
+      _format(format),
+      _seconds(seconds),
       _recording(std::move(recording)),
-      _missingFrames(static_cast<std::uint64_t>(_recording->missingFrames())) {}
+      _missingFrames(_recording ? static_cast<std::uint64_t>(_recording->missingFrames()) : 0) {}
 
 std::optional<Failure> ClipDecoder::convertTo(const AudioFormat& format) {
+  if (!_recording) {
+    _channels = static_cast<std::size_t>(format.channels);
+    _silentFrames =
+        static_cast<std::uint64_t>(std::llround(std::max(_seconds, 0.0) * format.sampleRate));
+    return std::nullopt;
+  }
   auto converter = ClipConverter::make(clipFormat(), format);
   if (!converter.succeeded()) return converter.failure();
   _converter = std::move(converter.value());
@@ -38,6 +54,7 @@ std::optional<Failure> ClipDecoder::convertTo(const AudioFormat& format) {
 
 void ClipDecoder::fill(SoundBlock& block) {
   block.channels = static_cast<int>(_channels);
+  if (!_recording) return _fillSilence(block);
   block.hasShorts = _isCopied;
   if (_isCopied) {
     _copy(block);
@@ -45,6 +62,15 @@ void ClipDecoder::fill(SoundBlock& block) {
     _convert(block);
   }
   if (block.endsItem && _missingFrames > 0) _reportMissing();
+}
+
+void ClipDecoder::_fillSilence(SoundBlock& block) {
+  block.hasShorts = true;
+  block.frames =
+      static_cast<std::size_t>(std::min<std::uint64_t>(_silentFrames, SoundBlock::kCapacityFrames));
+  block.shorts.assign(block.frames * _channels, 0);
+  _silentFrames -= block.frames;
+  block.endsItem = _silentFrames == 0;
 }
 
 void ClipDecoder::_reportMissing() const {

@@ -22,7 +22,11 @@ class ClipDecoder {
   static Result<std::unique_ptr<ClipDecoder>> open(const std::string& path,
                                                    std::unique_ptr<Recording> recording = nullptr);
 
-  const AudioFormat& clipFormat() const { return _recording->format(); }
+  // Decodes silence, of this format.
+  static std::unique_ptr<ClipDecoder> silence(double seconds, const AudioFormat& format);
+
+  const AudioFormat& clipFormat() const { return _format; }
+  double seconds() const { return _seconds; }
 
   // Sets the output format; call once, before fill. Fails, with a clause, if the clip cannot be
   // converted.
@@ -37,7 +41,9 @@ class ClipDecoder {
   std::uint64_t missingFrames() const { return _missingFrames; }
 
  private:
-  ClipDecoder(std::string path, std::unique_ptr<Recording> recording);
+  ClipDecoder(std::string path, std::unique_ptr<Recording> recording, const AudioFormat& format,
+              double seconds);
+  void _fillSilence(SoundBlock& block);
   void _readMore();
   void _copy(SoundBlock& block);
   void _convert(SoundBlock& block);
@@ -45,7 +51,10 @@ class ClipDecoder {
   void _reportMissing() const;
 
   const std::string _path;
-  std::unique_ptr<Recording> _recording;
+  const AudioFormat _format;
+  const double _seconds;
+  std::unique_ptr<Recording> _recording;  // null: silence
+  std::uint64_t _silentFrames = 0;        // still to be decoded
   std::unique_ptr<ClipConverter> _converter;
   std::size_t _channels = 0;      // of the output
   std::vector<float> _read;       // as read, in the clip's format
