@@ -1,6 +1,6 @@
 # What `cmake --install` installs: libraries, headers, the CMake package, pkg-config files, and the
-# tool with its manual page and completion. Components: runtime (the core), desktop, development,
-# tool.
+# tool with its manual page and completion. Components: runtime (the core), announce, desktop,
+# development, tool.
 
 include(CMakePackageConfigHelpers)
 
@@ -57,6 +57,14 @@ endfunction()
 marlune_install_library(marlune marluneTargets runtime)
 marlune_install_headers(core)
 marlune_install_pkgconfig(marlune.pc)
+
+marlune_install_library(marlune_announce marluneAnnounceTargets announce)
+marlune_install_headers(announce)
+marlune_install_pkgconfig(marlune-announce.pc)
+
+# Static, and for tests only.
+marlune_install_library(marlune_testing marluneTestingTargets development)
+marlune_install_headers(testing)
 
 if(MARLUNE_DESKTOP)
   marlune_install_library(marlune_desktop marluneDesktopTargets desktop)

@@ -1,6 +1,6 @@
 # Debian packages, one per install component: `cpack -G DEB`, or scripts/package.
 #
-# The two libraries have separate packages, named after their SONAMEs as is usual in Debian. Users
+# The libraries have separate packages, named after their SONAMEs as is usual in Debian. Users
 # of the core then depend only on the C++ library, and incompatible versions can be installed side
 # by side.
 
@@ -10,7 +10,7 @@ set(MARLUNE_DEBIAN_REVISION 1 CACHE STRING "Which packages of this version these
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime desktop development tool)
+set(CPACK_COMPONENTS_ALL runtime announce desktop development tool)
 set(CPACK_PACKAGE_CONTACT "${MARLUNE_MAINTAINER}")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
@@ -27,13 +27,15 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # it does not know them yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${PROJECT_BINARY_DIR}/marlune ${PROJECT_BINARY_DIR}/marlune/desktop)
+  ${PROJECT_BINARY_DIR}/marlune ${PROJECT_BINARY_DIR}/marlune/announce
+  ${PROJECT_BINARY_DIR}/marlune/desktop)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
 set(exactly "(= ${PROJECT_VERSION}-${MARLUNE_DEBIAN_REVISION})")
 get_target_property(soversion marlune SOVERSION)
 set(core libmarlune${soversion})
+set(announce libmarlune-announce${soversion})
 set(desktop libmarlune-desktop${soversion})
 
 # marlune_package(component package SECTION ... DEPENDS "..." RECOMMENDS "..." DESCRIPTION "...")
@@ -60,6 +62,11 @@ This package contains the core. It needs only the C++ library: the program
 that uses it, or the desktop library, provides the services it needs from the
 system.")
 
+marlune_package(announce ${announce} SECTION libs DEPENDS "${core} ${exactly}" DESCRIPTION
+"speaks phrases from recordings, the announcements library
+Says phrases in the order of their urgency and within their deadlines, lets one
+take over from another, and reports what became of each.")
+
 # Other libraries are loaded on demand, so nothing links them. The sound device's are only
 # recommended: rendering to files works without them.
 marlune_package(desktop ${desktop} SECTION libs
@@ -70,10 +77,11 @@ Binds the core library to a Linux desktop: property lists, preferences, a run
 loop, recordings read from files, sound on a device or rendered into a file.")
 
 marlune_package(development libmarlune-dev SECTION libdevel
-  DEPENDS "${core} ${exactly}, ${desktop} ${exactly}" DESCRIPTION
+  DEPENDS "${core} ${exactly}, ${announce} ${exactly}, ${desktop} ${exactly}" DESCRIPTION
 "speaks phrases from recordings, headers
 For compiling programs that speak phrases from recordings: the headers of the
-core and of the desktop library, and their CMake package and pkg-config files.")
+libraries, their CMake package and pkg-config files, and a library that tests
+announcements without sound.")
 
 marlune_package(tool marlune SECTION sound DEPENDS "${core} ${exactly}, ${desktop} ${exactly}"
   DESCRIPTION
@@ -83,7 +91,7 @@ and why, which recordings say it, and plays it or renders it into a file.")
 
 # A trigger updates the loader's cache once, after all packages. By default CPack adds scripts that
 # do it for each package; naming scripts that do not exist suppresses them.
-foreach(name IN ITEMS RUNTIME DESKTOP)
+foreach(name IN ITEMS RUNTIME ANNOUNCE DESKTOP)
   set(CPACK_DEBIAN_${name}_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/packages/triggers
     ${PROJECT_BINARY_DIR}/none/postinst ${PROJECT_BINARY_DIR}/none/postrm)
 endforeach()
