@@ -11,6 +11,7 @@ readonly coverage_packages=("${clang_packages[@]}" llvm binutils)
 readonly arm_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user-static googletest)
 readonly package_packages=(dpkg-dev file)
 readonly docs_packages=(doxygen)
+readonly example_packages=(libglib2.0-dev libespeak-ng-dev)
 readonly check_packages=(clang-format clang-tidy mandoc)
 
 # One job per core: fewer leave a core idle, more make the machine swap.
