@@ -43,6 +43,27 @@ TEST(StandardStreamsTest, AnswersThatCannotBeWrittenEndEveryCommand) {
   }
 }
 
+// A co-process that waits for the answer before it writes the next phrase would wait for ever.
+TEST(StandardStreamsTest, AnAnswerIsWrittenBeforeTheToolWaitsForInput) {
+  const ToolRun run = runToolIn(
+      "folder=$(mktemp -d); mkfifo $folder/in $folder/out; "
+      "\"$@\" <$folder/in >$folder/out & exec 3>$folder/in 4<$folder/out; "
+      "for phrase in one two; do echo $phrase >&3; read -r answer <&4; echo \"<$answer>\"; done; "
+      "exec 3>&-; wait; rm -r $folder",
+      {"decompose", "--sounds", kVoice});
+  EXPECT_EQ(run.out, "<one>\n<two>\n");
+}
+
+TEST(StandardStreamsTest, AnswersAndMessagesKeepTheirOrderInOneStream) {
+  std::string input, expected;
+  for (int i = 1; i <= 20; ++i) {
+    input += "one two\nunknown\n";
+    expected += "one two\nmarlune: line " + std::to_string(2 * i) +
+                ": \"unknown\": no recording of \"unknown\"\n\n";
+  }
+  EXPECT_EQ(runToolIn("\"$@\" 2>&1", {"decompose", "--sounds", kVoice}, input).out, expected);
+}
+
 TEST(StandardStreamsTest, AClosedPipeEndsTheRunAsItsSignalDoes) {
   for (const char* former : {"trap - PIPE", "trap '' PIPE"}) {
     SCOPED_TRACE(former);

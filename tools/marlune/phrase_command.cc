@@ -32,9 +32,11 @@ bool tried(const Phrase& phrase, const std::function<void()>& work) {
 
 ExitStatus PhraseCommand::answerAll(PhraseInput& input) {
   ExitStatus status = kEverythingSaid;
+  input.setBeforeWaiting(&flushAnswers);
   while (const std::optional<Phrase> phrase = input.next()) {
     if (!_answer(*phrase)) status = kSomethingNotSaid;
   }
+  flushAnswers();
   return status;
 }
 

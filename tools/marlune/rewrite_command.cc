@@ -13,6 +13,7 @@
 #include "tools/marlune/options.h"
 #include "tools/marlune/phrase_command.h"
 #include "tools/marlune/rewriting/rewriter.h"
+#include "tools/marlune/streams/answers.h"
 #include "tools/marlune/text/shown_text.h"
 
 namespace marlune::tool {
@@ -54,6 +55,11 @@ class RewriteCommand : public PhraseCommand {
   static void _show(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) text += shownLine(line);
+    _write(text);
+  }
+
+  static void _write(const std::string& text) {
+    flushAnswersBeforeMessage();
     std::cerr << text << std::flush;
   }
 
@@ -66,7 +72,7 @@ class RewriteCommand : public PhraseCommand {
       for (const Turn& turn : walk.turns()) requireWithinLimits(turn.unfinished);
       return walk.after()->stringArray();
     }
-    if (_options.trace == "raw") std::cerr << _rewriter.rawTraceOf(words) << std::flush;
+    if (_options.trace == "raw") _write(_rewriter.rawTraceOf(words));
     return _rewriter.rewritten(words);
   }
 

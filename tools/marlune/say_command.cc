@@ -10,6 +10,7 @@
 #include "tools/marlune/rewriting/rewriter.h"
 #include "tools/marlune/speaking/playlist.h"
 #include "tools/marlune/speaking/speaker.h"
+#include "tools/marlune/streams/answers.h"
 #include "tools/marlune/voice/voice.h"
 
 namespace marlune::tool {
@@ -49,7 +50,10 @@ class SayCommand : public PhraseCommand {
     return joined(words) + " | " + _playlist->text();
   }
 
-  void followAnswer() override { _speaker.say(*_files, *_playlist); }
+  void followAnswer() override {
+    flushAnswers();
+    _speaker.say(*_files, *_playlist);
+  }
 
  private:
   Voice _voice;

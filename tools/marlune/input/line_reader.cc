@@ -1,5 +1,6 @@
 #include "tools/marlune/input/line_reader.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -42,6 +43,8 @@ void LineReader::_take(Line& line, std::size_t count) {
 bool LineReader::_readMore() {
   constexpr std::size_t kBlock = 65536;
   if (_isAtEnd) return false;  // a terminal could deliver more after its end of file
+  pollfd input = {STDIN_FILENO, POLLIN, 0};
+  if (_beforeWaiting && ::poll(&input, 1, 0) == 0) _beforeWaiting();
   _buffer.resize(kBlock);
   _position = 0;
   ssize_t count = 0;

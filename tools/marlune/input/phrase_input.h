@@ -2,9 +2,11 @@
 #define MARLUNE_TOOLS_MARLUNE_INPUT_PHRASE_INPUT_H_
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/marlune/input/line_reader.h"
@@ -26,6 +28,9 @@ class PhraseInput {
  public:
   explicit PhraseInput(std::vector<std::string> arguments)
       : _arguments(std::move(arguments)), _readsLines(_arguments.empty()) {}
+
+  // Sets what is called before the input is waited for.
+  void setBeforeWaiting(std::function<void()> work) { _lines.setBeforeWaiting(std::move(work)); }
 
   // The next phrase, or nothing at the end. An empty line is a phrase without words. Throws
   // InputError if standard input cannot be read.

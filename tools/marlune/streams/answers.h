@@ -4,7 +4,8 @@
 #include <stdexcept>
 #include <string_view>
 
-// Writes to standard output; nothing else in the tool does.
+// Writes to standard output; nothing else in the tool does. Answers are collected, because a write
+// for each of a million lines takes longer than the answers themselves.
 namespace marlune::tool {
 
 // Standard output cannot be written: the run ends with this message.
@@ -16,11 +17,21 @@ class AnswerError : public std::runtime_error {
 // The reader of standard output has closed it: the run ends as by SIGPIPE.
 class NobodyReads : public std::exception {};
 
-// Writes the answer to a phrase as one line, at once. Control characters appear as `shown` prints
-// them. Throws AnswerError or NobodyReads if the whole line cannot be written.
+// Adds the answer to a phrase, as one line, to those that are to be written. Control characters
+// appear as `shown` prints them. Throws AnswerError or NobodyReads if collected lines cannot be
+// written.
 void writeAnswer(std::string_view line);
 
-// Writes text of the tool itself, such as that of --help, unchanged. Throws like writeAnswer.
+// Writes the collected lines: before the tool waits for input, before a phrase is played, and at
+// the end. Throws like writeAnswer.
+void flushAnswers();
+
+// The same before anything is written to standard error, which may be the same terminal. On any
+// thread. A failure is thrown by the next call of the functions above.
+void flushAnswersBeforeMessage() noexcept;
+
+// Writes text of the tool itself, such as that of --help, unchanged and at once. Throws like
+// writeAnswer.
 void writeText(std::string_view text);
 
 // Ends the process by SIGPIPE, even if the process was started with that signal ignored or blocked.

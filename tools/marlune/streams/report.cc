@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iostream>
 
+#include "tools/marlune/streams/answers.h"
 #include "tools/marlune/text/shown_text.h"
 
 namespace marlune::tool {
@@ -25,6 +26,7 @@ std::string excerptOf(const Words& words) {
 }  // namespace
 
 void complain(std::string_view sentence) {
+  flushAnswersBeforeMessage();
   // One write, so that lines logged by other threads cannot split the sentence.
   std::cerr << "marlune: " + shownLine(sentence) << std::flush;
 }
