@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+
 #include "support/temporary_directory.h"
 #include "tool/tool_run.h"
 
@@ -62,6 +65,20 @@ TEST(StandardStreamsTest, AnswersAndMessagesKeepTheirOrderInOneStream) {
                 ": \"unknown\": no recording of \"unknown\"\n\n";
   }
   EXPECT_EQ(runToolIn("\"$@\" 2>&1", {"decompose", "--sounds", kVoice}, input).out, expected);
+}
+
+TEST(StandardStreamsTest, ThousandsOfMessagesAlikeAreCounted) {
+  std::string input;
+  for (int i = 0; i < 1'500; ++i) input += "unknown\n";
+  const auto lines = [&](Arguments arguments) {
+    const std::string text = runTool(arguments, input).err;
+    return std::make_pair(std::count(text.begin(), text.end(), '\n'),
+                          text.substr(text.rfind('\n', text.size() - 2) + 1));
+  };
+  EXPECT_EQ(lines({"decompose", "--sounds", kVoice}),
+            std::make_pair(1'001l, std::string("marlune: 500 more phrases: no recording of "
+                                               "\"unknown\"\n")));
+  EXPECT_EQ(lines({"decompose", "--sounds", kVoice, "--verbose"}).first, 1'500);
 }
 
 TEST(StandardStreamsTest, AClosedPipeEndsTheRunAsItsSignalDoes) {

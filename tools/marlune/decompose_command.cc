@@ -16,12 +16,14 @@ namespace {
 struct Options {
   std::string sounds;
   std::string overrides;
+  bool isVerbose = false;
   std::vector<std::string> phrases;
 };
 
 class DecomposeCommand : public PhraseCommand {
  public:
-  explicit DecomposeCommand(const Options& options) : _voice(options.sounds, options.overrides) {}
+  explicit DecomposeCommand(const Options& options)
+      : PhraseCommand(options.isVerbose), _voice(options.sounds, options.overrides) {}
 
  protected:
   std::string answerTo(const Phrase& phrase) override {
@@ -46,6 +48,7 @@ void addDecomposeCommand(CLI::App& program, ExitStatus& status) {
   const auto options = std::make_shared<Options>();
   addSoundsOption(*command, options->sounds)->required();
   addOverridesOption(*command, options->overrides);
+  addVerboseOption(*command, options->isVerbose);
   addPhrases(*command, options->phrases);
   command->callback([options, &status] { status = decompose(*options); });
 }

@@ -32,6 +32,11 @@ CLI::Option* addNameOption(CLI::App& command, std::string& value) {
                        "The grammar to use in the file, such as Sports.Running");
 }
 
+void addVerboseOption(CLI::App& command, bool& value) {
+  command.add_flag("--verbose", value,
+                   "Write every message, instead of a count of those that repeat a thousand times");
+}
+
 void addPhrases(CLI::App& command, std::vector<std::string>& phrases) {
   command.add_option("PHRASE", phrases,
                      "Phrases, one per argument: quote a phrase of several words; without any, "

@@ -17,6 +17,7 @@ CLI::Option* addSoundsOption(CLI::App& command, std::string& value);
 CLI::Option* addOverridesOption(CLI::App& command, std::string& value);
 CLI::Option* addGrammarOption(CLI::App& command, std::string& value);
 CLI::Option* addNameOption(CLI::App& command, std::string& value);
+void addVerboseOption(CLI::App& command, bool& value);
 void addPhrases(CLI::App& command, std::vector<std::string>& phrases);
 
 // The error message for an empty value.

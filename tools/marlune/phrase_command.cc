@@ -1,6 +1,5 @@
 #include "tools/marlune/phrase_command.h"
 
-#include <functional>
 #include <new>
 #include <stdexcept>
 
@@ -13,13 +12,19 @@ namespace marlune::tool {
 
 namespace {
 
+constexpr std::size_t kMostAlike = 1'000;  // messages with one reason
+constexpr std::size_t kMostReasons =
+    10'000;  // that are counted; every message of others is written
+
+}  // namespace
+
 // Runs one step of the work on a phrase. Returns whether it succeeded; reports the reason if not.
-bool tried(const Phrase& phrase, const std::function<void()>& work) {
+bool PhraseCommand::_tried(const Phrase& phrase, const std::function<void()>& work) {
   try {
     work();
     return true;
   } catch (const PhraseError& error) {
-    complainAbout(phrase, error.what());
+    _complain(phrase, error.what());
   } catch (const std::bad_alloc&) {
     complainAbout(phrase, kOutOfMemory);
   } catch (const std::length_error&) {
@@ -28,7 +33,18 @@ bool tried(const Phrase& phrase, const std::function<void()>& work) {
   return false;
 }
 
-}  // namespace
+void PhraseCommand::_complain(const Phrase& phrase, const std::string& reason) {
+  if (!_isVerbose && _reasons.size() < kMostReasons) _reasons.emplace(reason, 0);
+  const auto known = _reasons.find(reason);
+  if (known == _reasons.end() || ++known->second <= kMostAlike) complainAbout(phrase, reason);
+}
+
+void PhraseCommand::_writeCounts() const {
+  for (const auto& [reason, count] : _reasons) {
+    if (count <= kMostAlike) continue;
+    complain(std::to_string(count - kMostAlike) + " more phrases: " + reason);
+  }
+}
 
 ExitStatus PhraseCommand::answerAll(PhraseInput& input) {
   ExitStatus status = kEverythingSaid;
@@ -37,17 +53,18 @@ ExitStatus PhraseCommand::answerAll(PhraseInput& input) {
     if (!_answer(*phrase)) status = kSomethingNotSaid;
   }
   flushAnswers();
+  _writeCounts();
   return status;
 }
 
 bool PhraseCommand::_answer(const Phrase& phrase) {
   std::string answer;
-  const bool hasAnswer = tried(phrase, [&] {
+  const bool hasAnswer = _tried(phrase, [&] {
     if (!phrase.fault.empty()) throw PhraseError(std::string(phrase.fault));
     answer = answerTo(phrase);
   });
   writeAnswer(answer);
-  return hasAnswer && tried(phrase, [this] { followAnswer(); });
+  return hasAnswer && _tried(phrase, [this] { followAnswer(); });
 }
 
 }  // namespace marlune::tool

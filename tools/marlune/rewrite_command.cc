@@ -33,13 +33,16 @@ struct Options {
   std::string name;
   std::string trace;               // "" none, "rules", "raw"
   std::optional<std::string> why;  // the rule to explain
+  bool isVerbose = false;
   std::vector<std::string> phrases;
 };
 
 class RewriteCommand : public PhraseCommand {
  public:
   explicit RewriteCommand(const Options& options)
-      : _options(options), _rewriter(options.grammar, options.name) {
+      : PhraseCommand(options.isVerbose),
+        _options(options),
+        _rewriter(options.grammar, options.name) {
     if (!options.why || !_why({}).empty()) return;
     throw InputError(options.grammar + ": " + options.name + " has no rule named " + *options.why);
   }
@@ -95,6 +98,7 @@ void addRewriteCommand(CLI::App& program, ExitStatus& status) {
   command->add_flag("--trace{rules}", options->trace, kTraceHelp)
       ->check(CLI::IsMember({"rules", "raw"}));
   command->add_option("--why", options->why, kWhyHelp)->type_name("RULE");
+  addVerboseOption(*command, options->isVerbose);
   addPhrases(*command, options->phrases);
   command->callback([options, &status] { status = rewrite(*options); });
 }

@@ -23,6 +23,7 @@ struct Options {
   std::string name;
   std::string overrides;
   std::string output;
+  bool isVerbose = false;
   std::vector<std::string> phrases;
 };
 
@@ -30,7 +31,9 @@ struct Options {
 class SayCommand : public PhraseCommand {
  public:
   explicit SayCommand(const Options& options)
-      : _voice(options.sounds, options.overrides), _speaker(_voice.bundle(), options.output) {
+      : PhraseCommand(options.isVerbose),
+        _voice(options.sounds, options.overrides),
+        _speaker(_voice.bundle(), options.output) {
     if (!options.grammar.empty()) {
       _rewriter = std::make_unique<Rewriter>(options.grammar, options.name);
     }
@@ -84,6 +87,7 @@ void addSayCommand(CLI::App& program, ExitStatus& status) {
   addOverridesOption(*command, options->overrides);
   addTextOption(*command, "--output", options->output,
                 "Write all phrases to this file, *.wav or *.aif, instead of playing them");
+  addVerboseOption(*command, options->isVerbose);
   addPhrases(*command, options->phrases);
   command->callback([options, &status] { status = say(*options); });
 }

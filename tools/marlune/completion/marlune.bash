@@ -32,9 +32,9 @@ _marlune() {
       [[ $COMP_CWORD == 1 || $word == -* ]] || return
       case $((COMP_CWORD > 1)):${COMP_WORDS[1]} in
         0:*) words='rewrite decompose say --help --version' ;;
-        1:rewrite) words='--help --grammar --name --trace --why' ;;
-        1:decompose) words='--help --sounds --overrides' ;;
-        1:say) words='--help --sounds --grammar --name --overrides --output' ;;
+        1:rewrite) words='--help --grammar --name --trace --why --verbose' ;;
+        1:decompose) words='--help --sounds --overrides --verbose' ;;
+        1:say) words='--help --sounds --grammar --name --overrides --output --verbose' ;;
       esac
       ;;
   esac
