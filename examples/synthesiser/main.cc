@@ -73,14 +73,9 @@ int main(int argc, char** argv) {
     }
     if (phrases.empty()) loop->stop();
   }});
-  // Ends are reported by the loop, so that each id is known before. Nothing is said until then.
-  loop->post([&] {
-    announcer->pause();
-    for (int i = 4; i < argc; ++i) {
-      phrases[announcer->say({.words = wordsOf(argv[i])})] = argv[i];
-    }
-    announcer->resume();
-  });
+  for (int i = 4; i < argc; ++i) {
+    phrases[announcer->say({.words = wordsOf(argv[i])})] = argv[i];
+  }
   loop->run();
   espeak_Terminate();
   return std::fclose(synthesised) == 0 ? 0 : 1;

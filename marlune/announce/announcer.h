@@ -66,8 +66,9 @@ class MARLUNE_API Announcer {
   // the recordings: saying the same words later opens no file on the main thread.
   Preparation prepare(const std::vector<std::string>& words);
 
-  // Returns at once. If the queue is full, the least urgent waiting announcement, of several the
-  // youngest, fails.
+  // Returns at once. The observer hears nothing of the announcement before it has returned, unless
+  // there is no main thread. If the queue is full, the least urgent waiting announcement, of
+  // several the youngest, fails.
   AnnouncementId say(Announcement announcement);
 
   // End announcements of this announcer; the one that is playing fades out within 10 ms, unless

@@ -35,6 +35,8 @@ class EventList {
     }
   }
 
+  bool isEmpty() const { return _first == _events.size(); }
+
   // Takes the first event, or the first of one announcer. Returns false if there is none. Keeps the
   // list's memory.
   bool take(const Announcer::State* only, Event& event) {

@@ -42,6 +42,7 @@ void SharedSpeech::leave(const State& announcer) {
   if (const auto session = Platform::shared().audioSession) session->setRouteLostHandler(nullptr);
   lock.lock();
   _isPaused = _isHalted = _mustPlayOn = _ownsSession = false;
+  _isTurnPosted = false;  // its main thread may have ended
   _volume = 1;
   _queue.reset();
   _hold.reset();
@@ -72,7 +73,8 @@ AnnouncementId SharedSpeech::say(const State& announcer, Announcement announceme
     if (const auto within = speech->content.startWithin) speech->deadline = _now() + *within;
     _admit(std::move(speech));
   }
-  _turn();
+  // The caller should know the id before it hears of it.
+  _turn(/*mayReport=*/!Platform::shared().mainThread);
   return id;
 }
 

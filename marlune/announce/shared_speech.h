@@ -71,7 +71,8 @@ class SharedSpeech : private SharedPlaybackListener {
 
   // shared_speech_turn.cc: a turn lets the queue and the line catch up with each other, and reports
   // what happened. Called with the lock released; posted if the caller is not on the main thread.
-  void _turn();
+  // If it may not report now, it posts another turn that does.
+  void _turn(bool mayReport = true);
   void _postTurn();
   void _step(Lock& lock);
   bool _isQuiet() const;

@@ -20,7 +20,7 @@ constexpr int kMostRounds = 100;  // before the main thread's other work gets it
 
 }  // namespace
 
-void SharedSpeech::_turn() {
+void SharedSpeech::_turn(bool mayReport) {
   if (!SharedPlayback::onMainThread()) return _postTurn();
   if (std::exchange(_isTurnWanted, true) && _isInTurn) return;
   if (_isInTurn) return;
@@ -35,10 +35,12 @@ void SharedSpeech::_turn() {
     }
     _wake.reset();
     _step(lock);
-    _deliver(lock, nullptr);
+    if (mayReport) _deliver(lock, nullptr);
   }
   _isInTurn = false;
+  const bool mustReport = !mayReport && !_events.isEmpty();
   lock.unlock();
+  if (mustReport) _postTurn();
   _postWake();
 }
 

@@ -134,7 +134,7 @@ class AnnouncementSchedule {
     } else {
       _disturb(act);
     }
-    _judge.watchSession();
+    _advance(0);  // what say() has caused is reported by posted work
   }
 
   void _disturb(int act) {
