@@ -39,9 +39,9 @@ namespace marlune {
 // not throw.
 class MARLUNE_API Announcer {
  public:
-  // The parser and the decomposer must not be used by anybody else from now on. A null parser
-  // leaves words unchanged. The recordings are the ".aif" resources in the sub-directory
-  // `directory` of `bundle`, the decomposer's. A null decomposer or bundle can say nothing.
+  // Takes over the parser and the decomposer. A null parser leaves words unchanged. The recordings
+  // are the ".aif" resources in the sub-directory `directory` of `bundle`, the decomposer's. A null
+  // decomposer or bundle can say nothing.
   static std::unique_ptr<Announcer> initWithParser(std::unique_ptr<Parser> parser,
                                                    std::unique_ptr<Decomposer> decomposer,
                                                    std::string directory,

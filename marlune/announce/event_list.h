@@ -12,7 +12,7 @@
 
 namespace marlune {
 
-// What observers are still to be told, in order. Internal: not installed.
+// Events that are not yet reported to observers, in order. Internal: not installed.
 class EventList {
  public:
   struct Event {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "marlune/announce/recording_words.h"
+#include "marlune/decompose/joined_key.h"
 #include "marlune/platform/platform.h"
 
 namespace marlune {
@@ -90,7 +91,8 @@ std::optional<PhraseProblem> PhrasePreparer::_decompose(PreparedPhrase& phrase) 
   const Decomposition files = _decomposer->optimalDecompositionOf(words);
   if (!files) return _uncovered(words);
   if (files->empty()) {
-    return PhraseProblem{Kind::nothingToSay, {}, keyOfWords(words), "an override says nothing"};
+    return PhraseProblem{
+        Kind::nothingToSay, {}, decompositionKey(words), "an override says nothing"};
   }
   for (const std::string& file : *files) phrase.recordings.push_back({file, {}});
   assignWords(words, phrase.recordings);
@@ -100,9 +102,10 @@ std::optional<PhraseProblem> PhrasePreparer::_decompose(PreparedPhrase& phrase) 
                                    [&](const auto& each) { return each.name == missing.front(); });
   const Words stretch(words.begin() + static_cast<long>(said.firstWord),
                       words.begin() + static_cast<long>(said.endWord));
-  std::string message = "the override \"" + keyOfWords(stretch) + "\" names \"" + missing.front() +
-                        "\", which is no recording";
-  return PhraseProblem{Kind::missingRecording, stretch, keyOfWords(stretch), std::move(message)};
+  std::string message = "the override \"" + decompositionKey(stretch) + "\" names \"" +
+                        missing.front() + "\", which is no recording";
+  return PhraseProblem{Kind::missingRecording, stretch, decompositionKey(stretch),
+                       std::move(message)};
 }
 
 PhraseProblem PhrasePreparer::_uncovered(const Words& words) const {

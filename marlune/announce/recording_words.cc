@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <utility>
+
+#include "marlune/decompose/joined_key.h"
 
 namespace marlune {
 
@@ -20,7 +23,7 @@ std::string withoutBrackets(const std::string& key) {
 }
 
 bool isNamedBy(const std::string& name, std::span<const std::string> words) {
-  const std::string key = keyOfWords(words);
+  const std::string key = decompositionKey(words);
   return name == key || name == withoutBrackets(key);
 }
 
@@ -43,18 +46,6 @@ std::optional<std::size_t> startOfWords(const std::string& name, std::span<const
 }
 
 }  // namespace
-
-std::string keyOfWords(std::span<const std::string> words) {
-  std::string key;
-  for (const std::string& word : words) {
-    if (&word != words.data()) key += '_';
-    for (const char each : word) {
-      if (each == '[' && key.ends_with('_')) key.pop_back();
-      key += each == ' ' ? '_' : each;
-    }
-  }
-  return key;
-}
 
 // From both ends inwards: what an override has decided remains in the middle.
 void assignWords(std::span<const std::string> words, std::vector<SpokenRecording>& recordings) {

@@ -9,10 +9,6 @@
 
 namespace marlune {
 
-// The decomposition key of words: joined with "_", every " " in them replaced by "_" and every "_["
-// by "[".
-std::string keyOfWords(std::span<const std::string> words);
-
 // Finds which words each recording says, and sets their firstWord and endWord. A recording is named
 // by the key of its words, or by that key without brackets and the text between them. Recordings
 // that are named otherwise come from overrides: neighbours of that kind share the words that the

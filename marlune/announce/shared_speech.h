@@ -56,6 +56,8 @@ class SharedSpeech : private SharedPlaybackListener {
   using Kind = AnnouncementEnd::Kind;
   using Cause = AnnouncementEnd::Cause;
 
+  static constexpr double kFadeSeconds = 0.01;  // of an announcement that is ended at once
+
   SharedSpeech() = default;
 
   // shared_speech.cc: calls. Any thread, with the lock held.

@@ -14,7 +14,6 @@ namespace marlune {
 
 namespace {
 
-constexpr double kFadeSeconds = 0.01;
 constexpr double kRetrySeconds = 0.25;  // between attempts to open a lost output
 constexpr int kMostRestarts = 5;        // of an announcement whose output is lost again and again
 
@@ -64,7 +63,8 @@ void SharedSpeech::_followQueue() {
   }
 }
 
-// What a failed queue has dropped has not begun; what somebody else has removed has ended.
+// An announcement that a failed queue has dropped counts as not begun, one that a player's
+// stopAllSounds() has removed as ended.
 bool SharedSpeech::_hasBegun(const Speech& speech, const PlayerItem* current) const {
   const Fate fate = speech.items.front()->fate().kind;
   if (fate == Fate::pending) {
@@ -262,12 +262,8 @@ void SharedSpeech::_pullBack() {
   if (_ahead && _withdrawAhead()) _waiting.add(std::move(_ahead));
   _endSilence(_hold);
   if (_playing) {
-    if (!_queue->removeUnbegun(_playing->itemsFrom(_playing->left))) {
-      _removeFrom(*_playing, _playing->left);
-      for (const auto& item : _playing->itemsFrom(_playing->left)) {
-        _queue->endEarly(item.get(), 0);
-      }
-    }
+    _removeFrom(*_playing, _playing->left);
+    for (const auto& item : _playing->itemsFrom(_playing->left)) _queue->endEarly(item.get(), 0);
     _playing->leaveQueue();
   }
   _lostAt = _now();

@@ -10,8 +10,7 @@ namespace marlune {
 
 namespace {
 
-constexpr double kAheadSeconds = 0.3;  // how early an announcement enters the queue
-constexpr double kFadeSeconds = 0.01;
+constexpr double kAheadSeconds = 0.3;   // how early an announcement enters the queue
 constexpr double kCheckSeconds = 0.1;   // how often the one queued ahead is judged again
 constexpr double kSlipSeconds = 0.05;   // a later start than expected: the device has slept
 constexpr double kRetrySeconds = 0.02;  // when the sound was faster than a takeover

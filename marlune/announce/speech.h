@@ -37,7 +37,7 @@ struct Speech {
   std::size_t reported = 0;             // items reported since it entered the queue
   bool hasStarted = false;              // reported; stays when the phrase starts again
   bool isCut = false;                   // recordings at its end were removed
-  bool isDropped = false;               // recordings were removed by somebody else
+  bool isDropped = false;               // a player's stopAllSounds() has removed recordings
   int restarts = 0;                     // after a lost output
   AnnouncementEnd::Cause fault = AnnouncementEnd::Cause::none;
   std::string faultMessage;

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "marlune/platform/visibility.h"
+
 namespace marlune {
 
 // The decomposition key of a phrase: its words joined with " ", then every " " replaced by "_" and
@@ -66,7 +68,7 @@ class JoinedKey {
 };
 
 // The key as a string of its own.
-std::string decompositionKey(std::span<const std::string> words);
+MARLUNE_INTERNAL_API std::string decompositionKey(std::span<const std::string> words);
 
 }  // namespace marlune
 

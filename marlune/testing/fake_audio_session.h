@@ -39,7 +39,7 @@ class FakeAudioSession : public AudioSession {
 
   Outcome categoryOutcome, activationOutcome;  // the results of the next calls
   bool hasDevice = true;
-  std::function<void()> routeLost;  // null: nobody has asked for it
+  std::function<void()> routeLost;  // null while there is no announcer
   std::function<bool()> isSoundRunning = [] { return false; };
 };
 

@@ -380,6 +380,26 @@ TEST_F(AnnouncerTest, ADeviceThatDoesNotComeBackFailsThePhraseAndThoseBehindIt) 
   EXPECT_FALSE(platform->session->isActive);
 }
 
+TEST_F(AnnouncerTest, ADeviceThatVanishesDuringAPauseIsWaitedForAfterIt) {
+  settings.pausedSessionSeconds = 0;
+  announcer->setSettings(settings);
+  for (const bool returns : {true, false}) {
+    const auto id = announcer->say({.words = {"one", "two"}});
+    advance(1.5);
+    announcer->pause();
+    platform->session->hasDevice = false;
+    advance(60);
+    announcer->resume();
+    advance(2);
+    EXPECT_EQ(end(id), "") << "it waits";
+    if (returns) platform->returnDevice();
+    advance(3);
+    EXPECT_EQ(end(id), returns ? "finished" : "failed");
+    EXPECT_EQ(cause(id), returns ? Cause::none : Cause::deviceLost);
+    EXPECT_FALSE(platform->session->isActive);
+  }
+}
+
 TEST_F(AnnouncerTest, ADeviceThatIsLostAgainAndAgainFailsThePhrase) {
   const auto id = announcer->say({.words = {"long"}});
   for (int i = 0; i < 10 && end(id).empty(); ++i) {
